@@ -1,0 +1,39 @@
+# The library: compiled once, linked as a shared library for hosts and as a static one for our own
+# tools and tests, which look behind the exports.
+file(GLOB_RECURSE quorvex_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/*.cpp)
+if(WIN32)
+  list(FILTER quorvex_sources EXCLUDE REGEX "_posix\\.cpp$")
+else()
+  list(FILTER quorvex_sources EXCLUDE REGEX "_windows\\.cpp$")
+endif()
+
+add_library(quorvex_objects OBJECT ${quorvex_sources})
+target_include_directories(quorvex_objects PUBLIC ${CMAKE_SOURCE_DIR}/src ${CMAKE_SOURCE_DIR}/include)
+target_compile_definitions(quorvex_objects PRIVATE QUORVEX_BUILD)
+target_compile_options(quorvex_objects PRIVATE -fno-exceptions -fno-rtti)
+set_target_properties(quorvex_objects PROPERTIES CXX_VISIBILITY_PRESET hidden
+                                                 VISIBILITY_INLINES_HIDDEN ON)
+target_link_libraries(quorvex_objects PRIVATE quorvex_flags)
+
+add_library(quorvex_static STATIC $<TARGET_OBJECTS:quorvex_objects>)
+target_include_directories(quorvex_static PUBLIC ${CMAKE_SOURCE_DIR}/src ${CMAKE_SOURCE_DIR}/include)
+target_compile_definitions(quorvex_static INTERFACE QUORVEX_STATIC)
+
+add_library(Quorvex64 SHARED $<TARGET_OBJECTS:quorvex_objects>)
+target_include_directories(Quorvex64 INTERFACE ${CMAKE_SOURCE_DIR}/include)
+if(WIN32)
+  configure_file(${CMAKE_SOURCE_DIR}/cmake/version.rc.in ${CMAKE_BINARY_DIR}/version.rc)
+  target_sources(Quorvex64 PRIVATE ${CMAKE_SOURCE_DIR}/cmake/Quorvex64.def
+                                   ${CMAKE_BINARY_DIR}/version.rc)
+  set_target_properties(Quorvex64 PROPERTIES PREFIX "")
+  # The DLL imports nothing but what Windows has: the C++ runtime is linked in.
+  target_link_options(Quorvex64 PRIVATE -static)
+else()
+  # Exactly the exports: template instantiations of the C++ library stay inside.
+  set(export_map ${CMAKE_SOURCE_DIR}/cmake/exports.map)
+  target_link_options(Quorvex64 PRIVATE -Wl,--version-script=${export_map} -Wl,--no-undefined)
+  set_target_properties(Quorvex64 PROPERTIES LINK_DEPENDS ${export_map})
+  if(QUORVEX_SANITIZE)
+    target_link_options(Quorvex64 PRIVATE -Wl,--undefined-version)
+  endif()
+endif()

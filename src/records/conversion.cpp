@@ -1,0 +1,87 @@
+// The walk that nearly every conversion is: head, settings, state, document, records.
+#include "records/recording.h"
+#include "settings/instrument_state.h"
+#include "settings/setting_file.h"
+#include "settings/settings_block.h"
+#include "support/memory.h"
+#include "xml/document.h"
+#include "xml/plan.h"
+
+#include <optional>
+
+namespace quorvex {
+namespace {
+
+constexpr Field kFileHeaderRows[] = {
+    I32("FILE_VERSION", offsetof(FileHeader, version), "version of the file format"),
+    I32("FILE_TYPE", offsetof(FileHeader, type), "record type, 1 to 18"),
+};
+constexpr Field kFileHeader = Record("FILE_HEADER", sizeof(FileHeader), kFileHeaderRows);
+static_assert(Tiles(kFileHeader));
+
+// False where the file cannot be opened. Bytes that a short file lacks stay as they are.
+bool ReadHead(const RecordType& type, const char* path, FileHeader* header, UifParams* settings) {
+  File file(path, kOpenRead);
+  if (!file) return false;
+  ReadBytes(file.get(), header, sizeof *header);
+  if (type.settings_at == 0) return true;
+  if (SeekTo(file.get(), type.settings_at)) ReadBytes(file.get(), settings, kSettingsSize);
+  return true;
+}
+
+void WriteRecords(const RecordType& type, const Request& request, const UifParams& settings,
+                  XmlWriter* document) {
+  File input(request.input, kOpenRead);
+  if (!input || !SeekTo(input.get(), type.records_at)) return;
+  Tracked<FileInfo> info;
+  const bool known = QueryFileInfo(request.input, info.get()) == 0;
+  type.write({type, request, settings, document, input.get(), known ? info->size : 0,
+              known ? WholeSize(*info) : 0});
+}
+
+}  // namespace
+
+void ReadFileHeader(const char* path, FileHeader* header) {
+  header->type = 0;
+  File file(path, kOpenRead);
+  if (file) ReadBytes(file.get(), header, sizeof *header);
+}
+
+void ConvertRecording(const RecordType& type, const Request& request) {
+  FileHeader header{};
+  Tracked<UifParams> settings;
+  if (!ReadHead(type, request.input, &header, settings.get())) return;
+  if (type.companion) LoadSettingFile(request.input, settings.get());
+  std::optional<ScopedState> state;
+  if (type.state) state.emplace(settings.get());
+
+  XmlWriter* document = CreateDocument(request.input, request.output);
+  if (document == nullptr) return;
+  WriteDocumentStart(document);
+  RenderOnce(document, kFileHeader, kAllCases, &header);
+  if (type.settings_at != 0) WriteSettingsBlock(document, *settings, type.harmonics_flag);
+  if (type.list != nullptr) OpenElement(document, type.list);
+  if (type.write != nullptr) WriteRecords(type, request, *settings, document);
+  if (type.list != nullptr) CloseElement(document);
+  CloseElement(document);
+  CloseDocument(document);
+}
+
+uint32_t CountRecords(uint32_t file_size, uint32_t record_size) {
+  const uint32_t behind_head = file_size - kHeadSize;
+  return behind_head == 0 ? 0 : (behind_head - 1) / record_size + 1;
+}
+
+void WriteCountedRecords(const Conversion& c) {
+  if (c.whole_size < c.type.records_at) return;
+  const uint32_t record_size = c.type.record->size;
+  const Plan plan(*c.type.record, CaseOf(c.settings));
+  Tracked<uint8_t> record(record_size);
+  const uint32_t count = CountRecords(c.size, record_size);
+  for (uint32_t i = 0; i < count; ++i) {
+    ReadBytes(c.input, record.get(), record_size);
+    plan.Render(c.document, record.get());
+  }
+}
+
+}  // namespace quorvex

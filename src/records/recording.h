@@ -1,0 +1,80 @@
+// What the record types share: how a recording is described, and the walk that converts it.
+#pragma once
+
+#include <cstdint>
+
+#include "settings/cases.h"
+#include "settings/settings_record.h"
+#include "support/file.h"
+#include "xml/element_writer.h"
+#include "xml/layout.h"
+
+namespace quorvex {
+
+// Takes the fraction done; a negative result stops the conversion after the record just written.
+using ProgressCallback = int32_t (*)(float fraction);
+
+// What a host asks for.
+struct Request {
+  const char* input;
+  const char* output = nullptr;  // null: beside the input, with the extension ".xml"
+  uint32_t first = 1;            // record numbers from 1, inclusive; general recordings only
+  uint32_t last = 0xFFFFFFFF;
+  ProgressCallback progress = nullptr;
+};
+
+// The eight bytes at the start of every file.
+struct FileHeader {
+  uint32_t version;
+  uint32_t type;
+};
+static_assert(sizeof(FileHeader) == kFileHeaderSize);
+
+struct RecordType;
+
+// A conversion under way, as the writers of the record types see it.
+struct Conversion {
+  const RecordType& type;
+  const Request& request;
+  const UifParams& settings;  // zeroed where the file has none
+  XmlWriter* document;
+  FileHandle* input;          // stands at the first record
+  uint32_t size;              // low 32 bits of the file's size, 0 where it is not known
+  uint64_t whole_size;
+};
+
+// One row of the table of record types. The differences between types are its columns.
+struct RecordType {
+  uint32_t type;
+  const char* name;                         // in words
+  const char* list;                         // element around the records, null for none
+  const Field* record;                      // layout of a record, where every record has the same
+  void (*write)(const Conversion&);         // writes the records
+  uint32_t settings_at = kFileHeaderSize;   // 0: the file carries no settings
+  uint32_t records_at = kHeadSize;
+  bool companion = false;                   // a setting file beside it replaces the settings
+  bool state = false;                       // an instrument state record is current meanwhile
+  bool harmonics_flag = false;              // variant of the settings block
+  bool progress = false;                    // reports progress and can be stopped
+};
+
+// The type with this number, or null. The table of all types is behind it.
+const RecordType* FindRecordType(uint32_t type);
+
+// Reads the first eight bytes of a file. The type is 0 where there are none, and what a file too
+// short for them leaves out keeps its value otherwise.
+void ReadFileHeader(const char* path, FileHeader* header);
+
+// Converts one file of a known type. Silent: without a readable input, or with an output that cannot
+// be created, there is no document.
+void ConvertRecording(const RecordType& type, const Request& request);
+
+// Number of records behind the head, a last partial one included, for the size of a file in 32-bit
+// arithmetic: a size below the head's wraps round to a huge count.
+uint32_t CountRecords(uint32_t file_size, uint32_t record_size);
+
+// Writes the counted records of `type.record`. What a last partial record lacks is left from the
+// one before. A file that ends before its first record has none.
+void WriteCountedRecords(const Conversion& c);
+
+}  // namespace quorvex

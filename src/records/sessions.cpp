@@ -1,0 +1,60 @@
+// Type 15: the log of operating sessions. It carries no settings, and its elements are named in
+// lower camel case, unlike those of every other type.
+#include "records/record_types.h"
+#include "support/loads.h"
+#include "xml/plan.h"
+
+namespace quorvex {
+namespace {
+
+constexpr uint32_t kElementsNumAt = 36;
+
+constexpr Field kSessionHeaderRows[] = {
+    DateTime("startTime", 0, "start of the session"),
+    DateTime("endTime", 16, "end of the session"),
+    I32("sessionId", 32, "identifier"),
+    I32("elementsNum", kElementsNumAt, "number of elements that follow"),
+};
+constexpr Field kSessionHeader = Record("SESSION_HEADER", 40, kSessionHeaderRows);
+static_assert(Tiles(kSessionHeader));
+
+constexpr Field kElementRows[] = {
+    I32("elementType", 0, "kind of the change"),
+    I32("fromScreen", 4, "screen before"),
+    I32("toScreen", 8, "screen after"),
+    I32("num", 12, "number"),
+};
+constexpr Field kElement = Record("ELEMENT", 16, kElementRows, "a change of screens");
+static_assert(Tiles(kElement));
+
+// Sessions stand back to back, each a header and its elements, up to the first that is cut short.
+void WriteSessions(const Conversion& c) {
+  const Plan header_plan(kSessionHeader, kAllCases);
+  const Plan element_plan(kElement, kAllCases);
+  uint8_t header[kSessionHeader.size];
+  while (ReadBytes(c.input, header, sizeof header) == sizeof header) {
+    OpenElement(c.document, "SESSION");
+    header_plan.Render(c.document, header);
+    const auto elements = Load<int32_t>(header + kElementsNumAt);
+    for (int32_t i = 0; i < elements; ++i) {
+      uint8_t element[kElement.size];
+      if (ReadBytes(c.input, element, sizeof element) != sizeof element) break;
+      element_plan.Render(c.document, element);
+    }
+    CloseElement(c.document);
+  }
+}
+
+}  // namespace
+
+const RecordType kSessions = {
+    .type = 15,
+    .name = "sessions",
+    .list = nullptr,
+    .record = nullptr,
+    .write = WriteSessions,
+    .settings_at = 0,
+    .records_at = kFileHeaderSize,
+};
+
+}  // namespace quorvex

@@ -1,0 +1,76 @@
+#include "support/file.h"
+
+#include <cstring>
+
+#include "support/memory.h"
+
+namespace quorvex {
+namespace {
+
+constexpr uint32_t kFullDiskPauseMs = 10;
+
+const char* ModeText(int32_t mode) {
+  switch (mode) {
+    case kOpenCreate: return "wb";
+    case kOpenAppend: return "ab";
+    case kOpenUpdate: return "rb+";
+    default: return "rb";
+  }
+}
+
+}  // namespace
+
+FileHandle* OpenFile(const char* path, int32_t mode) {
+  if (path == nullptr || std::strlen(path) > kMaxPath) return nullptr;
+  auto* file = static_cast<FileHandle*>(Allocate(sizeof(FileHandle)));
+  file->stream = std::fopen(path, ModeText(mode));
+  if (file->stream == nullptr) {
+    Release(file);
+    return nullptr;
+  }
+  return file;
+}
+
+void CloseFile(FileHandle* file) {
+  if (file == nullptr) return;
+  if (file->stream != nullptr) std::fclose(file->stream);
+  file->stream = nullptr;
+  Release(file);
+}
+
+uint32_t ReadBytes(FileHandle* file, void* to, uint32_t count) {
+  return static_cast<uint32_t>(std::fread(to, 1, count, file->stream));
+}
+
+#ifdef _WIN32
+bool SeekTo(FileHandle* file, uint64_t position) {
+  return _fseeki64(file->stream, static_cast<int64_t>(position), SEEK_SET) == 0;
+}
+uint64_t PositionOf(FileHandle* file) {
+  return static_cast<uint64_t>(_ftelli64(file->stream));
+}
+#else
+bool SeekTo(FileHandle* file, uint64_t position) {
+  return fseeko(file->stream, static_cast<off_t>(position), SEEK_SET) == 0;
+}
+uint64_t PositionOf(FileHandle* file) { return static_cast<uint64_t>(ftello(file->stream)); }
+#endif
+
+uint32_t WriteAll(FileHandle* file, const void* bytes, uint32_t count) {
+  // Past the stream's own buffer: a stream that fails half way forgets what it had buffered.
+  uint32_t written = 0;
+  while (written < count) {
+    const uint32_t piece =
+        WritePiece(file->stream, static_cast<const uint8_t*>(bytes) + written, count - written);
+    if (piece == 0) PauseMs(kFullDiskPauseMs);
+    written += piece;
+  }
+  return written;
+}
+
+void StripExtension(const char* source, char* destination) {
+  std::strcpy(destination, source);
+  if (char* dot = std::strrchr(destination, '.')) *dot = '\0';
+}
+
+}  // namespace quorvex

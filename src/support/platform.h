@@ -1,0 +1,56 @@
+// What the library asks of the operating system, one source file a platform behind it.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+
+#ifdef _WIN32
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#include <windows.h>
+#else
+#include <sys/stat.h>
+#endif
+
+namespace quorvex {
+
+#ifdef _WIN32
+using PlatformFileData = WIN32_FIND_DATAA;
+using SearchHandle = HANDLE;
+#else
+using PlatformFileData = struct statx;
+using SearchHandle = void*;
+#endif
+
+// What a search by path tells of a file.
+struct FileInfo {
+  char name[256];          // the found name without its directory
+  uint32_t size;           // the low 32 bits of the size in bytes
+  uint16_t in_progress;    // 0 starts a new search; callers set it before the query
+  uint8_t spare;
+  uint16_t year;           // creation time, UTC
+  uint8_t month, day, hour, minute, second;
+  SearchHandle search;
+  PlatformFileData found;  // the platform's own record
+};
+
+// Fills `info` for `path`. 0 on success, 1 where there is no such file. Each query stands alone:
+// the search is closed before it returns, so one that continues (in_progress not 0) finds nothing.
+int QueryFileInfo(const char* path, FileInfo* info);
+
+// The size of the found file in full.
+uint64_t WholeSize(const FileInfo& info);
+
+// Whether two paths lead to one existing file, through links too.
+bool SameFile(const char* first, const char* second);
+
+// Writes up to `count` bytes behind what was written before; returns how many arrived, 0 on failure.
+uint32_t WritePiece(std::FILE* stream, const void* bytes, uint32_t count);
+
+void PauseMs(uint32_t milliseconds);
+
+// The platform's debug output; dropped where there is none.
+void SendDiagnostic(const char* text);
+
+}  // namespace quorvex

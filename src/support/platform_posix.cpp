@@ -1,0 +1,54 @@
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <ctime>
+
+#include "support/platform.h"
+
+namespace quorvex {
+
+int QueryFileInfo(const char* path, FileInfo* info) {
+  if (path == nullptr || info->in_progress != 0) return 1;
+  constexpr unsigned int kWanted = STATX_SIZE | STATX_BTIME | STATX_MTIME;
+  if (statx(AT_FDCWD, path, 0, kWanted, &info->found) != 0) return 1;
+  const char* slash = std::strrchr(path, '/');
+  std::strncpy(info->name, slash != nullptr ? slash + 1 : path, sizeof info->name - 1);
+  info->name[sizeof info->name - 1] = '\0';
+  info->size = static_cast<uint32_t>(info->found.stx_size);
+  // Some file systems keep no creation time; the last change is the nearest that they know.
+  const bool has_birth = (info->found.stx_mask & STATX_BTIME) != 0;
+  const time_t created = has_birth ? info->found.stx_btime.tv_sec : info->found.stx_mtime.tv_sec;
+  struct tm utc {};
+  gmtime_r(&created, &utc);
+  info->year = static_cast<uint16_t>(utc.tm_year + 1900);
+  info->month = static_cast<uint8_t>(utc.tm_mon + 1);
+  info->day = static_cast<uint8_t>(utc.tm_mday);
+  info->hour = static_cast<uint8_t>(utc.tm_hour);
+  info->minute = static_cast<uint8_t>(utc.tm_min);
+  info->second = static_cast<uint8_t>(utc.tm_sec);
+  return 0;
+}
+
+uint64_t WholeSize(const FileInfo& info) { return info.found.stx_size; }
+
+bool SameFile(const char* first, const char* second) {
+  struct stat a {};
+  struct stat b {};
+  return stat(first, &a) == 0 && stat(second, &b) == 0 && a.st_dev == b.st_dev &&
+         a.st_ino == b.st_ino;
+}
+
+uint32_t WritePiece(std::FILE* stream, const void* bytes, uint32_t count) {
+  const ssize_t written = write(fileno(stream), bytes, count);
+  return written > 0 ? static_cast<uint32_t>(written) : 0;
+}
+
+void PauseMs(uint32_t milliseconds) {
+  const struct timespec pause = {milliseconds / 1000, (milliseconds % 1000) * 1000000L};
+  nanosleep(&pause, nullptr);
+}
+
+void SendDiagnostic(const char*) {}  // a library does not write to its host's streams
+
+}  // namespace quorvex

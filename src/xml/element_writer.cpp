@@ -1,0 +1,135 @@
+#include "xml/element_writer.h"
+
+#include <cassert>
+#include <cstring>
+
+#include "support/memory.h"
+
+namespace quorvex {
+namespace {
+
+void Flush(XmlWriter* writer) {
+  WriteAll(writer->file, writer->buffer, writer->position);
+  writer->position = 0;
+}
+
+void Grow(XmlWriter* writer, uint32_t needed) {
+  while (writer->capacity < needed) writer->capacity += kWriterBuffer;
+  auto* larger = static_cast<char*>(Allocate(writer->capacity));
+  std::memcpy(larger, writer->buffer, writer->position);
+  Release(writer->buffer);
+  writer->buffer = larger;
+}
+
+bool IsKept(char c) {
+  const bool letter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+  const bool digit = c >= '0' && c <= '9';
+  return letter || digit || std::strchr(" .,!%&=+-*/_", c) != nullptr;
+}
+
+}  // namespace
+
+XmlWriter* CreateWriter(FileHandle* file) {
+  auto* writer = static_cast<XmlWriter*>(Allocate(sizeof(XmlWriter)));
+  writer->file = file;
+  writer->mode = file != nullptr ? Output::kFile : Output::kMemory;
+  writer->buffer = static_cast<char*>(Allocate(kWriterBuffer));
+  writer->capacity = kWriterBuffer;
+  return writer;
+}
+
+void CloseWriter(XmlWriter* writer) {
+  if (writer == nullptr) return;
+  if (writer->mode == Output::kFile) Flush(writer);
+  CloseFile(writer->file);
+  Release(writer->buffer);
+  Release(writer);
+}
+
+char* Reserve(XmlWriter* writer, uint32_t size) {
+  assert(size <= kWriterBuffer);
+  if (size > writer->capacity - writer->position) {
+    if (writer->mode == Output::kFile) {
+      Flush(writer);
+    } else {
+      Grow(writer, writer->position + size);
+    }
+  }
+  return writer->buffer + writer->position;
+}
+
+void PutText(XmlWriter* writer, const char* text) {
+  size_t left = std::strlen(text);
+  while (left > 0) {
+    const auto piece = static_cast<uint32_t>(left < kWriterBuffer ? left : kWriterBuffer);
+    char* to = Reserve(writer, piece);
+    std::memcpy(to, text, piece);
+    Advance(writer, to + piece);
+    text += piece;
+    left -= piece;
+  }
+}
+
+void OpenElement(XmlWriter* writer, const char* name, const char* attributes) {
+  PutText(writer, "<");
+  PutText(writer, name);
+  if (attributes[0] != '\0') {
+    PutText(writer, " ");
+    PutText(writer, attributes);
+  }
+  PutText(writer, ">\r\n");
+  // Deeper nesting than any document has is a mistake of ours; without assertions the name is lost
+  // but nothing is overwritten.
+  assert(writer->depth < kMaxOpenElements);
+  if (writer->depth < kMaxOpenElements) writer->open[writer->depth] = name;
+  ++writer->depth;
+}
+
+void CloseElement(XmlWriter* writer) {
+  assert(writer->depth > 0);
+  if (writer->depth == 0) return;
+  --writer->depth;
+  PutText(writer, "</");
+  if (writer->depth < kMaxOpenElements) PutText(writer, writer->open[writer->depth]);
+  PutText(writer, ">\r\n");
+}
+
+void ValueElement(XmlWriter* writer, const char* name, const char* value) {
+  PutText(writer, "<");
+  PutText(writer, name);
+  PutText(writer, ">");
+  PutText(writer, value);
+  PutText(writer, "</");
+  PutText(writer, name);
+  PutText(writer, ">\r\n");
+}
+
+char* EscapeText(const char* source, char* to, uint32_t limit) {
+  for (uint32_t i = 0; i < limit && source[i] != '\0'; ++i) {
+    const char c = source[i];
+    if (c == '\n' || c == '\r') {
+      *to++ = '\\';
+    } else {
+      *to++ = IsKept(c) ? c : '?';
+    }
+  }
+  return to;
+}
+
+char* Base64Encode(const uint8_t* source, uint32_t size, char* to) {
+  static constexpr char kAlphabet[] =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  for (uint32_t i = 0; i < size; i += 3, to += 4) {
+    const uint32_t left = size - i;
+    const uint32_t group = static_cast<uint32_t>(source[i]) << 16 |
+                           (left > 1 ? static_cast<uint32_t>(source[i + 1]) << 8 : 0) |
+                           (left > 2 ? source[i + 2] : 0);
+    to[0] = kAlphabet[group >> 18];
+    to[1] = kAlphabet[group >> 12 & 63];
+    to[2] = left > 1 ? kAlphabet[group >> 6 & 63] : '=';
+    to[3] = left > 2 ? kAlphabet[group & 63] : '=';
+  }
+  return to;
+}
+
+}  // namespace quorvex

@@ -1,0 +1,60 @@
+// A streaming XML writer: one element a line, no indentation, lines ended by CR LF.
+#pragma once
+
+#include <cstdint>
+
+#include "support/file.h"
+
+namespace quorvex {
+
+constexpr uint32_t kWriterBuffer = 65536;
+constexpr int32_t kMaxOpenElements = 20;
+
+enum class Output : int32_t {
+  kMemory = 0,  // the buffer grows with the text
+  kFile = 1,    // the buffer is written out whenever it is full
+};
+
+struct XmlWriter {
+  FileHandle* file;
+  int32_t depth;                             // open elements
+  const char* open[kMaxOpenElements];        // their names, not copied
+  Output mode;
+  char* buffer;
+  uint32_t capacity;
+  uint32_t position;                         // bytes in the buffer
+};
+
+// A writer with an empty buffer of kWriterBuffer bytes; it owns `file` (null in memory mode).
+XmlWriter* CreateWriter(FileHandle* file);
+
+// Writes what the buffer holds, closes the file, releases everything. Null is left alone. Open
+// elements stay open: whoever opened them closes them first.
+void CloseWriter(XmlWriter* writer);
+
+// Room for `size` more bytes in one piece, at most kWriterBuffer. Write there, then Advance.
+char* Reserve(XmlWriter* writer, uint32_t size);
+inline void Advance(XmlWriter* writer, const char* end) {
+  writer->position = static_cast<uint32_t>(end - writer->buffer);
+}
+
+void PutText(XmlWriter* writer, const char* text);
+
+// `attributes` is the ready text between name and '>', empty for none. `name` must outlive the
+// element.
+void OpenElement(XmlWriter* writer, const char* name, const char* attributes = "");
+void CloseElement(XmlWriter* writer);
+
+// <name>value</name> on one line. The value stands as given: free text goes through EscapeText.
+void ValueElement(XmlWriter* writer, const char* name, const char* value);
+
+// At most `limit` bytes of `source`, up to its NUL, made safe for the document: letters, digits and
+// " .,!%&=+-*/_" stay (the ampersand too), line ends become a backslash, the rest '?'. Returns the
+// end of the text in `to`, which is not terminated and needs `limit` bytes.
+char* EscapeText(const char* source, char* to, uint32_t limit);
+
+// Base64 of `size` bytes with "=" padding and no line breaks. Returns the end of the text in `to`,
+// which needs 4 * ceil(size / 3) bytes and is not terminated.
+char* Base64Encode(const uint8_t* source, uint32_t size, char* to);
+
+}  // namespace quorvex

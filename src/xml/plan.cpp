@@ -1,0 +1,188 @@
+#include "xml/plan.h"
+
+#include <algorithm>
+#include <bit>
+#include <cassert>
+#include <cstdio>
+#include <cstring>
+
+#include "support/loads.h"
+#include "support/memory.h"
+#include "xml/number_text.h"
+
+namespace quorvex {
+
+// Text, then the value of `field`; only text where that is null; where `loop_end` is set, the steps
+// up to there once a repetition.
+struct PlanStep {
+  const Field* field;
+  uint32_t text_at;
+  uint32_t text_size;
+  uint32_t offset;
+  uint32_t step;  // bytes to the same value of the next repetition
+  uint32_t loop_end;
+};
+
+namespace {
+
+uint32_t MostSteps(const Field& f) {
+  uint32_t steps = 3;  // a loop, its body or value, its closing text
+  for (uint32_t r = 0; r < f.row_count; ++r) steps += MostSteps(f.rows[r]);
+  return steps;
+}
+
+uint32_t CountOf(const Field& f, const uint8_t* place, const RenderInputs& inputs) {
+  if (f.count_from == CountFrom::kTable) return f.count;
+  const int32_t count = f.count_from == CountFrom::kRecord ? Load<int32_t>(place + f.count_ref)
+                                                           : inputs.number[f.count_ref];
+  return count < 0 ? 0 : std::min(static_cast<uint32_t>(count), f.count);
+}
+
+char* RawTextOf(const uint8_t* at, uint32_t width, char* to) {
+  const void* end = std::memchr(at, '\0', width);
+  const size_t size = end != nullptr ? static_cast<const uint8_t*>(end) - at : width;
+  std::memcpy(to, at, size);
+  return to + size;
+}
+
+// The written floats of every entry, the no-value marker as infinity, in base64.
+char* SpectrumText(const Field& f, const uint8_t* at, char* to) {
+  constexpr uint32_t kInfinity = 0x7F800000;
+  constexpr uint32_t kPieceFloats = 48;  // 192 bytes: whole groups of three
+  uint32_t piece[kPieceFloats];
+  uint32_t filled = 0;
+  for (uint32_t entry = 0; entry < f.size; entry += f.entry_floats * 4u) {
+    for (uint32_t i = 0; i < f.written_floats; ++i) {
+      const auto bits = Load<uint32_t>(at + entry + i * 4);
+      piece[filled++] = bits == std::bit_cast<uint32_t>(kNoValue) ? kInfinity : bits;
+      if (filled == kPieceFloats) {
+        to = Base64Encode(reinterpret_cast<const uint8_t*>(piece), sizeof piece, to);
+        filled = 0;
+      }
+    }
+  }
+  return Base64Encode(reinterpret_cast<const uint8_t*>(piece), filled * 4, to);
+}
+
+char* ValueText(const Field& f, const uint8_t* at, const RenderInputs& inputs, char* to) {
+  switch (f.kind) {
+    case Kind::kU8: return IntegerText(*at, to);
+    case Kind::kU16: return IntegerText(Load<uint16_t>(at), to);
+    case Kind::kFlagWord:
+    case Kind::kI32: return IntegerText(std::min(Load<int32_t>(at), f.most), to);
+    case Kind::kI64: return IntegerText(Load<int64_t>(at), to);
+    case Kind::kF32: return FloatText(Load<float>(at), to);
+    case Kind::kF64: return DoubleText(Load<double>(at), to);
+    case Kind::kScaledI16:
+      return FloatText(static_cast<float>(Load<int16_t>(at)) * inputs.scale[f.scale_ref], to);
+    case Kind::kScaledF32: return FloatText(Load<float>(at) * inputs.scale[f.scale_ref], to);
+    case Kind::kSeconds: return SecondsText(Load<double>(at), to);
+    case Kind::kText: return EscapeText(reinterpret_cast<const char*>(at), to, f.size);
+    case Kind::kRawText: return RawTextOf(at, f.size, to);
+    case Kind::kMade: return f.make(at - f.offset, inputs, to);
+    case Kind::kSpectrum: return SpectrumText(f, at, to);
+    case Kind::kNoValue:
+      *to = '-';
+      return to + 1;
+    case Kind::kGap:
+    case Kind::kGroup: break;
+  }
+  return to;
+}
+
+// Elements whose text stands on a line of its own, behind the open tag's line end.
+bool HasOwnLine(Kind kind) { return kind == Kind::kFlagWord || kind == Kind::kSpectrum; }
+
+}  // namespace
+
+Plan::Plan(const Field& table, Cases which) : which_(which), text_(CreateWriter(nullptr)) {
+  steps_ = static_cast<PlanStep*>(
+      Allocate((MostSteps(table) + 1) * static_cast<uint32_t>(sizeof(PlanStep))));
+  Add(table, 0, 0);
+  AddStep(nullptr, 0, 0);
+  assert(text_->depth == 0);
+}
+
+Plan::~Plan() {
+  Release(steps_);
+  CloseWriter(text_);
+}
+
+// The text written since the last step stands before this one.
+PlanStep& Plan::AddStep(const Field* f, uint32_t offset, uint32_t step) {
+  PlanStep& s = steps_[step_count_++];
+  s = {f, text_used_, text_->position - text_used_, offset, step, 0};
+  text_used_ = text_->position;
+  return s;
+}
+
+void Plan::Add(const Field& f, uint32_t place, uint32_t step) {
+  if ((f.cases & which_) == 0 || f.kind == Kind::kGap) return;
+  const uint32_t offset = place + f.offset;
+  if (!f.repeated) {
+    AddRows(f, offset, step);
+    return;
+  }
+  // Counts stand beside the row, so a loop keeps the place of its enclosing group.
+  AddStep(&f, place, step);
+  const uint32_t loop = step_count_ - 1;
+  AddRows(f, f.offset, f.step);
+  AddStep(nullptr, 0, 0);
+  steps_[loop].loop_end = step_count_;
+}
+
+void Plan::AddRows(const Field& f, uint32_t offset, uint32_t step) {
+  char attributes[64] = "";
+  if (f.phase != nullptr) std::snprintf(attributes, sizeof attributes, "phase=\"%s\"", f.phase);
+  if (f.kind == Kind::kGroup) {
+    if (f.name[0] != '\0') OpenElement(text_, f.name, attributes);
+    for (uint32_t r = 0; r < f.row_count; ++r) {
+      const Field& row = f.rows[r];
+      Add(row, offset, f.repeated && row.every != 0 ? row.every : step);
+    }
+    if (f.name[0] != '\0') CloseElement(text_);
+  } else if (HasOwnLine(f.kind)) {
+    OpenElement(text_, f.name, attributes);
+    AddStep(&f, offset, step);
+    CloseElement(text_);
+  } else {
+    PutText(text_, "<");
+    PutText(text_, f.name);
+    PutText(text_, ">");
+    AddStep(&f, offset, step);
+    PutText(text_, "</");
+    PutText(text_, f.name);
+    PutText(text_, ">\r\n");
+  }
+}
+
+void Plan::Render(XmlWriter* to, const void* record, const RenderInputs& inputs) const {
+  Run(to, 0, step_count_, static_cast<const uint8_t*>(record), 0, inputs);
+}
+
+void Plan::Run(XmlWriter* to, uint32_t from, uint32_t end, const uint8_t* base,
+               uint32_t repetition, const RenderInputs& inputs) const {
+  for (uint32_t i = from; i < end; ++i) {
+    const PlanStep& s = steps_[i];
+    char* out = Reserve(to, s.text_size + (s.field != nullptr ? LongestText(*s.field) : 0));
+    std::memcpy(out, text_->buffer + s.text_at, s.text_size);
+    out += s.text_size;
+    const uint8_t* at = base + s.offset + static_cast<size_t>(repetition) * s.step;
+    if (s.loop_end != 0) {
+      Advance(to, out);
+      const uint32_t count = CountOf(*s.field, at, inputs);
+      for (uint32_t n = 0; n < count; ++n) Run(to, i + 1, s.loop_end, at, n, inputs);
+      i = s.loop_end - 1;
+      continue;
+    }
+    if (s.field != nullptr) out = ValueText(*s.field, at, inputs, out);
+    Advance(to, out);
+  }
+}
+
+void RenderOnce(XmlWriter* to, const Field& table, Cases which, const void* record,
+                const RenderInputs& inputs) {
+  Plan(table, which).Render(to, record, inputs);
+}
+
+}  // namespace quorvex

@@ -1,0 +1,42 @@
+// The renderer of the layout tables. A table is first made into a plan for the recording at hand:
+// rows of other cases drop out, and the tags between two values become one piece of ready text. A
+// record is then rendered by copying text and writing values in turn.
+#pragma once
+
+#include "xml/element_writer.h"
+#include "xml/layout.h"
+
+namespace quorvex {
+
+struct PlanStep;
+
+class Plan {
+ public:
+  // `which` is the one case (a single bit) that the recording is.
+  Plan(const Field& table, Cases which);
+  ~Plan();
+  Plan(const Plan&) = delete;
+  Plan& operator=(const Plan&) = delete;
+
+  // Writes one record, which holds at least the table's bytes.
+  void Render(XmlWriter* to, const void* record, const RenderInputs& inputs = {}) const;
+
+ private:
+  void Add(const Field& f, uint32_t offset, uint32_t step);
+  void AddRows(const Field& group, uint32_t offset, uint32_t step);
+  PlanStep& AddStep(const Field* f, uint32_t offset, uint32_t step);
+  void Run(XmlWriter* to, uint32_t from, uint32_t end, const uint8_t* base, uint32_t repetition,
+           const RenderInputs& inputs) const;
+
+  Cases which_;
+  XmlWriter* text_;       // the tags, written once into memory
+  uint32_t text_used_ = 0;
+  PlanStep* steps_;
+  uint32_t step_count_ = 0;
+};
+
+// For what is rendered once.
+void RenderOnce(XmlWriter* to, const Field& table, Cases which, const void* record,
+                const RenderInputs& inputs = {});
+
+}  // namespace quorvex

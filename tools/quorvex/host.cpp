@@ -1,0 +1,126 @@
+#include "host.h"
+
+#include <sys/stat.h>
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "support/platform.h"
+
+#ifdef _WIN32
+#include <io.h>
+#include <process.h>
+#else
+#include <unistd.h>
+#endif
+
+namespace quorvex::tool {
+namespace {
+
+std::atomic<bool> interrupted{false};
+char scratch_path[kMaxPath + 1];
+
+void OnInterrupt(int signal_number) {
+  if (interrupted.exchange(true)) {
+    if (scratch_path[0] != '\0') std::remove(scratch_path);
+    std::_Exit(kCancelled);
+  }
+  std::signal(signal_number, OnInterrupt);
+}
+
+Recording Problem(ExitCode code, const std::string& problem) {
+  Recording recording;
+  recording.code = code;
+  recording.problem = problem;
+  return recording;
+}
+
+}  // namespace
+
+Recording Inspect(const std::string& path) {
+  if (path.size() > kMaxPath) return Problem(kNoInput, "the path is longer than 511 bytes");
+  if (IsFolder(path)) return Problem(kNoInput, "is a folder");
+  std::FILE* file = std::fopen(path.c_str(), "rb");
+  if (file == nullptr) return Problem(kNoInput, LastError());
+  Recording recording;
+  const size_t got = std::fread(&recording.header, 1, sizeof recording.header, file);
+  const bool failed = std::ferror(file) != 0;
+  std::fclose(file);
+  if (failed) return Problem(kNoInput, "cannot be read");
+  FileInfo info{};
+  if (QueryFileInfo(path.c_str(), &info) == 0) recording.size = WholeSize(info);
+  uint64_t head = sizeof recording.header;
+  if (got == head) {
+    recording.type = FindRecordType(recording.header.type);
+    if (recording.type == nullptr) {
+      return Problem(kUnknownType,
+                     "is of the unknown record type " + std::to_string(recording.header.type));
+    }
+    head = recording.type->records_at;
+  }
+  if (recording.size < head) {
+    return Problem(kCutShort, "ends inside its head (" + std::to_string(recording.size) + " of " +
+                                  std::to_string(head) + " bytes)");
+  }
+  return recording;
+}
+
+void Complain(const std::string& path, const std::string& reason) {
+  std::fprintf(stderr, "quorvex: %s: %s\n", path.c_str(), reason.c_str());
+}
+
+std::string LastError() { return std::strerror(errno); }
+
+bool IsFolder(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+bool IsSpecial(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
+}
+
+bool SameRecording(const std::string& first, const std::string& second) {
+  return SameFile(first.c_str(), second.c_str());
+}
+
+#ifdef _WIN32
+std::string Resolved(const std::string& path) { return path; }
+
+bool Replace(const std::string& from, const std::string& to) {
+  return MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
+}
+
+uint32_t ProcessId() { return static_cast<uint32_t>(_getpid()); }
+bool ErrorsGoToTerminal() { return _isatty(_fileno(stderr)) != 0; }
+#else
+std::string Resolved(const std::string& path) {
+  char* real = realpath(path.c_str(), nullptr);
+  if (real == nullptr) return path;
+  const std::string resolved = real;
+  std::free(real);
+  return resolved;
+}
+
+bool Replace(const std::string& from, const std::string& to) {
+  return std::rename(from.c_str(), to.c_str()) == 0;
+}
+
+uint32_t ProcessId() { return static_cast<uint32_t>(getpid()); }
+bool ErrorsGoToTerminal() { return isatty(fileno(stderr)) != 0; }
+#endif
+
+void CatchInterrupts(const std::string& scratch) {
+  std::snprintf(scratch_path, sizeof scratch_path, "%s", scratch.c_str());
+  std::signal(SIGINT, OnInterrupt);
+  std::signal(SIGTERM, OnInterrupt);
+}
+
+bool Interrupted() { return interrupted; }
+
+}  // namespace quorvex::tool

@@ -1,0 +1,57 @@
+// What the command line needs around the library's exports: looking at a recording before it is
+// converted, file matters that the two platforms do differently, and the exit codes.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "records/recording.h"
+
+namespace quorvex::tool {
+
+enum ExitCode {
+  kDone = 0,
+  kUsage = 2,
+  kNoInput = 3,      // missing or unreadable
+  kUnknownType = 4,
+  kCutShort = 5,     // ends inside its head
+  kNoOutput = 6,     // the document cannot be written
+  kCancelled = 130,
+};
+
+// A recording as far as its head tells, or why it is none.
+struct Recording {
+  ExitCode code = kDone;
+  std::string problem;  // empty where there is none
+  FileHeader header{};
+  const RecordType* type = nullptr;
+  uint64_t size = 0;
+};
+Recording Inspect(const std::string& path);
+
+// "FILE: reason" on stderr, in the one form that all messages have.
+void Complain(const std::string& path, const std::string& reason);
+
+// The text of the last failed call.
+std::string LastError();
+
+// Whether something stands at `path` that is no regular file (a device, a pipe, a folder).
+bool IsFolder(const std::string& path);
+bool IsSpecial(const std::string& path);
+bool SameRecording(const std::string& first, const std::string& second);
+
+// The file that a symbolic link leads to; the path itself where it is none.
+std::string Resolved(const std::string& path);
+
+// Puts `from` in the place of `to`, which may exist.
+bool Replace(const std::string& from, const std::string& to);
+
+uint32_t ProcessId();
+bool ErrorsGoToTerminal();
+
+// From now on an interrupt only sets the flag that Interrupted() reads. A second one removes
+// `scratch` and ends the process, for conversions that cannot be asked to stop.
+void CatchInterrupts(const std::string& scratch);
+bool Interrupted();
+
+}  // namespace quorvex::tool

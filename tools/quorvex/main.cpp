@@ -1,0 +1,44 @@
+// The command line: a host of the library like any other.
+#include <CLI/CLI.hpp>
+
+#include "commands.h"
+#include "host.h"
+
+int main(int argc, char** argv) {
+  using namespace quorvex::tool;
+  CLI::App app{"Converts record files of a power-quality analyser into XML documents.", "quorvex"};
+  app.require_subcommand(1);
+  app.footer(
+      "Exit codes:\n"
+      "  0    done\n"
+      "  2    wrong arguments\n"
+      "  3    the recording is missing or cannot be read\n"
+      "  4    the file is of an unknown record type, or not of the type asked for\n"
+      "  5    the recording ends inside its head\n"
+      "  6    the document cannot be written\n"
+      "  130  cancelled");
+
+  ConvertOptions convert;
+  auto* convert_command = app.add_subcommand("convert", "Write the XML document of a recording");
+  convert_command->add_option("FILE", convert.input, "Recording")->required();
+  convert_command->add_option("-o,--output", convert.output,
+                              "Document; beside the recording with the extension .xml by default");
+  convert_command->add_option("--records", convert.records,
+                              "Records A-B of a general recording, counted from 1");
+  std::string path;
+  auto* info_command = app.add_subcommand("info", "Say what a recording is");
+  info_command->add_option("FILE", path, "Recording")->required();
+  auto* count_command = app.add_subcommand("count", "Print the records of a general recording");
+  count_command->add_option("FILE", path, "Recording")->required();
+  app.add_subcommand("version", "Print the version of the library");
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? kDone : kUsage;
+  }
+  if (convert_command->parsed()) return Convert(convert);
+  if (info_command->parsed()) return Info(path);
+  if (count_command->parsed()) return Count(path);
+  return Version();
+}
