@@ -236,7 +236,7 @@ constexpr Field Record(const char* name, uint32_t size, const Field (&rows)[N],
 }
 
 // A date-time: 16 bytes, an element with six values.
-constexpr Field kDateTimeRows[] = {
+inline constexpr Field kDateTimeRows[] = {
     U16("year", 0),  U8("month", 2),  U8("day", 3),
     U8("hour", 4),   U8("min", 5),    Gap(6, 2),
     Leaf(Kind::kSeconds, "sec", 8, 8, "seconds with fraction", "s"),

@@ -57,12 +57,12 @@ int Convert(const ConvertOptions& options) {
     Complain(options.input, recording.problem);
     return recording.code;
   }
-  const std::string output =
-      Resolved(options.output.empty() ? BesideInput(options.input) : options.output);
-  if (IsFolder(output)) {
-    Complain(output, "is a folder; the document needs a file name");
+  const std::string named = options.output.empty() ? BesideInput(options.input) : options.output;
+  if (IsFolder(named)) {
+    Complain(named, "is a folder; the document needs a file name");
     return kNoOutput;
   }
+  const std::string output = Resolved(named);
   if (SameRecording(options.input, output)) {
     Complain(output, "is the recording itself; it is not overwritten");
     return kNoOutput;

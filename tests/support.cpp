@@ -1,0 +1,136 @@
+#include "support.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <sstream>
+
+#include "support/memory.h"
+
+namespace quorvex::test {
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Folder {
+  fs::path path;
+  Folder() {
+    std::random_device random;
+    path = fs::temp_directory_path() / ("quorvex-test-" + std::to_string(random()));
+    fs::create_directories(path);
+  }
+  ~Folder() {
+    std::error_code ignored;
+    fs::remove_all(path, ignored);
+  }
+};
+
+bool ClosesItsRoot(const std::string& document) {
+  constexpr char kEnd[] = "</Project>\r\n";
+  constexpr size_t kSize = sizeof kEnd - 1;
+  return document.size() > kSize && document.compare(document.size() - kSize, kSize, kEnd) == 0;
+}
+
+}  // namespace
+
+Bytes& Bytes::PutTime(size_t at, int year, int month, int day, int hour, int minute,
+                      double seconds) {
+  Put<uint16_t>(at, static_cast<uint16_t>(year));
+  Put<uint8_t>(at + 2, static_cast<uint8_t>(month)).Put<uint8_t>(at + 3, static_cast<uint8_t>(day));
+  Put<uint8_t>(at + 4, static_cast<uint8_t>(hour));
+  Put<uint8_t>(at + 5, static_cast<uint8_t>(minute));
+  return Put<double>(at + 8, seconds);
+}
+
+Bytes& Bytes::PutText(size_t at, const std::string& text) {
+  if (size() < at + text.size()) resize(at + text.size());
+  std::memcpy(data() + at, text.data(), text.size());
+  return *this;
+}
+
+Bytes& Bytes::PutBytes(size_t at, const Bytes& bytes) {
+  if (size() < at + bytes.size()) resize(at + bytes.size());
+  std::copy(bytes.begin(), bytes.end(), begin() + static_cast<std::ptrdiff_t>(at));
+  return *this;
+}
+
+Bytes& Bytes::PadTo(size_t bytes) {
+  if (size() < bytes) resize(bytes);
+  return *this;
+}
+
+Bytes HeadOf(uint32_t type) {
+  Bytes head;
+  head.Put<uint32_t>(0, 3).Put<uint32_t>(4, type).PadTo(3072);
+  return head;
+}
+
+std::string InFolder(const std::string& name) {
+  static const Folder folder;
+  return (folder.path / name).string();
+}
+
+void WriteFile(const std::string& path, const Bytes& bytes) {
+  std::ofstream file(path, std::ios::binary);
+  file.write(reinterpret_cast<const char*>(bytes.data()),
+             static_cast<std::streamsize>(bytes.size()));
+}
+
+std::string ReadFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::ostringstream text;
+  text << file.rdbuf();
+  return text.str();
+}
+
+bool Exists(const std::string& path) { return fs::exists(path); }
+
+std::string Converted(const Bytes& recording, QuorvexProgress progress, const std::string& name) {
+  const std::string input = InFolder(name);
+  const std::string output = InFolder("converted.xml");
+  fs::remove(output);
+  WriteFile(input, recording);
+  const uint32_t before = TrackedBytes();
+  QuorvexConvert(input.c_str(), output.c_str(), progress);
+  EXPECT_EQ(before, TrackedBytes());
+  const std::string document = ReadFile(output);
+  EXPECT_TRUE(document.empty() || ClosesItsRoot(document));
+  fs::remove(input);
+  return document;
+}
+
+std::string BodyOf(const std::string& document) {
+  const std::string root_end = "</Project>\r\n";
+  for (const char* head : {"</UIF_PARAMS>\r\n", "</FILE_HEADER>\r\n"}) {
+    const size_t at = document.find(head);
+    if (at == std::string::npos) continue;
+    const size_t from = at + std::strlen(head);
+    return document.substr(from, document.size() - root_end.size() - from);
+  }
+  return "";
+}
+
+std::string Lines(const std::string& text) {
+  std::string lines;
+  for (const char c : text) {
+    if (c == '\n') lines += '\r';
+    lines += c;
+  }
+  return lines;
+}
+
+void ExpectTruncationIsHarmless(const Bytes& recording) {
+  constexpr size_t kEvery = 8192;
+  constexpr size_t kStride = 257;
+  for (size_t size = 0; size < recording.size(); size += size < kEvery ? 1 : kStride) {
+    Bytes cut(recording.begin(), recording.begin() + static_cast<std::ptrdiff_t>(size));
+    Converted(cut);
+    if (testing::Test::HasFailure()) FAIL() << "cut at " << size;
+  }
+}
+
+}  // namespace quorvex::test

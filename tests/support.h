@@ -1,0 +1,58 @@
+// What the tests share: recordings built byte by byte, and documents taken apart.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "quorvex64.h"
+#include "settings/settings_record.h"
+#include "support/loads.h"
+
+namespace quorvex::test {
+
+constexpr float kNone = -1e37f;
+
+// Bytes that grow to hold what is put into them; what is not put is zero.
+struct Bytes : std::vector<uint8_t> {
+  using std::vector<uint8_t>::vector;
+
+  template <typename T>
+  Bytes& Put(size_t at, T value) {
+    if (size() < at + sizeof value) resize(at + sizeof value);
+    Store(data() + at, value);
+    return *this;
+  }
+  Bytes& PutTime(size_t at, int year, int month, int day, int hour, int minute, double seconds);
+  Bytes& PutText(size_t at, const std::string& text);
+  Bytes& PutBytes(size_t at, const Bytes& bytes);
+  Bytes& PadTo(size_t size);
+};
+
+// A file of a type with version 3 and zeroed settings at byte 8: 3072 bytes.
+Bytes HeadOf(uint32_t type);
+
+// A folder of this process's own, removed at its end; file names inside it.
+std::string InFolder(const std::string& name);
+void WriteFile(const std::string& path, const Bytes& bytes);
+// Empty where there is no such file.
+std::string ReadFile(const std::string& path);
+bool Exists(const std::string& path);
+
+// The document that a recording converts to, empty where there is none. Fails the running test
+// where the tracked counter does not come back, or a document does not close its root.
+std::string Converted(const Bytes& recording, QuorvexProgress progress = nullptr,
+                      const std::string& name = "T0001X.REC");
+
+// What stands in a document behind the settings block (the file header where there is none) and
+// before the root's end.
+std::string BodyOf(const std::string& document);
+
+// A text with CR LF where it has LF, for documents written down in tests.
+std::string Lines(const std::string& text);
+
+// Every truncated length of the recording converts without harm; lengths beyond 8 KiB in strides.
+void ExpectTruncationIsHarmless(const Bytes& recording);
+
+}  // namespace quorvex::test
