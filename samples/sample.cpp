@@ -68,18 +68,33 @@ Found Find(const Field& group, uint32_t place, uint32_t repetition, const std::s
 
 void StoreNumber(Kind kind, uint8_t* to, double value) {
   switch (kind) {
-    case Kind::kU8: Store(to, static_cast<uint8_t>(value)); break;
-    case Kind::kU16: Store(to, static_cast<uint16_t>(value)); break;
-    case Kind::kScaledI16: Store(to, static_cast<int16_t>(value)); break;
+    case Kind::kU8:
+      Store(to, static_cast<uint8_t>(value));
+      break;
+    case Kind::kU16:
+      Store(to, static_cast<uint16_t>(value));
+      break;
+    case Kind::kScaledI16:
+      Store(to, static_cast<int16_t>(value));
+      break;
     case Kind::kI32:
-    case Kind::kFlagWord: Store(to, static_cast<int32_t>(value)); break;
-    case Kind::kI64: Store(to, static_cast<int64_t>(value)); break;
+    case Kind::kFlagWord:
+      Store(to, static_cast<int32_t>(value));
+      break;
+    case Kind::kI64:
+      Store(to, static_cast<int64_t>(value));
+      break;
     case Kind::kF64:
-    case Kind::kSeconds: Store(to, value); break;
+    case Kind::kSeconds:
+      Store(to, value);
+      break;
     case Kind::kF32:
     case Kind::kScaledF32:
-    case Kind::kSpectrum: Store(to, static_cast<float>(value)); break;
-    default: Fail("a path that leads to no number");
+    case Kind::kSpectrum:
+      Store(to, static_cast<float>(value));
+      break;
+    default:
+      Fail("a path that leads to no number");
   }
 }
 
@@ -111,8 +126,13 @@ void Clock::Advance(double seconds) {
 }
 
 Clock ClockAt(int day, int hour, int minute, double seconds) {
-  return {{2024, 3, static_cast<uint8_t>(day), static_cast<uint8_t>(hour),
-           static_cast<uint8_t>(minute), {0, 0}, seconds}};
+  return {{2024,
+           3,
+           static_cast<uint8_t>(day),
+           static_cast<uint8_t>(hour),
+           static_cast<uint8_t>(minute),
+           {0, 0},
+           seconds}};
 }
 
 RecordBytes::RecordBytes(const Field& table) : table_(table), bytes_(table.size) {}

@@ -73,9 +73,10 @@ Bytes ChangeRecord(float first_voltage) {
 }
 
 std::string HalfCycle(const std::string& volts, const std::string& seconds) {
-  return "<RMS12>\n<U>" + volts + "</U>\n<TIME_STAMP>\n<year>2024</year>\n<month>1</month>\n"
-         "<day>1</day>\n<hour>0</hour>\n<min>0</min>\n<sec>" + seconds +
-         "</sec>\n</TIME_STAMP>\n</RMS12>\n";
+  return "<RMS12>\n<U>" + volts +
+         "</U>\n<TIME_STAMP>\n<year>2024</year>\n<month>1</month>\n"
+         "<day>1</day>\n<hour>0</hour>\n<min>0</min>\n<sec>" +
+         seconds + "</sec>\n</TIME_STAMP>\n</RMS12>\n";
 }
 
 TEST(RapidVoltageChanges, RecordInWrittenOrder) {
@@ -87,13 +88,17 @@ TEST(RapidVoltageChanges, RecordInWrittenOrder) {
   const std::string start = Lines(
       "<RECORDS>\n<RVC_RECORD>\n<PHASE>2</PHASE>\n<SS1>2.315000E+02</SS1>\n<SS2>-</SS2>\n"
       "<DU_MAX>4.250000E+00</DU_MAX>\n<DU_SS>-5.000000E-01</DU_SS>\n"
-      "<RVC_START_TIME>\n" + time + "<sec>3.5</sec>\n</RVC_START_TIME>\n"
-      "<RVC_STOP_TIME>\n" + time + "<sec>4.5</sec>\n</RVC_STOP_TIME>\n"
+      "<RVC_START_TIME>\n" +
+      time +
+      "<sec>3.5</sec>\n</RVC_START_TIME>\n"
+      "<RVC_STOP_TIME>\n" +
+      time +
+      "<sec>4.5</sec>\n</RVC_STOP_TIME>\n"
       "<DURATION>1.000000E+00</DURATION>\n<RMS12_VALUES>\n" +
       HalfCycle("1.000000E+02", "0.0") + HalfCycle("1.010000E+02", "0.25"));
   EXPECT_EQ(start, body.substr(0, start.size()));
-  const std::string end = Lines(HalfCycle("2.990000E+02", "49.75") +
-                                "</RMS12_VALUES>\n</RVC_RECORD>\n</RECORDS>\n");
+  const std::string end =
+      Lines(HalfCycle("2.990000E+02", "49.75") + "</RMS12_VALUES>\n</RVC_RECORD>\n</RECORDS>\n");
   EXPECT_EQ(end, body.substr(body.size() - end.size()));
   ExpectTruncationIsHarmless(file);
 }

@@ -67,8 +67,7 @@ void QuorvexConvertGenRecToFile(void) {}
 
 // One function under several names: kept for hosts that look the names up.
 #define QUORVEX_SAME_AS(name) __attribute__((alias(name)))
-void QuorvexDestroyBufGenRecToRAM(void* buffer)
-    QUORVEX_SAME_AS("QuorvexDestroyBufHeadParamsToRAM");
+void QuorvexDestroyBufGenRecToRAM(void* buffer) QUORVEX_SAME_AS("QuorvexDestroyBufHeadParamsToRAM");
 void QuorvexConvertGenRecToRAM(void) QUORVEX_SAME_AS("QuorvexConvertGenRecToFile");
 void QuorvexConvertHeadParamsToFile(void) QUORVEX_SAME_AS("QuorvexConvertGenRecToFile");
 void QuorvexConvertHeadParamsToRAM(void) QUORVEX_SAME_AS("QuorvexConvertGenRecToFile");

@@ -1,13 +1,14 @@
 // The walk that nearly every conversion is: head, settings, state, document, records.
+#include <optional>
+
 #include "records/recording.h"
 #include "settings/instrument_state.h"
 #include "settings/setting_file.h"
 #include "settings/settings_block.h"
+#include "support/loads.h"
 #include "support/memory.h"
 #include "xml/document.h"
 #include "xml/plan.h"
-
-#include <optional>
 
 namespace quorvex {
 namespace {
@@ -19,13 +20,18 @@ constexpr Field kFileHeaderRows[] = {
 constexpr Field kFileHeader = Record("FILE_HEADER", sizeof(FileHeader), kFileHeaderRows);
 static_assert(Tiles(kFileHeader));
 
+constexpr uint32_t kInformationRoom = 256;
+
 // False where the file cannot be opened. Bytes that a short file lacks stay as they are.
-bool ReadHead(const RecordType& type, const char* path, FileHeader* header, UifParams* settings) {
+bool ReadHead(const RecordType& type, const char* path, FileHeader* header, UifParams* settings,
+              uint8_t* information) {
   File file(path, kOpenRead);
   if (!file) return false;
   ReadBytes(file.get(), header, sizeof *header);
   if (type.settings_at == 0) return true;
-  if (SeekTo(file.get(), type.settings_at)) ReadBytes(file.get(), settings, kSettingsSize);
+  if (!SeekTo(file.get(), type.settings_at)) return true;
+  ReadBytes(file.get(), settings, kSettingsSize);
+  if (type.information != nullptr) ReadBytes(file.get(), information, type.information->size);
   return true;
 }
 
@@ -50,7 +56,8 @@ void ReadFileHeader(const char* path, FileHeader* header) {
 void ConvertRecording(const RecordType& type, const Request& request) {
   FileHeader header{};
   Tracked<UifParams> settings;
-  if (!ReadHead(type, request.input, &header, settings.get())) return;
+  uint8_t information[kInformationRoom] = {};
+  if (!ReadHead(type, request.input, &header, settings.get(), information)) return;
   if (type.companion) LoadSettingFile(request.input, settings.get());
   std::optional<ScopedState> state;
   if (type.state) state.emplace(settings.get());
@@ -60,6 +67,9 @@ void ConvertRecording(const RecordType& type, const Request& request) {
   WriteDocumentStart(document);
   RenderOnce(document, kFileHeader, kAllCases, &header);
   if (type.settings_at != 0) WriteSettingsBlock(document, *settings, type.harmonics_flag);
+  if (type.information != nullptr) {
+    RenderOnce(document, *type.information, CaseOf(*settings), information);
+  }
   if (type.list != nullptr) OpenElement(document, type.list);
   if (type.write != nullptr) WriteRecords(type, request, *settings, document);
   if (type.list != nullptr) CloseElement(document);
@@ -77,11 +87,28 @@ void WriteCountedRecords(const Conversion& c) {
   const uint32_t record_size = c.type.record->size;
   const Plan plan(*c.type.record, CaseOf(c.settings));
   Tracked<uint8_t> record(record_size);
+  if (c.type.record_settings_at != 0) Store(record.get() + c.type.record_settings_at, c.settings);
   const uint32_t count = CountRecords(c.size, record_size);
   for (uint32_t i = 0; i < count; ++i) {
     ReadBytes(c.input, record.get(), record_size);
     plan.Render(c.document, record.get());
   }
+}
+
+void WriteRecordsToEnd(const Conversion& c) {
+  const uint32_t record_size = c.type.record->size;
+  const Plan plan(*c.type.record, CaseOf(c.settings));
+  Tracked<uint8_t> record(record_size);
+  while (ReadBytes(c.input, record.get(), record_size) == record_size) {
+    plan.Render(c.document, record.get());
+    if (!ReportPosition(c)) return;
+  }
+}
+
+bool ReportPosition(const Conversion& c) {
+  if (c.request.progress == nullptr) return true;
+  const auto position = static_cast<float>(PositionOf(c.input));
+  return c.request.progress(position / static_cast<float>(c.size)) >= 0;
 }
 
 }  // namespace quorvex

@@ -38,24 +38,26 @@ struct Conversion {
   const Request& request;
   const UifParams& settings;  // zeroed where the file has none
   XmlWriter* document;
-  FileHandle* input;          // stands at the first record
-  uint32_t size;              // low 32 bits of the file's size, 0 where it is not known
+  FileHandle* input;  // stands at the first record
+  uint32_t size;      // low 32 bits of the file's size, 0 where it is not known
   uint64_t whole_size;
 };
 
 // One row of the table of record types. The differences between types are its columns.
 struct RecordType {
   uint32_t type;
-  const char* name;                         // in words
-  const char* list;                         // element around the records, null for none
-  const Field* record;                      // layout of a record, where every record has the same
-  void (*write)(const Conversion&);         // writes the records
-  uint32_t settings_at = kFileHeaderSize;   // 0: the file carries no settings
+  const char* name;                        // in words
+  const char* list;                        // element around the records, null for none
+  const Field* record;                     // layout of a record, where every record has the same
+  void (*write)(const Conversion&);        // writes the records
+  uint32_t settings_at = kFileHeaderSize;  // 0: the file carries no settings
   uint32_t records_at = kHeadSize;
-  bool companion = false;                   // a setting file beside it replaces the settings
-  bool state = false;                       // an instrument state record is current meanwhile
-  bool harmonics_flag = false;              // variant of the settings block
-  bool progress = false;                    // reports progress and can be stopped
+  bool companion = false;              // a setting file beside it replaces the settings
+  bool state = false;                  // an instrument state record is current meanwhile
+  bool harmonics_flag = false;         // variant of the settings block
+  bool progress = false;               // reports progress and can be stopped
+  const Field* information = nullptr;  // block behind the settings, written before the list
+  uint32_t record_settings_at = 0;     // where a record carries settings of its own, 0: nowhere
 };
 
 // The type with this number, or null. The table of all types is behind it.
@@ -65,8 +67,8 @@ const RecordType* FindRecordType(uint32_t type);
 // short for them leaves out keeps its value otherwise.
 void ReadFileHeader(const char* path, FileHeader* header);
 
-// Converts one file of a known type. Silent: without a readable input, or with an output that cannot
-// be created, there is no document.
+// Converts one file of a known type. Silent: without a readable input, or with an output that
+// cannot be created, there is no document.
 void ConvertRecording(const RecordType& type, const Request& request);
 
 // Number of records behind the head, a last partial one included, for the size of a file in 32-bit
@@ -74,7 +76,14 @@ void ConvertRecording(const RecordType& type, const Request& request);
 uint32_t CountRecords(uint32_t file_size, uint32_t record_size);
 
 // Writes the counted records of `type.record`. What a last partial record lacks is left from the
-// one before. A file that ends before its first record has none.
+// one before (settings of its own start as the file's). A file that ends before its first record
+// has none.
 void WriteCountedRecords(const Conversion& c);
+
+// Writes the whole records of `type.record` up to the end of the file, with progress by position.
+void WriteRecordsToEnd(const Conversion& c);
+
+// Reports the position in the file as progress, where the host wants it. False: stop here.
+bool ReportPosition(const Conversion& c);
 
 }  // namespace quorvex

@@ -74,9 +74,7 @@ bool BuildSettingFileName(const char* record_path, char* result, const char* kin
   if (dated) {
     rest += std::strcspn(rest, "-");
     // A field is as wide as it is in the name; its number ends at the first non-digit.
-    constexpr struct {
-      size_t width, shown;
-    } kDate[] = {{4, 1}, {2, 2}, {2, 2}};
+    constexpr struct { size_t width, shown; } kDate[] = {{4, 1}, {2, 2}, {2, 2}};
     for (const auto& part : kDate) {
       rest = SkipUpTo(rest, 1);  // the separator
       name.Put("-");

@@ -18,9 +18,7 @@ const UifParams& SettingsAt(const uint8_t* place) {
   return *reinterpret_cast<const UifParams*>(place);
 }
 
-char* PutEscaped(const char* text, uint32_t limit, char* to) {
-  return EscapeText(text, to, limit);
-}
+char* PutEscaped(const char* text, uint32_t limit, char* to) { return EscapeText(text, to, limit); }
 
 // "%.4f" without the process locale. `to` has room for the longest double.
 char* FourDecimals(double value, char* to, char* end) {
@@ -35,9 +33,12 @@ char* FourDecimals(double value, char* to, char* end) {
 // The stored spectrum reaches less high where the system frequency is high.
 int64_t ComponentsByFrequency(uint32_t system_frequency) {
   switch (system_frequency) {
-    case 400: return 0x3FFF;
-    case 55: return 0x1FFFFF;
-    default: return 0x7FFFFFFFFFFFF;
+    case 400:
+      return 0x3FFF;
+    case 55:
+      return 0x1FFFFF;
+    default:
+      return 0x7FFFFFFFFFFFF;
   }
 }
 
@@ -65,8 +66,10 @@ char* HarmonicComponentsText(const uint8_t* place, const RenderInputs& inputs, c
   switch (settings.profile) {
     case 0:
     case 2:
-    case 5: return IntegerText(ComponentsByFrequency(settings.system_frequency), to);
-    default: return IntegerText(0x3FFFFFE, to);
+    case 5:
+      return IntegerText(ComponentsByFrequency(settings.system_frequency), to);
+    default:
+      return IntegerText(0x3FFFFFE, to);
   }
 }
 

@@ -31,7 +31,7 @@ struct ClampParams {
   uint8_t parallel_feeders;
   uint8_t reserved2[3];
   uint32_t wires_num;
-  uint8_t trafo;          // an external current transformer is in use
+  uint8_t trafo;  // an external current transformer is in use
   uint8_t reserved3[3];
   uint32_t trafo_prim_i;
   uint32_t trafo_sec_i;
@@ -51,7 +51,7 @@ static_assert(offsetof(ClampParams, autorange) == 136 && offsetof(ClampParams, d
 struct AlarmSetting {
   uint32_t id, parameter, phase_id;  // the watched quantity
   uint32_t condition_id;
-  float quantity_value;              // threshold
+  float quantity_value;  // threshold
   float trigger_duration;
 };
 static_assert(sizeof(AlarmSetting) == 24 && offsetof(AlarmSetting, condition_id) == 12);
@@ -69,7 +69,7 @@ struct AlarmSettings {
 static_assert(sizeof(AlarmSettings) == 172);
 
 struct SignallingChannel {
-  float f;      // Hz
+  float f;  // Hz
   float limit;
 };
 
@@ -129,12 +129,12 @@ struct UifParams {
   uint32_t voltage_range;  // 0, 1 or 2; derived from the nominal voltage
   uint32_t voltage_ratio_prim;
   uint8_t trikot_star_factor_id;
-  uint8_t connection;      // wiring code, 1 to 7
+  uint8_t connection;  // wiring code, 1 to 7
   uint8_t synchronization;
   uint8_t reserved2;
   uint32_t system_frequency;
-  ClampParams clamp[4];    // phases 1 to 3, neutral
-  float nominal_voltage;   // V
+  ClampParams clamp[4];   // phases 1 to 3, neutral
+  float nominal_voltage;  // V
   uint8_t un_range;
   uint8_t reserved3[3];
   float swell, dip, interrupt;
@@ -148,7 +148,7 @@ struct UifParams {
   uint8_t reserved5[5];
   uint8_t record_type;
   uint8_t reserved6;
-  uint32_t interval;       // s
+  uint32_t interval;  // s
   uint32_t mode_selector;
   uint32_t duration;
   uint32_t inc_active_events, inc_active_alarms;
@@ -190,16 +190,16 @@ struct UifParams {
   float ee_konst_vbat;
   float rvc_threshold, rvc_hyst;
   uint32_t rand_mark;
-  uint8_t checked_flag;                // validated, otherwise unknown
+  uint8_t checked_flag;  // validated, otherwise unknown
   char cname_short[7];
   uint32_t meas_method;
   uint8_t reserved19[100];
-  uint8_t reduced_lists;               // also: room for 330 half-cycle readings instead of 90
+  uint8_t reduced_lists;  // also: room for 330 half-cycle readings instead of 90
   uint8_t reserved20[3];
   uint32_t memory_struct;
   uint32_t voltage_ratio_sec;
   uint8_t reserved21[4];
-  double longitude, latitude;          // degrees
+  double longitude, latitude;  // degrees
   char longitude_letter, latitude_letter;
   uint8_t reserved22[2];
   uint32_t no_position;
@@ -374,7 +374,7 @@ struct InstrumentState {
   uint8_t fixed122908, fixed122909;
   uint8_t reserved2;
   uint8_t fixed122911;
-  float voltage_scale;         // of the display, from a 1-2-5 series
+  float voltage_scale;  // of the display, from a 1-2-5 series
   float current_scales[2];
   float fixed122924;
   uint8_t reserved3[4];
@@ -383,7 +383,7 @@ struct InstrumentState {
   int32_t fixed122944, fixed122948, fixed122952, fixed122956, fixed122960;
   uint8_t fixed122964, fixed122965;
   uint8_t reserved4[122];
-  void* owned[2];              // tracked blocks, or null
+  void* owned[2];  // tracked blocks, or null
   uint8_t reserved5[7544];
 };
 static_assert(sizeof(void*) == 8 && sizeof(InstrumentState) == 130648);

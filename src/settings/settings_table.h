@@ -216,20 +216,20 @@ inline constexpr Field kInstrumentDataRows[] = {
 };
 
 // The calibration constants, gains and then offsets, one per input and range.
-#define QUORVEX_CALIBRATION(prefix, at)                                                          \
-  F32(prefix "U1_150V", (at) + 0), F32(prefix "U1_300V", (at) + 4),                              \
-      F32(prefix "U1_1000V", (at) + 8), F32(prefix "U2_150V", (at) + 12),                        \
-      F32(prefix "U2_300V", (at) + 16), F32(prefix "U2_1000V", (at) + 20),                       \
-      F32(prefix "U3_150V", (at) + 24), F32(prefix "U3_300V", (at) + 28),                        \
-      F32(prefix "U3_1000V", (at) + 32), F32(prefix "Ue_150V", (at) + 36),                       \
-      F32(prefix "Ue_300V", (at) + 40), F32(prefix "Ue_1000V", (at) + 44),                       \
-      F32(prefix "Un_150V", (at) + 48), F32(prefix "Un_300V", (at) + 52),                        \
-      F32(prefix "Un_1000V", (at) + 56), F32(prefix "Us_150V", (at) + 60),                       \
-      F32(prefix "Us_300V", (at) + 64), F32(prefix "Us_1000V", (at) + 68),                       \
-      F32(prefix "I1_10P", (at) + 72), F32(prefix "I1_100P", (at) + 76),                         \
-      F32(prefix "I2_10P", (at) + 80), F32(prefix "I2_100P", (at) + 84),                         \
-      F32(prefix "I3_10P", (at) + 88), F32(prefix "I3_100P", (at) + 92),                         \
-      F32(prefix "In_10P", (at) + 96), F32(prefix "In_100P", (at) + 100),                        \
+#define QUORVEX_CALIBRATION(prefix, at)                                    \
+  F32(prefix "U1_150V", (at) + 0), F32(prefix "U1_300V", (at) + 4),        \
+      F32(prefix "U1_1000V", (at) + 8), F32(prefix "U2_150V", (at) + 12),  \
+      F32(prefix "U2_300V", (at) + 16), F32(prefix "U2_1000V", (at) + 20), \
+      F32(prefix "U3_150V", (at) + 24), F32(prefix "U3_300V", (at) + 28),  \
+      F32(prefix "U3_1000V", (at) + 32), F32(prefix "Ue_150V", (at) + 36), \
+      F32(prefix "Ue_300V", (at) + 40), F32(prefix "Ue_1000V", (at) + 44), \
+      F32(prefix "Un_150V", (at) + 48), F32(prefix "Un_300V", (at) + 52),  \
+      F32(prefix "Un_1000V", (at) + 56), F32(prefix "Us_150V", (at) + 60), \
+      F32(prefix "Us_300V", (at) + 64), F32(prefix "Us_1000V", (at) + 68), \
+      F32(prefix "I1_10P", (at) + 72), F32(prefix "I1_100P", (at) + 76),   \
+      F32(prefix "I2_10P", (at) + 80), F32(prefix "I2_100P", (at) + 84),   \
+      F32(prefix "I3_10P", (at) + 88), F32(prefix "I3_100P", (at) + 92),   \
+      F32(prefix "In_10P", (at) + 96), F32(prefix "In_100P", (at) + 100),  \
       F32(prefix "Is_10P", (at) + 104), F32(prefix "Is_100P", (at) + 108)
 inline constexpr Field kInstrumentCalRows[] = {
     QUORVEX_CALIBRATION("ee_konst_", AT(ee_konst)),

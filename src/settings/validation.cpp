@@ -185,9 +185,12 @@ float QuantiseTenths(float value, int32_t minimum, int32_t maximum) {
 
 double StarFactor(uint32_t selector) {
   switch (selector) {
-    case 1: return std::numbers::sqrt3;
-    case 2: return std::numbers::inv_sqrt3;
-    default: return 1.0;
+    case 1:
+      return std::numbers::sqrt3;
+    case 2:
+      return std::numbers::inv_sqrt3;
+    default:
+      return 1.0;
   }
 }
 

@@ -11,10 +11,14 @@ constexpr uint32_t kFullDiskPauseMs = 10;
 
 const char* ModeText(int32_t mode) {
   switch (mode) {
-    case kOpenCreate: return "wb";
-    case kOpenAppend: return "ab";
-    case kOpenUpdate: return "rb+";
-    default: return "rb";
+    case kOpenCreate:
+      return "wb";
+    case kOpenAppend:
+      return "ab";
+    case kOpenUpdate:
+      return "rb+";
+    default:
+      return "rb";
   }
 }
 
@@ -46,9 +50,7 @@ uint32_t ReadBytes(FileHandle* file, void* to, uint32_t count) {
 bool SeekTo(FileHandle* file, uint64_t position) {
   return _fseeki64(file->stream, static_cast<int64_t>(position), SEEK_SET) == 0;
 }
-uint64_t PositionOf(FileHandle* file) {
-  return static_cast<uint64_t>(_ftelli64(file->stream));
-}
+uint64_t PositionOf(FileHandle* file) { return static_cast<uint64_t>(_ftelli64(file->stream)); }
 #else
 bool SeekTo(FileHandle* file, uint64_t position) {
   return fseeko(file->stream, static_cast<off_t>(position), SEEK_SET) == 0;

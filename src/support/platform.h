@@ -25,11 +25,11 @@ using SearchHandle = void*;
 
 // What a search by path tells of a file.
 struct FileInfo {
-  char name[256];          // the found name without its directory
-  uint32_t size;           // the low 32 bits of the size in bytes
-  uint16_t in_progress;    // 0 starts a new search; callers set it before the query
+  char name[256];        // the found name without its directory
+  uint32_t size;         // the low 32 bits of the size in bytes
+  uint16_t in_progress;  // 0 starts a new search; callers set it before the query
   uint8_t spare;
-  uint16_t year;           // creation time, UTC
+  uint16_t year;  // creation time, UTC
   uint8_t month, day, hour, minute, second;
   SearchHandle search;
   PlatformFileData found;  // the platform's own record
@@ -45,7 +45,8 @@ uint64_t WholeSize(const FileInfo& info);
 // Whether two paths lead to one existing file, through links too.
 bool SameFile(const char* first, const char* second);
 
-// Writes up to `count` bytes behind what was written before; returns how many arrived, 0 on failure.
+// Writes up to `count` bytes behind what was written before; returns how many arrived, 0 on
+// failure.
 uint32_t WritePiece(std::FILE* stream, const void* bytes, uint32_t count);
 
 void PauseMs(uint32_t milliseconds);

@@ -17,12 +17,12 @@ enum class Output : int32_t {
 
 struct XmlWriter {
   FileHandle* file;
-  int32_t depth;                             // open elements
-  const char* open[kMaxOpenElements];        // their names, not copied
+  int32_t depth;                       // open elements
+  const char* open[kMaxOpenElements];  // their names, not copied
   Output mode;
   char* buffer;
   uint32_t capacity;
-  uint32_t position;                         // bytes in the buffer
+  uint32_t position;  // bytes in the buffer
 };
 
 // A writer with an empty buffer of kWriterBuffer bytes; it owns `file` (null in memory mode).

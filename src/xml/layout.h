@@ -11,9 +11,9 @@
 namespace quorvex {
 
 enum class Kind : uint8_t {
-  kGap,        // bytes that are read past
-  kGroup,      // an element around rows; without a name only a place (and a repetition) for them
-  kU8,         // integers, "%d"; 32-bit words are signed in the document whatever they count
+  kGap,    // bytes that are read past
+  kGroup,  // an element around rows; without a name only a place (and a repetition) for them
+  kU8,     // integers, "%d"; 32-bit words are signed in the document whatever they count
   kU16,
   kI32,
   kI64,        // "%lld"; no 64-bit integer equals the no-value marker
@@ -21,13 +21,13 @@ enum class Kind : uint8_t {
   kF64,        // "%lE", likewise
   kScaledI16,  // a raw sample times a scale of the inputs, as kF32
   kScaledF32,
-  kSeconds,    // seconds of a date-time
-  kText,       // fixed-width text, through EscapeText
-  kRawText,    // fixed-width text as it stands
-  kMade,       // a text that a function makes from the record
-  kNoValue,    // always "-", without bytes of its own
-  kFlagWord,   // a 32-bit word as the element's text on a line of its own
-  kSpectrum,   // floats as base64, in the place of kFlagWord's word
+  kSeconds,   // seconds of a date-time
+  kText,      // fixed-width text, through EscapeText
+  kRawText,   // fixed-width text as it stands
+  kMade,      // a text that a function makes from the record
+  kNoValue,   // always "-", without bytes of its own
+  kFlagWord,  // a 32-bit word as the element's text on a line of its own
+  kSpectrum,  // floats as base64, in the place of kFlagWord's word
 };
 
 // In which recordings a row is written: a set of up to sixteen cases, one bit each. What the bits
@@ -63,7 +63,7 @@ struct Field {
   uint32_t every = 0;      // in a repeated group: its own distance between repetitions, if not step
   uint32_t claims = 0;     // bytes of the record that are this row's own
   uint32_t count_ref = 0;  // offset of a 32-bit count beside the row, or index into the inputs
-  int32_t most = INT32_MAX;  // an integer shows this at the most
+  int32_t most = INT32_MAX;     // an integer shows this at the most
   uint16_t entry_floats = 0;    // spectrum: floats per entry on disk
   uint16_t written_floats = 0;  // spectrum: how many of them are written
   Cases cases = kAllCases;
@@ -194,9 +194,7 @@ constexpr Field Spectrum(const char* name, const char* phase, uint32_t at, uint3
   f.written_floats = written;
   return f;
 }
-constexpr Field Gap(uint32_t at, uint32_t size) {
-  return Leaf(Kind::kGap, "", at, size, "", "");
-}
+constexpr Field Gap(uint32_t at, uint32_t size) { return Leaf(Kind::kGap, "", at, size, "", ""); }
 
 template <size_t N>
 constexpr Field Group(const char* name, uint32_t at, const Field (&rows)[N],
@@ -237,8 +235,12 @@ constexpr Field Record(const char* name, uint32_t size, const Field (&rows)[N],
 
 // A date-time: 16 bytes, an element with six values.
 inline constexpr Field kDateTimeRows[] = {
-    U16("year", 0),  U8("month", 2),  U8("day", 3),
-    U8("hour", 4),   U8("min", 5),    Gap(6, 2),
+    U16("year", 0),
+    U8("month", 2),
+    U8("day", 3),
+    U8("hour", 4),
+    U8("min", 5),
+    Gap(6, 2),
     Leaf(Kind::kSeconds, "sec", 8, 8, "seconds with fraction", "s"),
 };
 constexpr uint32_t kDateTimeSize = 16;
@@ -250,15 +252,19 @@ constexpr Field DateTime(const char* name, uint32_t at, const char* meaning = ""
 constexpr uint32_t LongestText(const Field& f) {
   switch (f.kind) {
     case Kind::kText:
-    case Kind::kRawText: return f.size;
-    case Kind::kMade: return kLongestMadeText;
+    case Kind::kRawText:
+      return f.size;
+    case Kind::kMade:
+      return kLongestMadeText;
     case Kind::kSpectrum: {
       const uint32_t written = f.size / f.entry_floats * f.written_floats;
       return (written + 2) / 3 * 4;
     }
     case Kind::kGap:
-    case Kind::kGroup: return 0;
-    default: return 32;
+    case Kind::kGroup:
+      return 0;
+    default:
+      return 32;
   }
 }
 
@@ -293,8 +299,8 @@ constexpr bool Claim(const Field* rows, uint32_t row_count, uint32_t place, uint
 // bytes, rows marked Again claim none, gaps are rows too.
 constexpr bool Tiles(const Field& record) {
   auto* claimed = new Cases[record.size]{};
-  bool tiles = layout_detail::Claim(record.rows, record.row_count, 0, 0, 0, kAllCases, claimed,
-                                    record.size);
+  bool tiles =
+      layout_detail::Claim(record.rows, record.row_count, 0, 0, 0, kAllCases, claimed, record.size);
   for (uint32_t b = 0; b < record.size; ++b) tiles = tiles && claimed[b] != 0;
   delete[] claimed;
   return tiles;

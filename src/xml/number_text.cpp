@@ -75,8 +75,7 @@ char* FloatText(float value, char* to) {
 
   const FloatDecade& decade = kFloatTable[exponent - kLowestBinaryExponent];
   const bool upper = mantissa >= decade.limit;
-  const auto product =
-      static_cast<unsigned __int128>(mantissa << 1) * decade.factor[upper ? 1 : 0];
+  const auto product = static_cast<unsigned __int128>(mantissa << 1) * decade.factor[upper ? 1 : 0];
   auto digits = static_cast<uint32_t>(product >> 64);
   const auto rest = static_cast<uint64_t>(product);
   // The factor is rounded up by less than one part in 2^64, the mantissa has 25 bits: what is
@@ -106,8 +105,7 @@ char* DoubleText(double value, char* to) {
     return to + 1;
   }
   if (!std::isfinite(value)) return NotFiniteText(std::isinf(value), std::signbit(value), to);
-  char* end =
-      std::to_chars(to, to + kLongestNumber, value, std::chars_format::scientific, 6).ptr;
+  char* end = std::to_chars(to, to + kLongestNumber, value, std::chars_format::scientific, 6).ptr;
   for (char* at = end - 1; at > to; --at) {
     if (*at == 'e') {
       *at = 'E';

@@ -66,26 +66,39 @@ char* SpectrumText(const Field& f, const uint8_t* at, char* to) {
 
 char* ValueText(const Field& f, const uint8_t* at, const RenderInputs& inputs, char* to) {
   switch (f.kind) {
-    case Kind::kU8: return IntegerText(*at, to);
-    case Kind::kU16: return IntegerText(Load<uint16_t>(at), to);
+    case Kind::kU8:
+      return IntegerText(*at, to);
+    case Kind::kU16:
+      return IntegerText(Load<uint16_t>(at), to);
     case Kind::kFlagWord:
-    case Kind::kI32: return IntegerText(std::min(Load<int32_t>(at), f.most), to);
-    case Kind::kI64: return IntegerText(Load<int64_t>(at), to);
-    case Kind::kF32: return FloatText(Load<float>(at), to);
-    case Kind::kF64: return DoubleText(Load<double>(at), to);
+    case Kind::kI32:
+      return IntegerText(std::min(Load<int32_t>(at), f.most), to);
+    case Kind::kI64:
+      return IntegerText(Load<int64_t>(at), to);
+    case Kind::kF32:
+      return FloatText(Load<float>(at), to);
+    case Kind::kF64:
+      return DoubleText(Load<double>(at), to);
     case Kind::kScaledI16:
       return FloatText(static_cast<float>(Load<int16_t>(at)) * inputs.scale[f.scale_ref], to);
-    case Kind::kScaledF32: return FloatText(Load<float>(at) * inputs.scale[f.scale_ref], to);
-    case Kind::kSeconds: return SecondsText(Load<double>(at), to);
-    case Kind::kText: return EscapeText(reinterpret_cast<const char*>(at), to, f.size);
-    case Kind::kRawText: return RawTextOf(at, f.size, to);
-    case Kind::kMade: return f.make(at - f.offset, inputs, to);
-    case Kind::kSpectrum: return SpectrumText(f, at, to);
+    case Kind::kScaledF32:
+      return FloatText(Load<float>(at) * inputs.scale[f.scale_ref], to);
+    case Kind::kSeconds:
+      return SecondsText(Load<double>(at), to);
+    case Kind::kText:
+      return EscapeText(reinterpret_cast<const char*>(at), to, f.size);
+    case Kind::kRawText:
+      return RawTextOf(at, f.size, to);
+    case Kind::kMade:
+      return f.make(at - f.offset, inputs, to);
+    case Kind::kSpectrum:
+      return SpectrumText(f, at, to);
     case Kind::kNoValue:
       *to = '-';
       return to + 1;
     case Kind::kGap:
-    case Kind::kGroup: break;
+    case Kind::kGroup:
+      break;
   }
   return to;
 }
@@ -160,8 +173,8 @@ void Plan::Render(XmlWriter* to, const void* record, const RenderInputs& inputs)
   Run(to, 0, step_count_, static_cast<const uint8_t*>(record), 0, inputs);
 }
 
-void Plan::Run(XmlWriter* to, uint32_t from, uint32_t end, const uint8_t* base,
-               uint32_t repetition, const RenderInputs& inputs) const {
+void Plan::Run(XmlWriter* to, uint32_t from, uint32_t end, const uint8_t* base, uint32_t repetition,
+               const RenderInputs& inputs) const {
   for (uint32_t i = from; i < end; ++i) {
     const PlanStep& s = steps_[i];
     char* out = Reserve(to, s.text_size + (s.field != nullptr ? LongestText(*s.field) : 0));

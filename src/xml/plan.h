@@ -29,7 +29,7 @@ class Plan {
            const RenderInputs& inputs) const;
 
   Cases which_;
-  XmlWriter* text_;       // the tags, written once into memory
+  XmlWriter* text_;  // the tags, written once into memory
   uint32_t text_used_ = 0;
   PlanStep* steps_;
   uint32_t step_count_ = 0;

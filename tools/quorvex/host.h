@@ -12,10 +12,10 @@ namespace quorvex::tool {
 enum ExitCode {
   kDone = 0,
   kUsage = 2,
-  kNoInput = 3,      // missing or unreadable
+  kNoInput = 3,  // missing or unreadable
   kUnknownType = 4,
-  kCutShort = 5,     // ends inside its head
-  kNoOutput = 6,     // the document cannot be written
+  kCutShort = 5,  // ends inside its head
+  kNoOutput = 6,  // the document cannot be written
   kCancelled = 130,
 };
 
