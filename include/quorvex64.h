@@ -6,18 +6,18 @@
  *
  *  1. Calls are synchronous and work from a cold library: there is nothing to initialise, and
  *     nothing is kept between calls but a count of the bytes handed out.
- *  2. Paths are NUL-terminated 8-bit strings: the active code page on Windows, the file system's own
- *     bytes elsewhere. Both '/' and '\' separate directories. A path longer than 511 bytes counts as
- *     a file that cannot be opened.
- *  3. Nothing reports an error. A file that cannot be opened, a file of an unknown type and an output
- *     that cannot be created all leave no document behind, without a message. A null path does
+ *  2. Paths are NUL-terminated 8-bit strings: the active code page on Windows, the file system's
+ * own bytes elsewhere. Both '/' and '\' separate directories. A path longer than 511 bytes counts
+ * as a file that cannot be opened.
+ *  3. Nothing reports an error. A file that cannot be opened, a file of an unknown type and an
+ * output that cannot be created all leave no document behind, without a message. A null path does
  *     nothing; queries then answer 0. A host that wants to explain looks at the files itself.
- *  4. Damaged files: whatever a file holds, a call ends, stays inside its memory and gives back what
- *     it took. A recording that is cut short converts as far as it goes, into a well-formed document
- *     as long as its free texts are.
+ *  4. Damaged files: whatever a file holds, a call ends, stays inside its memory and gives back
+ * what it took. A recording that is cut short converts as far as it goes, into a well-formed
+ * document as long as its free texts are.
  *  5. Threads: functions may run on several threads at once, for different files. Two conversions
- *     into the same document at once are the caller's mistake. A progress callback runs on the thread
- *     of its conversion.
+ *     into the same document at once are the caller's mistake. A progress callback runs on the
+ * thread of its conversion.
  *  6. Ownership: only the two buffer functions hand out memory, and only the two destroy functions
  *     take it back. Every other pointer stays the caller's and is not kept.
  *
@@ -51,8 +51,8 @@ extern "C" {
 /*
  * Progress of a conversion: `fraction` is the part done so far. A negative result stops the
  * conversion after the record just written; the document is closed properly and holds what was
- * converted until then. The fraction is a guide, not a promise: it may pass 1 for a file that is cut
- * short, and is not a number where the size of a file is unknown.
+ * converted until then. The fraction is a guide, not a promise: it may pass 1 for a file that is
+ * cut short, and is not a number where the size of a file is unknown.
  *
  * Called after each record by the record types 1, 2, 3, 7, 8, 14, 16 and 17, by no other.
  */
@@ -83,9 +83,9 @@ QUORVEX_API void QUORVEX_CALL QuorvexConvert(const char* path, const char* outpu
                                              QuorvexProgress progress);
 
 /*
- * Converts the records `first_record` to `last_record` of a general recording (type 1), counted from
- * 1, the last one included. A range beyond the end gives a document without records. Files of all
- * other types are converted whole.
+ * Converts the records `first_record` to `last_record` of a general recording (type 1), counted
+ * from 1, the last one included. A range beyond the end gives a document without records. Files of
+ * all other types are converted whole.
  *
  *   QuorvexConvertPerPartes("R0007GEN.REC", NULL, 3, 5, NULL);    (records 3, 4 and 5)
  */

@@ -124,8 +124,13 @@ std::string Lines(const std::string& text) {
 }
 
 void ExpectTruncationIsHarmless(const Bytes& recording) {
+#ifdef _WIN32
+  constexpr size_t kEvery = 16;  // a file costs more there, and the code is the same
+  constexpr size_t kStride = 61;
+#else
   constexpr size_t kEvery = 8192;
   constexpr size_t kStride = 257;
+#endif
   for (size_t size = 0; size < recording.size(); size += size < kEvery ? 1 : kStride) {
     Bytes cut(recording.begin(), recording.begin() + static_cast<std::ptrdiff_t>(size));
     Converted(cut);

@@ -1,0 +1,195 @@
+// What everything stands on: tracked memory, files, the element writer and the layout tables.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <thread>
+#include <vector>
+
+#include "support.h"
+#include "support/file.h"
+#include "support/memory.h"
+#include "xml/document.h"
+#include "xml/plan.h"
+
+namespace quorvex::test {
+namespace {
+
+TEST(TrackedMemory, CountsPayloadAndLeavesForeignPointersAlone) {
+  const uint32_t before = TrackedBytes();
+  void* none = Allocate(0);
+  auto* some = static_cast<uint8_t*>(Allocate(1000));
+  EXPECT_EQ(before + 1000, TrackedBytes());
+  EXPECT_EQ(0, some[999]);
+  some[-1] = 0;  // a damaged guard word
+  Release(some);
+  EXPECT_EQ(before + 1000, TrackedBytes());
+  some[-1] = 0x11;
+  Release(some);
+  Release(none);
+  EXPECT_EQ(before, TrackedBytes());
+}
+
+TEST(Files, NumberedModes) {
+  const std::string path = InFolder("modes");
+  const auto write = [&](int32_t mode, const char* text) {
+    File file(path.c_str(), mode);
+    WriteAll(file.get(), text, static_cast<uint32_t>(std::strlen(text)));
+  };
+  for (const int32_t mode : {0, 1, 7, -1, 4}) EXPECT_EQ(nullptr, OpenFile(path.c_str(), mode));
+  write(kOpenCreate, "created");
+  write(kOpenAppend, ", appended");
+  write(kOpenUpdate, "CRE");
+  char text[32] = "";
+  {
+    File file(path.c_str(), 7);
+    ASSERT_TRUE(file);
+    EXPECT_TRUE(SeekTo(file.get(), 1));
+    EXPECT_EQ(16u, ReadBytes(file.get(), text, sizeof text));
+    EXPECT_EQ(17u, PositionOf(file.get()));
+  }
+  EXPECT_STREQ("REated, appended", text);
+  write(kOpenCreate, "x");
+  EXPECT_EQ("x", ReadFile(path));
+}
+
+TEST(Files, InformationOfAFile) {
+  const std::string path = InFolder("information.rec");
+  FileInfo info{};
+  EXPECT_EQ(1, QueryFileInfo(path.c_str(), &info));
+  Bytes bytes;
+  WriteFile(path, bytes.PadTo(70000));
+  EXPECT_EQ(0, QueryFileInfo(path.c_str(), &info));
+  EXPECT_STREQ("information.rec", info.name);
+  EXPECT_EQ(70000u, info.size);
+  EXPECT_EQ(70000u, WholeSize(info));
+  EXPECT_GE(info.year, 2024);
+  EXPECT_TRUE(info.month >= 1 && info.month <= 12 && info.day >= 1 && info.day <= 31);
+  info.in_progress = 1;
+  EXPECT_EQ(1, QueryFileInfo(path.c_str(), &info)) << "each query stands alone";
+}
+
+TEST(Files, StripExtension) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"rec.bin", "rec"}, {"a.b.c", "a.b"}, {"none", "none"}, {"dir.x/none", "dir"}, {".", ""}};
+  for (const auto& [name, stripped] : cases) {
+    char text[32];
+    StripExtension(name, text);
+    EXPECT_STREQ(stripped, text);
+  }
+}
+
+std::string TextOf(XmlWriter* writer) {
+  const std::string text(writer->buffer, writer->position);
+  CloseWriter(writer);
+  return text;
+}
+
+TEST(ElementWriter, ElementsAndLines) {
+  XmlWriter* writer = CreateWriter(nullptr);
+  OpenElement(writer, "a", "phase=\"u1\"");
+  ValueElement(writer, "empty", "");
+  ValueElement(writer, "raw", "<&>");
+  CloseElement(writer);
+  EXPECT_EQ("<a phase=\"u1\">\r\n<empty></empty>\r\n<raw><&></raw>\r\n</a>\r\n", TextOf(writer));
+}
+
+TEST(ElementWriter, TextsLongerThanTheBufferArriveWhole) {
+  std::string expected;
+  const std::string path = InFolder("long.xml");
+  XmlWriter* file = CreateWriter(OpenFile(path.c_str(), kOpenCreate));
+  XmlWriter* memory = CreateWriter(nullptr);
+  for (const size_t size : {65535u, 1u, 65536u, 65537u, 200000u, 3u}) {
+    const std::string text(size, static_cast<char>('a' + size % 26));
+    PutText(file, text.c_str());
+    PutText(memory, text.c_str());
+    expected += text;
+  }
+  EXPECT_EQ(kWriterBuffer, file->capacity);
+  CloseWriter(file);
+  EXPECT_TRUE(expected == ReadFile(path));
+  EXPECT_TRUE(expected == TextOf(memory));
+}
+
+TEST(ElementWriter, EscapedTexts) {
+  const std::pair<std::string, std::string> cases[] = {{"AZaz09 .,!%&=+-*/_", "AZaz09 .,!%&=+-*/_"},
+                                                       {"<a>\r\n", "?a?\\\\"},
+                                                       {"\"'\t\x7F\xC3\xA9#@[`{", "??????????\?"},
+                                                       {std::string("ab\0cd", 5), "ab"}};
+  for (const auto& [text, escaped] : cases) {
+    char to[32];
+    EXPECT_EQ(escaped, std::string(to, EscapeText(text.c_str(), to, 30)));
+  }
+  char to[4];
+  EXPECT_EQ("abcd", std::string(to, EscapeText("abcdef", to, 4))) << "no terminator is needed";
+}
+
+TEST(ElementWriter, Base64) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"", ""},        {"f", "Zg=="},          {"fo", "Zm8="},
+      {"foo", "Zm9v"}, {"foobar", "Zm9vYmFy"}, {"\xFB\xEF\xFF", "++//"}};
+  for (const auto& [bytes, text] : cases) {
+    char to[16];
+    const auto* from = reinterpret_cast<const uint8_t*>(bytes.data());
+    EXPECT_EQ(text, std::string(to, Base64Encode(from, static_cast<uint32_t>(bytes.size()), to)));
+  }
+}
+
+constexpr Field kPairRows[] = {U8("a", 0), Gap(1, 1), U16("b", 2)};
+constexpr Field kSharedRows[] = {I32("one", 0).In(0x0001), F32("other", 0).In(0x0002),
+                                 U8("first", 0).Again(), Each("pair", 4, 2, 4, kPairRows),
+                                 I32("n", 12).Times(2)};
+constexpr Field kOverlapRows[] = {I32("one", 0), U8("two", 3), Gap(4, 4)};
+constexpr Field kHoleRows[] = {I32("one", 0), Gap(5, 3)};
+constexpr Field kBeyondRows[] = {I32("one", 0), Gap(4, 4), F32("again", 6).Again()};
+static_assert(Tiles(Record("shared", 20, kSharedRows)));
+static_assert(!Tiles(Record("overlap", 8, kOverlapRows)));
+static_assert(!Tiles(Record("hole", 8, kHoleRows)));
+static_assert(!Tiles(Record("beyond", 8, kBeyondRows)));
+
+TEST(LayoutTables, CasesRepetitionsAndCounts) {
+  Bytes record;
+  record.Put<int32_t>(0, 5).Put<uint8_t>(4, 1).Put<uint16_t>(6, 2).Put<uint8_t>(8, 3);
+  record.Put<uint16_t>(10, 4).Put<int32_t>(12, -6).Put<int32_t>(16, 7);
+  XmlWriter* writer = CreateWriter(nullptr);
+  RenderOnce(writer, Record("r", 20, kSharedRows), 0x0001, record.data());
+  EXPECT_EQ(Lines("<r>\n<one>5</one>\n<first>5</first>\n<pair>\n<a>1</a>\n<b>2</b>\n</pair>\n"
+                  "<pair>\n<a>3</a>\n<b>4</b>\n</pair>\n<n>-6</n>\n<n>7</n>\n</r>\n"),
+            TextOf(writer));
+
+  // Arrays side by side, as many of each as a word of the record says.
+  static constexpr Field kSideRows[] = {U8("x", 0).Every(1), U16("y", 3).Every(2)};
+  static constexpr Field kCountedRows[] = {I32("count", 0),
+                                           Each("", 4, 3, 0, kSideRows).CountAt(0)};
+  for (const auto& [count, expected] :
+       {std::pair{-1, ""},
+        {2, "<x>10</x>\n<y>20</y>\n<x>11</x>\n<y>21</y>\n"},
+        {9, "<x>10</x>\n<y>20</y>\n<x>11</x>\n<y>21</y>\n<x>12</x>\n<y>22</y>\n"}}) {
+    Bytes counted;
+    counted.Put<int32_t>(0, count).PutBytes(4, {10, 11, 12, 20, 0, 21, 0, 22, 0});
+    writer = CreateWriter(nullptr);
+    RenderOnce(writer, Record("", 13, kCountedRows), kAllCases, counted.data());
+    EXPECT_EQ(Lines("<count>" + std::to_string(count) + "</count>\n" + expected), TextOf(writer));
+  }
+}
+
+TEST(Threads, ConversionsSideBySide) {
+  Bytes file = HeadOf(10);
+  file.PadTo(3072 + 3 * 4088);
+  const std::string input = InFolder("T0002.REC");
+  WriteFile(input, file);
+  const auto convert = [&](const std::string& output) {
+    QuorvexConvert(input.c_str(), InFolder(output).c_str(), nullptr);
+  };
+  convert("alone.xml");
+  const uint32_t before = TrackedBytes();
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 8; ++i) threads.emplace_back(convert, "side" + std::to_string(i));
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(before, TrackedBytes());
+  for (int i = 0; i < 8; ++i) {
+    EXPECT_TRUE(ReadFile(InFolder("alone.xml")) == ReadFile(InFolder("side" + std::to_string(i))));
+  }
+}
+
+}  // namespace
+}  // namespace quorvex::test
