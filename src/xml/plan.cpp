@@ -177,19 +177,18 @@ void Plan::Run(XmlWriter* to, uint32_t from, uint32_t end, const uint8_t* base, 
                const RenderInputs& inputs) const {
   for (uint32_t i = from; i < end; ++i) {
     const PlanStep& s = steps_[i];
-    char* out = Reserve(to, s.text_size + (s.field != nullptr ? LongestText(*s.field) : 0));
+    const Field* field = s.field;
+    char* out = Reserve(to, s.text_size + (field != nullptr ? LongestText(*field) : 0));
     std::memcpy(out, text_->buffer + s.text_at, s.text_size);
     out += s.text_size;
     const uint8_t* at = base + s.offset + static_cast<size_t>(repetition) * s.step;
-    if (s.loop_end != 0) {
-      Advance(to, out);
-      const uint32_t count = CountOf(*s.field, at, inputs);
+    if (field != nullptr && s.loop_end == 0) out = ValueText(*field, at, inputs, out);
+    Advance(to, out);
+    if (field != nullptr && s.loop_end != 0) {
+      const uint32_t count = CountOf(*field, at, inputs);
       for (uint32_t n = 0; n < count; ++n) Run(to, i + 1, s.loop_end, at, n, inputs);
       i = s.loop_end - 1;
-      continue;
     }
-    if (s.field != nullptr) out = ValueText(*s.field, at, inputs, out);
-    Advance(to, out);
   }
 }
 

@@ -102,7 +102,7 @@ bool ErrorsGoToTerminal() { return _isatty(_fileno(stderr)) != 0; }
 std::string Resolved(const std::string& path) {
   char* real = realpath(path.c_str(), nullptr);
   if (real == nullptr) return path;
-  const std::string resolved = real;
+  std::string resolved = real;
   std::free(real);
   return resolved;
 }
