@@ -1,5 +1,6 @@
 #include "xml/element_writer.h"
 
+#include <array>
 #include <cassert>
 #include <cstring>
 
@@ -20,6 +21,14 @@ void Grow(XmlWriter* writer, uint32_t needed) {
   Release(writer->buffer);
   writer->buffer = larger;
 }
+
+// Twelve bits are two characters.
+constexpr auto kBase64Pairs = [] {
+  constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  std::array<std::array<char, 2>, 4096> pairs{};
+  for (size_t i = 0; i < pairs.size(); ++i) pairs[i] = {kAlphabet[i >> 6], kAlphabet[i & 63]};
+  return pairs;
+}();
 
 bool IsKept(char c) {
   const bool letter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
@@ -117,18 +126,18 @@ char* EscapeText(const char* source, char* to, uint32_t limit) {
 }
 
 char* Base64Encode(const uint8_t* source, uint32_t size, char* to) {
-  static constexpr char kAlphabet[] =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  for (uint32_t i = 0; i < size; i += 3, to += 4) {
-    const uint32_t left = size - i;
-    const uint32_t group = static_cast<uint32_t>(source[i]) << 16 |
-                           (left > 1 ? static_cast<uint32_t>(source[i + 1]) << 8 : 0) |
-                           (left > 2 ? source[i + 2] : 0);
-    to[0] = kAlphabet[group >> 18];
-    to[1] = kAlphabet[group >> 12 & 63];
-    to[2] = left > 1 ? kAlphabet[group >> 6 & 63] : '=';
-    to[3] = left > 2 ? kAlphabet[group & 63] : '=';
-  }
+  const auto put = [&to](uint32_t group) {
+    std::memcpy(to, kBase64Pairs[group >> 12].data(), 2);
+    std::memcpy(to + 2, kBase64Pairs[group & 0xFFF].data(), 2);
+    to += 4;
+  };
+  uint32_t i = 0;
+  for (; i + 3 <= size; i += 3) put(source[i] << 16u | source[i + 1] << 8u | source[i + 2]);
+  const uint32_t left = size - i;
+  if (left == 0) return to;
+  put(source[i] << 16u | (left > 1 ? source[i + 1] << 8u : 0));
+  to[-1] = '=';
+  if (left == 1) to[-2] = '=';
   return to;
 }
 

@@ -116,6 +116,20 @@ char* DoubleText(double value, char* to) {
 }
 
 char* IntegerText(int64_t value, char* to) {
+  // Most integers of a recording are parts of date-times.
+  if (value >= 0 && value < 10) {
+    *to = static_cast<char>('0' + value);
+    return to + 1;
+  }
+  if (value >= 0 && value < 100) {
+    std::memcpy(to, kThreeDigits[static_cast<size_t>(value)].data() + 1, 2);
+    return to + 2;
+  }
+  if (value >= 1000 && value < 10000) {
+    *to = static_cast<char>('0' + value / 1000);
+    std::memcpy(to + 1, kThreeDigits[static_cast<size_t>(value % 1000)].data(), 4);
+    return to + 4;
+  }
   return std::to_chars(to, to + kLongestNumber, value).ptr;
 }
 
@@ -130,16 +144,21 @@ char* SecondsText(double seconds, char* to) {
   const auto microseconds = static_cast<int64_t>(seconds * 1000000.0);
   to = IntegerText(microseconds / 1000000, to);
   *to++ = '.';
-  // "%06d" of the remainder: a negative one has its sign inside the width.
-  int64_t rest = microseconds % 1000000;
-  int width = 6;
+  auto rest = static_cast<int32_t>(microseconds % 1000000);
   if (rest < 0) {
+    // "%06d" of a negative remainder has its sign inside the width.
     *to++ = '-';
     rest = -rest;
-    width = rest < 100000 ? 5 : 6;
+    if (rest >= 100000) *to++ = static_cast<char>('0' + rest / 100000);
+    rest %= 100000;
+    *to++ = static_cast<char>('0' + rest / 10000);
+    *to++ = static_cast<char>('0' + rest / 1000 % 10);
+  } else {
+    std::memcpy(to, kThreeDigits[static_cast<size_t>(rest / 1000)].data(), 4);
+    to += 3;
   }
-  for (int i = width - 1; i >= 0; --i, rest /= 10) to[i] = static_cast<char>('0' + rest % 10);
-  to += width;
+  std::memcpy(to, kThreeDigits[static_cast<size_t>(rest % 1000)].data(), 4);
+  to += 3;
   for (int removed = 0; removed < 5 && to[-1] == '0'; ++removed) --to;
   return to;
 }

@@ -21,9 +21,25 @@ struct PlanStep {
   uint32_t offset;
   uint32_t step;  // bytes to the same value of the next repetition
   uint32_t loop_end;
+  uint32_t room;  // what this step and those behind it write at the most; 0: the room is there
 };
 
 namespace {
+
+// Texts are copied in pieces of this size, up to one piece too far; both sides have room for that.
+constexpr uint32_t kCopyPiece = 16;
+// A buffer is asked for room once for many steps.
+constexpr uint32_t kMostRoom = 16384;
+
+char* CopyText(const char* from, uint32_t size, char* to) {
+  char* const end = to + size;
+  do {
+    std::memcpy(to, from, kCopyPiece);
+    to += kCopyPiece;
+    from += kCopyPiece;
+  } while (to < end);
+  return end;
+}
 
 uint32_t MostSteps(const Field& f) {
   uint32_t steps = 3;  // a loop, its body or value, its closing text
@@ -114,6 +130,7 @@ Plan::Plan(const Field& table, Cases which) : which_(which), text_(CreateWriter(
   Add(table, 0, 0);
   AddStep(nullptr, 0, 0);
   assert(text_->depth == 0);
+  Reserve(text_, kCopyPiece);
 }
 
 Plan::~Plan() {
@@ -121,12 +138,17 @@ Plan::~Plan() {
   CloseWriter(text_);
 }
 
-// The text written since the last step stands before this one.
-PlanStep& Plan::AddStep(const Field* f, uint32_t offset, uint32_t step) {
-  PlanStep& s = steps_[step_count_++];
-  s = {f, text_used_, text_->position - text_used_, offset, step, 0};
+// The text written since the last step stands before this one. Steps in a row ask for their room
+// together, at the first of them.
+void Plan::AddStep(const Field* f, uint32_t offset, uint32_t step) {
+  const uint32_t text_size = text_->position - text_used_;
+  const uint32_t room = text_size + kCopyPiece + (f != nullptr ? LongestText(*f) : 0);
+  if (gathering_ == nullptr || gathering_->room + room > kMostRoom) {
+    gathering_ = &steps_[step_count_];
+  }
+  steps_[step_count_++] = {f, text_used_, text_size, offset, step, 0, 0};
+  gathering_->room += room;
   text_used_ = text_->position;
-  return s;
 }
 
 void Plan::Add(const Field& f, uint32_t place, uint32_t step) {
@@ -139,8 +161,10 @@ void Plan::Add(const Field& f, uint32_t place, uint32_t step) {
   // Counts stand beside the row, so a loop keeps the place of its enclosing group.
   AddStep(&f, place, step);
   const uint32_t loop = step_count_ - 1;
+  gathering_ = nullptr;
   AddRows(f, f.offset, f.step);
   AddStep(nullptr, 0, 0);
+  gathering_ = nullptr;
   steps_[loop].loop_end = step_count_;
 }
 
@@ -175,21 +199,28 @@ void Plan::Render(XmlWriter* to, const void* record, const RenderInputs& inputs)
 
 void Plan::Run(XmlWriter* to, uint32_t from, uint32_t end, const uint8_t* base, uint32_t repetition,
                const RenderInputs& inputs) const {
+  char* out = nullptr;
   for (uint32_t i = from; i < end; ++i) {
     const PlanStep& s = steps_[i];
     const Field* field = s.field;
-    char* out = Reserve(to, s.text_size + (field != nullptr ? LongestText(*field) : 0));
-    std::memcpy(out, text_->buffer + s.text_at, s.text_size);
-    out += s.text_size;
-    const uint8_t* at = base + s.offset + static_cast<size_t>(repetition) * s.step;
-    if (field != nullptr && s.loop_end == 0) out = ValueText(*field, at, inputs, out);
-    Advance(to, out);
-    if (field != nullptr && s.loop_end != 0) {
-      const uint32_t count = CountOf(*field, at, inputs);
-      for (uint32_t n = 0; n < count; ++n) Run(to, i + 1, s.loop_end, at, n, inputs);
-      i = s.loop_end - 1;
+    if (s.room != 0) {
+      if (out != nullptr) Advance(to, out);
+      out = Reserve(to, s.room);
     }
+    out = CopyText(text_->buffer + s.text_at, s.text_size, out);
+    if (field == nullptr) continue;
+    const uint8_t* at = base + s.offset + static_cast<size_t>(repetition) * s.step;
+    if (s.loop_end == 0) {
+      out = ValueText(*field, at, inputs, out);
+      continue;
+    }
+    Advance(to, out);
+    out = nullptr;
+    const uint32_t count = CountOf(*field, at, inputs);
+    for (uint32_t n = 0; n < count; ++n) Run(to, i + 1, s.loop_end, at, n, inputs);
+    i = s.loop_end - 1;
   }
+  if (out != nullptr) Advance(to, out);
 }
 
 void RenderOnce(XmlWriter* to, const Field& table, Cases which, const void* record,

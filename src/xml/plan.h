@@ -24,7 +24,7 @@ class Plan {
  private:
   void Add(const Field& f, uint32_t offset, uint32_t step);
   void AddRows(const Field& group, uint32_t offset, uint32_t step);
-  PlanStep& AddStep(const Field* f, uint32_t offset, uint32_t step);
+  void AddStep(const Field* f, uint32_t offset, uint32_t step);
   void Run(XmlWriter* to, uint32_t from, uint32_t end, const uint8_t* base, uint32_t repetition,
            const RenderInputs& inputs) const;
 
@@ -33,6 +33,7 @@ class Plan {
   uint32_t text_used_ = 0;
   PlanStep* steps_;
   uint32_t step_count_ = 0;
+  PlanStep* gathering_ = nullptr;  // the step that asks for the room of those behind it
 };
 
 // For what is rendered once.
