@@ -10,6 +10,7 @@
 #include "support/memory.h"
 #include "xml/document.h"
 #include "xml/plan.h"
+#include "xml/text_forms.h"
 
 namespace quorvex::test {
 namespace {

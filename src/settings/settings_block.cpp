@@ -8,6 +8,7 @@
 #include "support/loads.h"
 #include "xml/number_text.h"
 #include "xml/plan.h"
+#include "xml/text_forms.h"
 
 namespace quorvex {
 namespace {

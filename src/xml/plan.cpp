@@ -9,6 +9,7 @@
 #include "support/loads.h"
 #include "support/memory.h"
 #include "xml/number_text.h"
+#include "xml/text_forms.h"
 
 namespace quorvex {
 
