@@ -64,4 +64,7 @@ UifParams NetworkSettings();
 void MakeRapidVoltageChanges(const std::string& folder);
 void MakeSessions(const std::string& folder);
 
+// All of them.
+void MakeAll(const std::string& folder);
+
 }  // namespace quorvex::samples
