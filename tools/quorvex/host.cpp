@@ -1,7 +1,9 @@
 #include "host.h"
 
+#include <dirent.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <csignal>
@@ -22,11 +24,13 @@ namespace quorvex::tool {
 namespace {
 
 std::atomic<bool> interrupted{false};
-char scratch_path[kMaxPath + 1];
+char scratch_paths[kMostWorkers][kMaxPath + 1];
 
 void OnInterrupt(int signal_number) {
   if (interrupted.exchange(true)) {
-    if (scratch_path[0] != '\0') std::remove(scratch_path);
+    for (const auto& path : scratch_paths) {
+      if (path[0] != '\0') std::remove(path);
+    }
     std::_Exit(kCancelled);
   }
   std::signal(signal_number, OnInterrupt);
@@ -115,10 +119,26 @@ uint32_t ProcessId() { return static_cast<uint32_t>(getpid()); }
 bool ErrorsGoToTerminal() { return isatty(fileno(stderr)) != 0; }
 #endif
 
-void CatchInterrupts(const std::string& scratch) {
-  std::snprintf(scratch_path, sizeof scratch_path, "%s", scratch.c_str());
+std::vector<std::string> NamesIn(const std::string& folder) {
+  std::vector<std::string> names;
+  DIR* listing = opendir(folder.c_str());
+  if (listing == nullptr) return names;
+  while (const dirent* entry = readdir(listing)) {
+    const std::string name = entry->d_name;
+    if (name != "." && name != "..") names.push_back(name);
+  }
+  closedir(listing);
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+void CatchInterrupts() {
   std::signal(SIGINT, OnInterrupt);
   std::signal(SIGTERM, OnInterrupt);
+}
+
+void SetScratch(unsigned worker, const std::string& path) {
+  std::snprintf(scratch_paths[worker], sizeof scratch_paths[worker], "%s", path.c_str());
 }
 
 bool Interrupted() { return interrupted; }

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "records/recording.h"
 
@@ -49,9 +50,16 @@ bool Replace(const std::string& from, const std::string& to);
 uint32_t ProcessId();
 bool ErrorsGoToTerminal();
 
-// From now on an interrupt only sets the flag that Interrupted() reads. A second one removes
-// `scratch` and ends the process, for conversions that cannot be asked to stop.
-void CatchInterrupts(const std::string& scratch);
+// Names in a folder, sorted, without "." and "..". Empty where it cannot be read.
+std::vector<std::string> NamesIn(const std::string& folder);
+
+// From now on an interrupt only sets the flag that Interrupted() reads. A second one removes the
+// scratch files and ends the process, for conversions that cannot be asked to stop.
+void CatchInterrupts();
 bool Interrupted();
+
+// The file that a worker is writing, removed by a second interrupt; empty for none.
+constexpr unsigned kMostWorkers = 64;
+void SetScratch(unsigned worker, const std::string& path);
 
 }  // namespace quorvex::tool
