@@ -116,10 +116,22 @@ bool RunJobs(std::deque<Job>* jobs, const Range& range, unsigned workers) {
   // Failures are told in the order of the jobs, whichever ends first.
   ProgressBar bar(*jobs);
   constexpr auto kBetweenDrawings = std::chrono::milliseconds(100);
+  constexpr int kPatience = 10;  // drawings until an interrupt is not waited for any longer
+  int waited = 0;
+  bool said_full = false;
   for (size_t told = 0; told < jobs->size();) {
     const Job& job = (*jobs)[told];
     std::unique_lock<std::mutex> lock(mutex);
     if (!changed.wait_for(lock, kBetweenDrawings, [&] { return job.finished.load(); })) {
+      if (Interrupted() && ++waited > kPatience) {
+        std::fprintf(stderr, "quorvex: cancelled\n");
+        EndAtOnce();
+      }
+      if (!said_full && IsDiskFull(job.output)) {
+        bar.Clear();
+        Complain(job.output, "the disk is full; waiting for room (an interrupt cancels)");
+        said_full = true;
+      }
       bar.Draw();
       continue;
     }

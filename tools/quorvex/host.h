@@ -47,18 +47,23 @@ std::string Resolved(const std::string& path);
 // Puts `from` in the place of `to`, which may exist.
 bool Replace(const std::string& from, const std::string& to);
 
+// Whether the disk that `path` stands on has no room for the next piece of a document.
+bool IsDiskFull(const std::string& path);
+
 uint32_t ProcessId();
 bool ErrorsGoToTerminal();
 
 // Names in a folder, sorted, without "." and "..". Empty where it cannot be read.
 std::vector<std::string> NamesIn(const std::string& folder);
 
-// From now on an interrupt only sets the flag that Interrupted() reads. A second one removes the
-// scratch files and ends the process, for conversions that cannot be asked to stop.
+// From now on an interrupt only sets the flag that Interrupted() reads; a second one ends at once.
 void CatchInterrupts();
 bool Interrupted();
 
-// The file that a worker is writing, removed by a second interrupt; empty for none.
+// Removes the scratch files and ends the process, for conversions that cannot be asked to stop.
+[[noreturn]] void EndAtOnce();
+
+// The file that a worker is writing; empty for none.
 constexpr unsigned kMostWorkers = 64;
 void SetScratch(unsigned worker, const std::string& path);
 
