@@ -1,4 +1,4 @@
-// Voltage events and alarms: whole documents, what ends them, and their progress.
+// Voltage events and alarms: whole documents, counts of alarm settings, and progress.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -19,147 +19,93 @@ Bytes LongHeadOf(uint32_t type) {
   return head.Put<uint8_t>(128 + 13, 5);
 }
 
-// Every word of the record holds its own offset.
+// Every word of a record holds its own offset, until something else is put there.
 Bytes OffsetsAsWords(uint32_t size) {
   Bytes record;
   for (uint32_t at = 0; at < size; at += 4) record.Put(at, at);
   return record.PutTime(size - 16, 2024, 3, 7, 14, 5, 9.25);
 }
 
-std::string Counts(const std::string& name, int at, int count) {
-  std::string numbers;
-  for (int i = 0; i < count; ++i) numbers += Value("N", at + 4 * i);
-  return Element(name, numbers);
-}
-
-Bytes EventRecord() {
-  Bytes record = OffsetsAsWords(264).Put<int32_t>(0, -1).Put(4, 201.5f);
-  return record.Put(220, 150.0f).Put(224, kNone).Put(228, 250.25f).Put(232, 4.5f);
-}
-
-std::string EventText() {
-  const struct {
-    const char* name;
-    int at, count;
-  } counters[] = {{"TOTAL_TRANSITION_COUNT", 8, 1},
-                  {"TOTAL_PHASE_START_COUNT", 12, 1},
-                  {"TOTAL_PHASE_START_COUNTS", 16, 3},
-                  {"TOTAL_PHASE_DIP_START_COUNT", 28, 1},
-                  {"TOTAL_PHASE_SWELL_START_COUNT", 32, 1},
-                  {"TOTAL_PHASE_INTERRUPT_START_COUNT", 36, 1},
-                  {"PHASE_DIP_START_COUNTS", 40, 3},
-                  {"PHASE_SWELL_START_COUNTS", 52, 3},
-                  {"PHASE_INTERRUPT_START_COUNTS", 64, 3},
-                  {"TOTAL_PHASE_END_COUNT", 76, 1},
-                  {"TOTAL_PHASE_END_COUNTS", 80, 3},
-                  {"TOTAL_PHASE_DIP_END_COUNT", 92, 1},
-                  {"TOTAL_PHASE_SWELL_END_COUNT", 96, 1},
-                  {"TOTAL_PHASE_INTERRUPT_END_COUNT", 100, 1},
-                  {"PHASE_DIP_END_COUNTS", 104, 3},
-                  {"PHASE_SWELL_END_COUNTS", 116, 3},
-                  {"PHASE_INTERRUPT_END_COUNTS", 128, 3},
-                  {"TOTAL_UNITED_POLY_PHASE_START_COUNT", 140, 1},
-                  {"TOTAL_POLY_PHASE_START_COUNT", 144, 1},
-                  {"TOTAL_POLY_PHASE_DIP_START_COUNT", 148, 1},
-                  {"TOTAL_POLY_PHASE_SWELL_START_COUNT", 152, 1},
-                  {"TOTAL_POLY_PHASE_INTERRUPT_START_COUNT", 156, 1},
-                  {"TOTAL_UNITED_POLY_PHASE_END_COUNT", 160, 1},  // 164 has no element
-                  {"TOTAL_POLY_PHASE_DIP_END_COUNT", 168, 1},
-                  {"TOTAL_POLY_PHASE_SWELL_END_COUNT", 172, 1},
-                  {"TOTAL_POLY_PHASE_INTERRUPT_END_COUNT", 176, 1}};
-  std::string statistic;
-  for (const auto& c : counters) {
-    statistic += c.count == 1 ? Value(c.name, c.at) : Counts(c.name, c.at, c.count);
-  }
-  std::string words =
-      Value("TRANSITION_FROM_EVENT_TYPE_ID", 180) + Value("TRANSITION_TO_EVENT_TYPE_ID", 184);
-  int at = 188;
-  for (const char* way : {"TO", "FROM"}) {
-    for (const char* what : {"DIP", "SWELL", "INTERRUPT", "UNITED_EVENT"}) {
-      words += Value(std::string("IS_TRANSITION_") + way + "_GLOBAL_" + what, at);
-      at += 4;
-    }
-  }
-  const std::string data =
-      Element("DIP", Value("MIN_VALUE", "1.500000E+02") + Value("DEPTH", "-")) +
-      Element("SWELL", Value("MAX_VALUE", "2.502500E+02")) +
-      Element("INTERRUPT", Value("MIN_VALUE", "4.500000E+00"));
-  return Element("TRANSITION", Value("PHASE_NUMBER", -1) +
-                                   Value("RMS_12_AT_TRANSITION", "2.015000E+02") +
-                                   Element("STATISTIC", statistic) + words + Element("DATA", data) +
-                                   Time("TIME_STAMP", "9.25"));
-}
-
 TEST(VoltageEvents, WholeDocument) {
-  Bytes file = LongHeadOf(8);
-  file.Put<uint8_t>(3192, 3).Put(3196, 230.0f).Put(3200, 207.0f).Put(3204, kNone);
-  file.Put(3208, 11.5f).PadTo(kEvents);
-  const std::string information = Element(
-      "INFORMATION", Value("CONNECTION", 3) + Value("NOMINAL_VOLTAGE", "2.300000E+02") +
-                         Value("DIP_TRESHOLD", "2.070000E+02") + Value("SWELL_TRESHOLD", "-") +
-                         Value("INTTERUPT_TRESHOLD", "1.150000E+01"));
-  EXPECT_EQ(information + Element("TRANSITIONS", ""), BodyOf(Converted(file)));
+  Bytes file = LongHeadOf(8).Put<uint8_t>(3192, 3).Put(3196, 230.0f).Put(3200, 207.0f);
+  file.Put(3204, kNone).Put(3208, 11.5f).PadTo(kEvents);
+  const std::string information =
+      "INFORMATION{ CONNECTION=3 NOMINAL_VOLTAGE=2.300000E+02 DIP_TRESHOLD=2.070000E+02 "
+      "SWELL_TRESHOLD=- INTTERUPT_TRESHOLD=1.150000E+01 } TRANSITIONS{ ";
+  EXPECT_EQ(Xml(information + "}"), BodyOf(Converted(file)));
 
-  file.PutBytes(kEvents, EventRecord()).PutBytes(kEvents + 264, EventRecord());
-  file.PadTo(kEvents + 2 * 264 + 100);  // a third that is cut off
+  Bytes record = OffsetsAsWords(264).Put<int32_t>(0, -1).Put(4, 201.5f).Put(220, 150.0f);
+  record.Put(224, kNone).Put(228, 250.25f).Put(232, 4.5f);
+  file.PutBytes(kEvents, record).PutBytes(kEvents + 264, record);
+  file.PadTo(kEvents + 3 * 264 - 1);  // the third is cut off
+  // The word at 164, the count of polyphase events ended, has no element.
+  const std::string transition = R"(TRANSITION{ PHASE_NUMBER=-1 RMS_12_AT_TRANSITION=2.015000E+02
+    STATISTIC{ TOTAL_TRANSITION_COUNT=8
+    TOTAL_PHASE_START_COUNT=12 TOTAL_PHASE_START_COUNTS{ N=16 N=20 N=24 }
+    TOTAL_PHASE_DIP_START_COUNT=28 TOTAL_PHASE_SWELL_START_COUNT=32
+    TOTAL_PHASE_INTERRUPT_START_COUNT=36 PHASE_DIP_START_COUNTS{ N=40 N=44 N=48 }
+    PHASE_SWELL_START_COUNTS{ N=52 N=56 N=60 } PHASE_INTERRUPT_START_COUNTS{ N=64 N=68 N=72 }
+    TOTAL_PHASE_END_COUNT=76 TOTAL_PHASE_END_COUNTS{ N=80 N=84 N=88 }
+    TOTAL_PHASE_DIP_END_COUNT=92 TOTAL_PHASE_SWELL_END_COUNT=96
+    TOTAL_PHASE_INTERRUPT_END_COUNT=100 PHASE_DIP_END_COUNTS{ N=104 N=108 N=112 }
+    PHASE_SWELL_END_COUNTS{ N=116 N=120 N=124 } PHASE_INTERRUPT_END_COUNTS{ N=128 N=132 N=136 }
+    TOTAL_UNITED_POLY_PHASE_START_COUNT=140 TOTAL_POLY_PHASE_START_COUNT=144
+    TOTAL_POLY_PHASE_DIP_START_COUNT=148 TOTAL_POLY_PHASE_SWELL_START_COUNT=152
+    TOTAL_POLY_PHASE_INTERRUPT_START_COUNT=156 TOTAL_UNITED_POLY_PHASE_END_COUNT=160
+    TOTAL_POLY_PHASE_DIP_END_COUNT=168 TOTAL_POLY_PHASE_SWELL_END_COUNT=172
+    TOTAL_POLY_PHASE_INTERRUPT_END_COUNT=176 }
+    TRANSITION_FROM_EVENT_TYPE_ID=180 TRANSITION_TO_EVENT_TYPE_ID=184
+    IS_TRANSITION_TO_GLOBAL_DIP=188 IS_TRANSITION_TO_GLOBAL_SWELL=192
+    IS_TRANSITION_TO_GLOBAL_INTERRUPT=196 IS_TRANSITION_TO_GLOBAL_UNITED_EVENT=200
+    IS_TRANSITION_FROM_GLOBAL_DIP=204 IS_TRANSITION_FROM_GLOBAL_SWELL=208
+    IS_TRANSITION_FROM_GLOBAL_INTERRUPT=212 IS_TRANSITION_FROM_GLOBAL_UNITED_EVENT=216
+    DATA{ DIP{ MIN_VALUE=1.500000E+02 DEPTH=- } SWELL{ MAX_VALUE=2.502500E+02 }
+    INTERRUPT{ MIN_VALUE=4.500000E+00 } } TIME_STAMP@9.25 } )";
   const std::string document = Converted(file);
-  EXPECT_EQ(information + Element("TRANSITIONS", EventText() + EventText()), BodyOf(document));
+  EXPECT_EQ(Xml(information + transition + transition + "}"), BodyOf(document));
   EXPECT_NE(std::string::npos, document.find("<UIF_PARAMS>\r\n<CONNECTION>5<"));
   file.resize(kEvents + 264);
   ExpectTruncationIsHarmless(file);
 }
 
 TEST(Alarms, WholeDocument) {
-  Bytes file = LongHeadOf(7);
-  file.PutBytes(3192, OffsetsAsWords(172)).Put<int32_t>(3192, 1).Put(3192 + 20, 0.5f);
-  file.Put(3192 + 24, 3.0f).PadTo(kAlarms);
-  Bytes record = OffsetsAsWords(864).Put(812, 253.0f).Put(816, 0.25f).Put(840, kNone);
-  file.PutBytes(kAlarms, record).PadTo(kAlarms + 2 * 864 - 1);
-
-  const auto quantity = [](int at) {
-    return Element("QUANTITY",
-                   Value("ID", at) + Value("PARAMETER", at + 4) + Value("PHASE_ID", at + 8));
-  };
-  const auto setting = [&](int at, const std::string& value, const std::string& duration) {
-    return quantity(at) + Value("CONDITION_ID", at + 12) + Value("QUANTITY_VALUE", value) +
-           Value("TRIGGER_DURATION", duration);
-  };
-  std::string statistic = Value("TRANSITION_SERIAL_NUMBER", 0);
+  Bytes file = LongHeadOf(7).PutBytes(3192, OffsetsAsWords(172)).Put<int32_t>(3192, 1);
+  file.Put(3192 + 20, 0.5f).Put(3192 + 24, 3.0f).PadTo(kAlarms);
+  file.PutBytes(kAlarms, OffsetsAsWords(864).Put(812, 253.0f).Put(816, 0.25f).Put(840, kNone));
+  file.PadTo(kAlarms + 2 * 864 - 1);
+  std::string form = R"(INFORMATION{ NUM=1 SETTINGS{ QUANTITY{ ID=4 PARAMETER=8 PHASE_ID=12 }
+    CONDITION_ID=16 QUANTITY_VALUE=5.000000E-01 TRIGGER_DURATION=3.000000E+00 } }
+    TRANSITIONS{ TRANSITION{ STATISTIC{ TRANSITION_SERIAL_NUMBER=0 )";
   int at = 4;
-  for (const std::string end : {"START", "END"}) {
+  for (const std::string end : {"_START", "_END"}) {
     for (const std::string group :
          {"UIF", "COMBINED_POWER", "FUNDAMENTAL_POWER", "NONFUNDAMENTAL_POWER", "FLICKER", "SYM",
           "HARMONICS", "INTERHARMONICS", "SIGNALING", "TEMPERATURE", "ALL"}) {
-      statistic += Counts("GROUP_" + group + "_" + end + "_SERIAL_NUMBERS", at, 9);
-      at += 36;
+      form += "GROUP_" + group + end + "_SERIAL_NUMBERS{ ";
+      for (int n = 0; n < 9; ++n, at += 4) form += "N=" + std::to_string(at) + " ";
+      form += "} ";
     }
   }
-  EXPECT_EQ(
-      Element("INFORMATION",
-              Value("NUM", 1) + Element("SETTINGS", setting(4, "5.000000E-01", "3.000000E+00"))) +
-          Element(
-              "TRANSITIONS",
-              Element("TRANSITION",
-                      Element("STATISTIC", statistic) +
-                          Element("SETTING", setting(796, "2.530000E+02", "2.500000E-01")) +
-                          Value("STATE_ID", 820) + Value("ALARM_GROUP_ID", 824) + quantity(828) +
-                          Value("QUANTITY_VALUE", "-") + Time("TIME_STAMP", "9.25"))),
-      BodyOf(Converted(file)));
+  form += R"(} SETTING{ QUANTITY{ ID=796 PARAMETER=800 PHASE_ID=804 } CONDITION_ID=808
+    QUANTITY_VALUE=2.530000E+02 TRIGGER_DURATION=2.500000E-01 } STATE_ID=820 ALARM_GROUP_ID=824
+    QUANTITY{ ID=828 PARAMETER=832 PHASE_ID=836 } QUANTITY_VALUE=- TIME_STAMP@9.25 } })";
+  EXPECT_EQ(Xml(form), BodyOf(Converted(file)));
   file.resize(kAlarms + 864);
   ExpectTruncationIsHarmless(file);
 }
 
 TEST(Alarms, CountsOfSettingsStayInTheirRoom) {
-  const struct {
-    int32_t stored, shown, settings;
-  } cases[] = {{0, 0, 0},         {7, 7, 7},   {8, 7, 7},
-               {INT32_MAX, 7, 7}, {-1, -1, 0}, {INT32_MIN, INT32_MIN, 0}};
-  for (const auto& c : cases) {
-    const std::string body = BodyOf(Converted(LongHeadOf(7).Put(3192, c.stored).PadTo(kAlarms)));
-    int settings = 0;
-    for (size_t at = 0; (at = body.find("<SETTINGS>", at)) != std::string::npos; ++at) ++settings;
-    EXPECT_EQ(c.settings, settings) << c.stored;
-    EXPECT_EQ(0u, body.find("<INFORMATION>\r\n" + Value("NUM", c.shown))) << c.stored;
+  constexpr std::tuple<int32_t, int32_t, int> kCases[] = {
+      {0, 0, 0}, {8, 7, 7}, {INT32_MAX, 7, 7}, {-1, -1, 0}, {INT32_MIN, INT32_MIN, 0}};
+  for (const auto& [stored, shown, settings] : kCases) {
+    std::string form = "INFORMATION{ NUM=" + std::to_string(shown);
+    for (int i = 0; i < settings; ++i) {
+      form +=
+          " SETTINGS{ QUANTITY{ ID=0 PARAMETER=0 PHASE_ID=0 } CONDITION_ID=0 "
+          "QUANTITY_VALUE=0.000000E+00 TRIGGER_DURATION=0.000000E+00 }";
+    }
+    EXPECT_EQ(Xml(form + " } TRANSITIONS{ }"),
+              BodyOf(Converted(LongHeadOf(7).Put(3192, stored).PadTo(kAlarms))));
   }
 }
 
@@ -173,19 +119,16 @@ TEST(Transitions, ProgressIsThePositionAndStops) {
   };
   for (const auto& [type, first, size] : {std::tuple{8u, kEvents, 264u}, {7u, kAlarms, 864u}}) {
     const Bytes file = LongHeadOf(type).PadTo(first + 2 * size + 100);
-    const auto fraction_at = [&](size_t at) {
-      return static_cast<float>(at) / static_cast<float>(file.size());
-    };
-    fractions.clear();
-    answer = 0;
-    const std::string whole = Converted(file, progress);
-    EXPECT_EQ((std::vector{fraction_at(first + size), fraction_at(first + 2 * size)}), fractions);
-    fractions.clear();
-    answer = -1;
-    const std::string body = BodyOf(Converted(file, progress));
-    EXPECT_EQ(1u, fractions.size());
-    EXPECT_EQ(body.find("<TRANSITION>"), body.rfind("<TRANSITION>")) << type;
-    EXPECT_LT(body.size(), whole.size());
+    const auto whole = static_cast<float>(file.size());
+    const float expected[] = {static_cast<float>(first + size) / whole,
+                              static_cast<float>(first + 2 * size) / whole};
+    for (const size_t records : {2, 1}) {
+      answer = records == 2 ? 0 : -1;
+      fractions.clear();
+      const std::string body = BodyOf(Converted(file, progress));
+      EXPECT_EQ(std::vector<float>(expected, expected + records), fractions);
+      EXPECT_EQ(records == 1, body.find("<TRANSITION>") == body.rfind("<TRANSITION>")) << type;
+    }
   }
 }
 
