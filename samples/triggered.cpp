@@ -1,6 +1,5 @@
 // Recordings that something starts: a meter test, a ripple-control telegram, transients and inrush.
 #include <cmath>
-#include <cstdio>
 
 #include "records/record_types.h"
 #include "sample.h"
@@ -100,8 +99,6 @@ void MakeTransients(const std::string& folder) {
   RecordingFile file(12, &settings);
   Clock clock = ClockAt(4, 11, 0, 0);
   for (int i = 1; i <= 3; ++i) {
-    char name[24];
-    std::snprintf(name, sizeof name, "R0012TRA_%03d.REC", i);
     settings.transients.num = static_cast<uint32_t>(i);
     settings.transients.start_time = clock.now;
     clock.Advance(0.04);
@@ -111,7 +108,7 @@ void MakeTransients(const std::string& folder) {
     settings.transients.max_val = 512.0f + 60.0f * static_cast<float>(i);
     clock.Advance(2400);
     RecordBytes entry(*kTransients.record);
-    entry.SetText("name", name);
+    entry.SetText("name", "R0012TRA_00" + std::to_string(i) + ".REC");
     file.Append(entry.bytes().data(), entry.bytes().size() - kSettingsSize);
     file.Append(&settings, sizeof settings);
   }
