@@ -12,11 +12,6 @@ std::string OfPhase(const std::string& group, int phase) {
   return "STATISTIC/" + group + "/N[" + std::to_string(phase - 1) + "]";
 }
 
-struct EventCounts {
-  int transitions = 0;
-  int starts = 0, ends = 0;  // all on one phase here, so each is an event of its phase
-};
-
 struct Event {
   EventType type;
   const char* word;  // in the names of its counters
@@ -25,33 +20,27 @@ struct Event {
   double duration;  // s
 };
 
-// One end of an event: its start where `starts`, at the threshold that the voltage crosses.
-RecordBytes EventTransition(const Event& event, bool starts, double threshold,
-                            const EventCounts& counts) {
-  RecordBytes record(*kVoltageEvents.record);
-  record.ClearFloats();
-  record.Set("PHASE_NUMBER", event.phase);
-  record.Set("RMS_12_AT_TRANSITION", threshold + (starts == (event.type == kDip) ? -4.6 : 2.3));
-  record.Set("TRANSITION_FROM_EVENT_TYPE_ID", starts ? kNormal : event.type);
-  record.Set("TRANSITION_TO_EVENT_TYPE_ID", starts ? event.type : kNormal);
+// Makes the record of the transition before into that of an event's start or end, at the threshold
+// which the voltage crosses. The counts run on.
+void SetTransition(const Event& event, bool starts, double threshold, RecordBytes* record) {
+  const std::string way = starts ? "START" : "END";
   const std::string word = event.word;
-  record.Set("STATISTIC/TOTAL_TRANSITION_COUNT", counts.transitions);
-  record.Set("STATISTIC/TOTAL_PHASE_START_COUNT", counts.starts);
-  record.Set("STATISTIC/TOTAL_PHASE_END_COUNT", counts.ends);
-  record.Set("STATISTIC/TOTAL_PHASE_" + word + "_START_COUNT", 1);
-  record.Set("STATISTIC/TOTAL_PHASE_" + word + "_END_COUNT", starts ? 0 : 1);
-  record.Set(OfPhase("TOTAL_PHASE_START_COUNTS", event.phase), 1);
-  record.Set(OfPhase("PHASE_" + word + "_START_COUNTS", event.phase), 1);
-  record.Set(OfPhase("TOTAL_PHASE_END_COUNTS", event.phase), starts ? 0 : 1);
-  record.Set(OfPhase("PHASE_" + word + "_END_COUNTS", event.phase), starts ? 0 : 1);
-  if (starts) return record;
+  record->ClearFloats();
+  record->Set("PHASE_NUMBER", event.phase);
+  record->Set("RMS_12_AT_TRANSITION", threshold + (starts == (event.type == kDip) ? -4.6 : 2.3));
+  record->Set("TRANSITION_FROM_EVENT_TYPE_ID", starts ? kNormal : event.type);
+  record->Set("TRANSITION_TO_EVENT_TYPE_ID", starts ? event.type : kNormal);
+  // Each kind of event happens once, on a phase of its own.
+  record->Set("STATISTIC/TOTAL_PHASE_" + word + "_" + way + "_COUNT", 1);
+  record->Set(OfPhase("TOTAL_PHASE_" + way + "_COUNTS", event.phase), 1);
+  record->Set(OfPhase("PHASE_" + word + "_" + way + "_COUNTS", event.phase), 1);
+  if (starts) return;
   if (event.type == kDip) {
-    record.Set("DATA/DIP/MIN_VALUE", event.voltage);
-    record.Set("DATA/DIP/DEPTH", kNominalVoltage - event.voltage);
+    record->Set("DATA/DIP/MIN_VALUE", event.voltage);
+    record->Set("DATA/DIP/DEPTH", kNominalVoltage - event.voltage);
   } else {
-    record.Set("DATA/SWELL/MAX_VALUE", event.voltage);
+    record->Set("DATA/SWELL/MAX_VALUE", event.voltage);
   }
-  return record;
 }
 
 }  // namespace
@@ -74,15 +63,17 @@ void MakeVoltageEvents(const std::string& folder) {
   information.Set("INTTERUPT_TRESHOLD", 0.05 * kNominalVoltage);
   file.Append(information);
 
-  EventCounts counts;
+  int transitions = 0;
+  RecordBytes record(*kVoltageEvents.record);
   Clock clock = ClockAt(4, 10, 0, 7.31);
   for (const Event& event : events) {
     const double threshold = event.type == kDip ? kDipAt : kSwellAt;
     for (const bool starts : {true, false}) {
-      ++counts.transitions;
-      ++(starts ? counts.starts : counts.ends);
-      file.Append(
-          EventTransition(event, starts, threshold, counts).SetTime("TIME_STAMP", clock.now));
+      SetTransition(event, starts, threshold, &record);
+      record.Set("STATISTIC/TOTAL_TRANSITION_COUNT", ++transitions);
+      record.Set("STATISTIC/TOTAL_PHASE_START_COUNT", (transitions + 1) / 2);
+      record.Set("STATISTIC/TOTAL_PHASE_END_COUNT", transitions / 2);
+      file.Append(record.SetTime("TIME_STAMP", clock.now));
       clock.Advance(starts ? event.duration : 1800);
     }
   }
@@ -113,17 +104,15 @@ void MakeAlarms(const std::string& folder) {
   file.Append(&settings.alarms, sizeof settings.alarms);
 
   int serial = 0;
+  RecordBytes record(*kAlarms.record);  // the serial numbers of all groups run on
   Clock clock = ClockAt(4, 13, 20, 0.2);
   for (const auto& alarm : alarms) {
     for (const bool starts : {true, false}) {
-      RecordBytes record(*kAlarms.record);
+      const std::string way = starts ? "START" : "END";
       record.Set("STATISTIC/TRANSITION_SERIAL_NUMBER", ++serial);
-      record.Set(OfPhase("GROUP_" + std::string(alarm.word) + "_START_SERIAL_NUMBERS", 1), 1);
+      record.Set(OfPhase("GROUP_" + std::string(alarm.word) + "_" + way + "_SERIAL_NUMBERS", 1), 1);
       record.Set(OfPhase("GROUP_ALL_START_SERIAL_NUMBERS", 1), (serial + 1) / 2);
       record.Set(OfPhase("GROUP_ALL_END_SERIAL_NUMBERS", 1), serial / 2);
-      if (!starts) {
-        record.Set(OfPhase("GROUP_" + std::string(alarm.word) + "_END_SERIAL_NUMBERS", 1), 1);
-      }
       const AlarmSetting& setting = alarm.setting;
       for (const std::string quantity : {"SETTING/QUANTITY/", "QUANTITY/"}) {
         record.Set(quantity + "ID", setting.id).Set(quantity + "PARAMETER", setting.parameter);
