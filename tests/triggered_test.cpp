@@ -72,13 +72,14 @@ std::string PlainlyConverted(const Bytes& file) {
       read(&block);
       data += name;
       for (size_t i = 0; i < block.size(); i += block.size() / packets) {
-        const auto year = std::to_string(Load<uint16_t>(&block[i]));
-        const auto flag = std::to_string(Load<int32_t>(&block[i]));
-        data += &block == &levels  ? " U=" + FloatE(Load<float>(&block[i]))
-                : &block == &flags ? " FLAG=" + flag
-                                   : " END_TIME{ year=" + year +
-                                         " month=0 day=0 hour=0 min=0 "
-                                         "sec=0.0 }";
+        const std::string year = std::to_string(Load<uint16_t>(&block[i]));
+        if (&block == &times) {
+          data += " END_TIME{ year=" + year + " month=0 day=0 hour=0 min=0 sec=0.0 }";
+        } else if (&block == &levels) {
+          data += " U=" + FloatE(Load<float>(&block[i]));
+        } else {
+          data += " FLAG=" + std::to_string(Load<int32_t>(&block[i]));
+        }
       }
       data += " ";
     }

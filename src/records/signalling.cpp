@@ -91,9 +91,9 @@ struct Piece {
   uint32_t earlier;     // arrays of this size in front of it
 };
 
-// The arrays of levels are read into one and the same block in turn, so where the file ends early,
-// the block still holds what the array before left there. That is in the file, one array further
-// forward. Where nothing was, there are zeros.
+// The arrays of levels share one block, each read over the one before. Where the file ends early,
+// the block still holds what the array before left there, which the file has one array earlier.
+// Where nothing was, there are zeros.
 void ReadPiece(Writer& w, const Piece& piece) {
   uint8_t* to = w.piece.get();
   uint32_t filled = ReadBytes(w.c.input, to, piece.size);
