@@ -5,6 +5,12 @@ namespace quorvex::samples {
 void MakeAll(const std::string& folder) {
   MakeRapidVoltageChanges(folder);
   MakeSessions(folder);
+  MakeVoltageEvents(folder);
+  MakeAlarms(folder);
+  MakeEnergyMeter(folder);
+  MakeSignalling(folder);
+  MakeTransients(folder);
+  MakeInrush(folder);
 }
 
 }  // namespace quorvex::samples

@@ -61,8 +61,14 @@ class RecordingFile {
 UifParams NetworkSettings();
 
 // One function a record type; each writes its recordings into the folder.
+void MakeAlarms(const std::string& folder);
+void MakeVoltageEvents(const std::string& folder);
+void MakeSignalling(const std::string& folder);
 void MakeRapidVoltageChanges(const std::string& folder);
+void MakeTransients(const std::string& folder);
+void MakeInrush(const std::string& folder);
 void MakeSessions(const std::string& folder);
+void MakeEnergyMeter(const std::string& folder);
 
 // All of them.
 void MakeAll(const std::string& folder);
