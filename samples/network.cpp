@@ -9,8 +9,8 @@ Phasor Polar(double rms, double degrees) { return std::polar(rms, degrees * kTwo
 double Degrees(Phasor phasor) { return std::arg(phasor) * 360 / kTwoPi; }
 
 double Wave::At(double time) const {
-  double value = 0;
-  for (int k = 0; k < kOrders; ++k) {
+  double value = order[0].real();
+  for (int k = 1; k < kOrders; ++k) {
     if (order[k] == 0.0) continue;
     const double angle = k * kTwoPi * kFrequency * time + std::arg(order[k]);
     value += std::sqrt(2.0) * std::abs(order[k]) * std::sin(angle);
@@ -18,7 +18,9 @@ double Wave::At(double time) const {
   return value;
 }
 
-double Wave::Rms() const { return std::hypot(std::abs(order[1]), DistortionRms()); }
+double Wave::Rms() const {
+  return std::hypot(order[0].real(), std::abs(order[1]), DistortionRms());
+}
 
 double Wave::DistortionRms() const {
   double squares = 0;
@@ -43,6 +45,7 @@ Network LoadedNetwork(double amperes) {
   constexpr double kShare[] = {1.0, 0.92, 1.05};
   constexpr double kPhaseDegrees[] = {0, -120, 120};
   constexpr double kLag = 25;
+  constexpr double kInverterVolts = 612;
   Network network;
   Wave& neutral = network.channel[3].i;
   for (int phase = 0; phase < 3; ++phase) {
@@ -57,6 +60,12 @@ Network LoadedNetwork(double amperes) {
     neutral = neutral - channel.i;
   }
   network.channel[3].u.order[1] = Polar(0.9, 40);
+  double watts = 0;
+  for (int phase = 0; phase < 3; ++phase) watts += Powers(network.channel[phase]).p;
+  network.inverter.u.order[0] = kInverterVolts;
+  network.inverter.u.order[2] = Polar(0.8, 0);
+  network.inverter.i.order[0] = watts / kInverterEfficiency / kInverterVolts;
+  network.inverter.i.order[2] = Polar(0.3, -60);
   return network;
 }
 
@@ -65,6 +74,7 @@ Channel ChannelOfNetwork(const Network& network, const std::string& label) {
   if (label == "L12") return {c[0].u - c[1].u, c[0].i};
   if (label == "L23") return {c[1].u - c[2].u, c[1].i};
   if (label == "L31") return {c[2].u - c[0].u, c[2].i};
+  if (label == "INV") return network.inverter;
   return label[0] == 'L' ? c[label[1] - '1'] : c[3];
 }
 
@@ -88,7 +98,7 @@ UifParams WaveformSettings(uint8_t connection) {
   s.connection = connection;
   for (ClampParams& clamp : s.clamp) clamp.a_na_v = 100;
   constexpr int kVoltageGains = 18;
-  std::fill(s.ee_konst, s.ee_konst + kVoltageGains, 100.0f);
+  std::fill(s.ee_konst, s.ee_konst + kVoltageGains, 200.0f);
   return s;
 }
 

@@ -15,7 +15,7 @@ double Degrees(Phasor phasor);
 
 constexpr int kOrders = 51;
 
-// A periodic quantity by its RMS phasors of orders 0 to 50.
+// A periodic quantity by its RMS phasors of orders 0 (the steady part) to 50.
 struct Wave {
   Phasor order[kOrders] = {};
 
@@ -30,10 +30,13 @@ struct Channel {
   Wave u, i;
 };
 
-// Four-wire network of 230 V under a load with some distortion: phases 1 to 3, the neutral.
+// Four-wire network of 230 V under a load with some distortion: phases 1 to 3, the neutral; and
+// what an inverter takes in to feed that load.
 struct Network {
   Channel channel[4];
+  Channel inverter;
 };
+constexpr double kInverterEfficiency = 0.97;
 Network LoadedNetwork(double amperes);
 
 // Channel names as documents have them; pairs of phases are the difference of two voltages.
@@ -47,7 +50,7 @@ struct Powers {
   explicit Powers(const Channel& channel);
 };
 
-// Settings under which raw 16-bit samples hold 500 V and 250 A at the most.
+// Settings under which raw 16-bit samples hold 1000 V and 250 A at the most.
 UifParams WaveformSettings(uint8_t connection);
 int RawSample(double value, float scale);
 

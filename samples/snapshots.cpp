@@ -45,14 +45,16 @@ void SetQuantity(RecordBytes* to, const std::string& at, const std::string& name
   const double fundamental = std::abs(wave.order[1]);
   const double rms = wave.Rms();
   to->Set(at + name + "L", rms).Set(at + "THD_" + name, wave.DistortionRms());
-  to->Set(at + "THD_" + name + "_PR", 100 * wave.DistortionRms() / fundamental);
+  if (fundamental > 0) {
+    to->Set(at + "THD_" + name + "_PR", 100 * wave.DistortionRms() / fundamental);
+    to->Set(at + "PHASE_" + name, Degrees(wave.order[1]));
+  }
   to->Set(at + "CF_" + name, wave.Peak() / rms).Set(at + "PEAK_" + name, wave.Peak());
   to->Set(at + "MAX12_" + name, rms * 1.002).Set(at + "MIN12_" + name, rms * 0.998);
-  to->Set(at + "PHASE_" + name, Degrees(wave.order[1]));
   for (int k = 0; k < kOrders; ++k) {
     const std::string order = "/v[" + std::to_string(k) + "]";
     to->Set(at + "HARM_" + name + order, std::abs(wave.order[k]));
-    to->Set(at + "INTER_HARM_" + name + order, 0.001 * fundamental / (k + 1));
+    to->Set(at + "INTER_HARM_" + name + order, 0);
   }
   for (int i = 0; i < kScopeSamples; ++i) {
     to->Set(at + "SCOPE_" + name + "/v[" + std::to_string(i) + "]",
@@ -148,13 +150,14 @@ void SetTotals(RecordBytes* to, const std::string& at, const Network& network, C
   to->SetCount(at + "RMS12/Vrms12", kHalfCycleReadings).Set(at + "TEMP", 31.5);
 }
 
-void SetInverter(RecordBytes* to) {
-  constexpr double kDcVolts = 612, kDcAmperes = 46, kEfficiency = 0.97;
-  constexpr double kDcWatts = kDcVolts * kDcAmperes;
-  to->Set("INVERTER/Udc", kDcVolts).Set("INVERTER/Uac", 0.8).Set("INVERTER/Urms", kDcVolts);
-  to->Set("INVERTER/Idc", kDcAmperes).Set("INVERTER/Iac", 0.3).Set("INVERTER/Irms", kDcAmperes);
-  to->Set("INVERTER/P", kDcWatts * kEfficiency).Set("INVERTER/Pdc", kDcWatts);
-  to->Set("INVERTER/Sac", 0.24).Set("INVERTER/eff", kEfficiency).Set("INVERTER/rf", 0.0013);
+void SetInverter(RecordBytes* to, const Channel& input) {
+  const double dc_watts = input.u.order[0].real() * input.i.order[0].real();
+  to->Set("INVERTER/Udc", input.u.order[0].real()).Set("INVERTER/Uac", input.u.DistortionRms());
+  to->Set("INVERTER/Idc", input.i.order[0].real()).Set("INVERTER/Iac", input.i.DistortionRms());
+  to->Set("INVERTER/P", Powers(input).p).Set("INVERTER/Pdc", dc_watts);
+  to->Set("INVERTER/Sac", input.u.DistortionRms() * input.i.DistortionRms());
+  to->Set("INVERTER/eff", kInverterEfficiency);
+  to->Set("INVERTER/rf", input.u.DistortionRms() / input.u.order[0].real());
 }
 
 void MakeLive(const std::string& folder, const std::string& name, uint8_t connection) {
@@ -166,7 +169,8 @@ void MakeLive(const std::string& folder, const std::string& name, uint8_t connec
 
   RecordBytes record(*kLiveResults.record);
   record.ClearFloats();
-  for (const std::string label : {"L1", "L2", "L3", "N", "L12", "L23", "L31"}) {
+  const char* fourth = connection == 7 ? "INV" : "N";
+  for (const std::string label : {"L1", "L2", "L3", fourth, "L12", "L23", "L31"}) {
     const int pair = 2 * ChannelOf(label.c_str());
     SetChannel(&record, label + "/", ChannelOfNetwork(network, label), scales + pair, 10);
     record.Set(label + "/K", 1.6);
@@ -174,7 +178,7 @@ void MakeLive(const std::string& folder, const std::string& name, uint8_t connec
   SetTotals(&record, "", network, clock, 10);
   record.SetTime("TIME_START", clock.now).Set("TIME_STEP", kTimeStep);
   record.Set("numUsedSamples", kScopeSamples).Set("FLAG", 1).Set("CONNECTION_CHECK/freq", 1);
-  if (connection == 7) SetInverter(&record);
+  if (connection == 7) SetInverter(&record, network.inverter);
   RecordingFile(6, &settings).Append(record).Write(folder, name);
 }
 
