@@ -1,0 +1,286 @@
+// Channel readings, waveform captures and waveform series.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "record_sketch.h"
+
+namespace quorvex::test {
+namespace {
+
+// The labels of a document's waveforms with their samples, shortened to two digits and exponent.
+std::string WaveformsIn(const std::string& body) {
+  std::string found;
+  for (size_t at = 0; (at = body.find('<', at)) != std::string::npos; ++at) {
+    if (body.compare(at, 3, "<v>") == 0) {
+      const std::string value = body.substr(at + 3, body.find("</v>", at) - at - 3);
+      const size_t digits = value[0] == '-' ? 4 : 3;
+      found.append(" ").append(value, 0, digits);
+      if (value != "-") found.append(value, value.size() - 4);
+    }
+    if (body.compare(at + 2, 8, " phase=\"") == 0) {
+      const size_t label = at + 10;
+      found.append(found.empty() ? "" : "; ");
+      found.append(body, label, body.find('"', label) - label).append(":");
+    }
+  }
+  return found;
+}
+
+Bytes Reading(uint8_t channel, float volts, float amperes) {
+  Bytes reading;
+  reading.PutTime(0, 2024, 3, 7, 14, 5, 30.5);
+  return reading.Put(16, channel).Put(17, uint8_t{77}).Put(20, volts).Put(24, amperes).PadTo(32);
+}
+
+TEST(ChannelReadings, ScaledByTheirChannel) {
+  const struct {
+    uint8_t channel;
+    float volts, amperes;
+    const char *u, *i;
+  } cases[] = {
+      {0, 2, 3, "2.000000E+00", "3.000000E+00"},
+      {0, kNone, kNone, "-", "-"},
+      {1, 2, 4, "2.500000E+00", "5.000000E+00"},
+      {1, kNone, kNone, "-1.250000E+37", "-1.250000E+37"},
+      {2, 2, 4, "5.000000E+00", "1.000000E+01"},
+      {3, 2, 4, "1.000000E+01", "2.000000E+01"},
+      {4, 2, 4, "1.250000E+00", "8.000000E+01"},
+      {4, kNone, kNone, "-6.250000E+36", "-"},
+      {5, 2, 4, "2.000000E+00", "4.000000E+00"},
+      {255, 2, kNone, "2.000000E+00", "-"},
+  };
+  Bytes file = ScaledHead(3, 3);
+  std::string expected = "<RECORDS>\n";
+  for (const auto& c : cases) {
+    file.PutBytes(file.size(), Reading(c.channel, c.volts, c.amperes));
+    expected +=
+        "<RECORD_RESULTS>\n<timeEnd>\n<year>2024</year>\n<month>3</month>\n<day>7</day>\n"
+        "<hour>14</hour>\n<min>5</min>\n<sec>30.5</sec>\n</timeEnd>\n<type>";
+    expected.append(std::to_string(c.channel)).append("</type>\n<U>").append(c.u);
+    expected.append("</U>\n<I>").append(c.i).append("</I>\n</RECORD_RESULTS>\n");
+  }
+  file.PutBytes(file.size(), Bytes(31, 1));
+  const std::string document = Converted(file);
+  EXPECT_EQ(Lines(expected + "</RECORDS>\n"), BodyOf(document));
+
+  std::string other = document;
+  other.replace(other.find("<FILE_TYPE>3<"), 13, "<FILE_TYPE>14<");
+  EXPECT_EQ(other, Converted(file.Put<uint32_t>(4, 14)));
+  ExpectTruncationIsHarmless(file);
+}
+
+// Slots hold 1, 2, ... 8 volts or amperes once a waveform of one sample.
+Bytes CaptureFile(uint8_t connection) {
+  Bytes file = HeadOf(5);
+  file.Put<int32_t>(16, 1).Put<int32_t>(2576, 1).Put<uint8_t>(21, connection);
+  file.Put<int32_t>(1448, 1);
+  for (const size_t at : {136, 280, 424, 568}) file.Put(at, 1000.0f);
+  for (size_t slot = 0; slot < 8; ++slot) {
+    file.Put(3072 + 4 * slot, static_cast<float>(slot + 1));
+  }
+  return file;
+}
+
+TEST(WaveformCapture, WholeDocument) {
+  Bytes file = CaptureFile(5);
+  file.Put<int32_t>(1448, 2).Put(568, 500.0f);
+  for (size_t i = 0; i < 16; ++i) file.Put(3072 + 4 * i, static_cast<float>(10 + i));
+  file.Put(3072 + 4, kNone).Put(3072 + 44, kNone);
+  EXPECT_EQ(Lines("<RECORDS>\n<RECORD_RESULTS>\n<VOLTAGES>\n"
+                  "<U phase=\"u1\">\n<v>1.000000E+01</v>\n<v>-</v>\n</U>\n"
+                  "<U phase=\"u2\">\n<v>1.200000E+01</v>\n<v>1.300000E+01</v>\n</U>\n"
+                  "<U phase=\"un\">\n<v>1.600000E+01</v>\n<v>1.700000E+01</v>\n</U>\n"
+                  "</VOLTAGES>\n<CURRENTS>\n"
+                  "<I phase=\"i1\">\n<v>1.800000E+01</v>\n<v>1.900000E+01</v>\n</I>\n"
+                  "<I phase=\"i2\">\n<v>2.000000E+01</v>\n<v>-</v>\n</I>\n"
+                  "<I phase=\"in\">\n<v>1.100000E+01</v>\n<v>1.150000E+01</v>\n</I>\n"
+                  "</CURRENTS>\n</RECORD_RESULTS>\n</RECORDS>\n"),
+            BodyOf(Converted(file)));
+  ExpectTruncationIsHarmless(file);
+}
+
+TEST(WaveformCapture, SlotsOfEveryConnection) {
+  const std::string pair = "u1: 1.0E+00; un: 4.0E+00; i1: 5.0E+00; in: 8.0E+00";
+  const std::string currents = "; i1: 5.0E+00; i2: 6.0E+00; i3: 7.0E+00";
+  const std::string delta = "u12: 1.0E+00; u23: 2.0E+00; u31: 3.0E+00";
+  const std::string cases[] = {
+      pair,
+      pair,
+      delta + currents,
+      "u1: 1.0E+00; u2: 2.0E+00; u3: 3.0E+00; un: 4.0E+00" + currents + "; in: 8.0E+00",
+      delta + currents,
+      "u1: 1.0E+00; u2: 2.0E+00; un: 4.0E+00; i1: 5.0E+00; i2: 6.0E+00; in: 7.0E+00",
+      "u1: 1.0E+00; uinv: 4.0E+00; i1: 5.0E+00; iinv: 8.0E+00",
+      delta + "; uinv: 4.0E+00" + currents + "; iinv: 8.0E+00",
+      pair,
+  };
+  for (uint8_t connection = 0; connection < std::size(cases); ++connection) {
+    Bytes file = CaptureFile(connection);
+    EXPECT_EQ(cases[connection], WaveformsIn(Converted(file))) << int{connection};
+    file.Put<uint8_t>(1408, 1);
+    std::string by_phase = cases[connection];
+    if (connection == 2 || connection == 4) {
+      by_phase = "u1: 1.0E+00; u2: 2.0E+00; u3: 3.0E+00" + currents;
+    }
+    EXPECT_EQ(by_phase, WaveformsIn(Converted(file))) << int{connection};
+  }
+}
+
+// Scales of u1, un, i1 and in: samples of 1, 4, 5 and 8 before them.
+TEST(WaveformCapture, Scales) {
+  const struct {
+    uint8_t kind;
+    int32_t prim;
+    uint8_t type1, type_n, trafo, feeders;
+    const char* expected;
+  } cases[] = {
+      {0, 1, 0, 0, 0, 0, "u1: 1.0E+00; un: 4.0E+00; i1: 5.0E+00; in: 1.6E+01"},
+      {1, 1, 0, 0, 0, 0, "u1: 1.7E+00; un: 6.9E+00; i1: 5.0E+00; in: 1.6E+01"},
+      {2, 3, 0, 0, 0, 0, "u1: 1.7E+00; un: 6.9E+00; i1: 5.0E+00; in: 1.6E+01"},
+      {3, -2, 0, 0, 0, 0, "u1: -2.0E+00; un: -8.0E+00; i1: 5.0E+00; in: 1.6E+01"},
+      {0, 1, 0, 0, 1, 0, "u1: 1.0E+00; un: 4.0E+00; i1: 2.0E+01; in: 6.4E+01"},
+      {0, 1, 0, 0, 1, 1, "u1: 1.0E+00; un: 4.0E+00; i1: 6.0E+01; in: 1.9E+02"},
+      {0, 1, 2, 0, 1, 1, "u1: 1.0E+00; un: 4.0E+00; i1: 2.0E+01; in: 1.9E+02"},
+      {0, 1, 0, 2, 0, 1, "u1: 1.0E+00; un: 4.0E+00; i1: 1.5E+01; in: 1.6E+01"},
+      {0, 1, 0, 5, 0, 0, "u1: 1.0E+00; un: 4.0E+00; i1: 5.0E+00; in: 8.0E+00"},
+      {0, 1, 2, 5, 0, 1, "u1: 1.0E+00; un: 4.0E+00; i1: 5.0E+00; in: 8.0E+00"},
+      {0, 1, 5, 5, 0, 1, "u1: 1.0E+00; un: 4.0E+00; i1: 1.5E+01; in: 4.8E+01"},
+  };
+  for (const auto& c : cases) {
+    Bytes file = CaptureFile(1);
+    file.Put<uint8_t>(20, c.kind).Put<int32_t>(16, c.prim).Put(568, 2000.0f);
+    file.Put<uint8_t>(129, c.type1).Put<uint8_t>(561, c.type_n);
+    for (const size_t clamp : {136, 568}) {
+      file.Put<uint8_t>(clamp + 8, c.feeders).Put<int32_t>(clamp + 12, 3);
+      file.Put<uint8_t>(clamp + 16, c.trafo);
+      file.Put<int32_t>(clamp + 20, 8).Put<int32_t>(clamp + 24, 2);
+    }
+    EXPECT_EQ(c.expected, WaveformsIn(Converted(file))) << &c - cases;
+  }
+}
+
+TEST(WaveformCapture, LengthsThatAreDamage) {
+  for (const int32_t length : {0, -1, INT32_MIN, 3072 + 32 + 1, INT32_MAX}) {
+    Bytes file = CaptureFile(6);
+    file.Put<int32_t>(1448, length);
+    EXPECT_EQ("u1:; uinv:; i1:; iinv:", WaveformsIn(Converted(file))) << length;
+  }
+}
+
+// A waveform of several pieces each. The instrument's one buffer keeps what the file lacks from the
+// waveform read before, and that is zero at first.
+TEST(WaveformCapture, FileCutShortRepeatsTheWaveformBefore) {
+  constexpr size_t kSamples = 9000;
+  constexpr size_t kCut = 4999;  // samples of the second read waveform in the file
+  Bytes file = CaptureFile(1);
+  file.Put<int32_t>(1448, kSamples);
+  const size_t neutral = 3072 + 3 * 4 * kSamples;
+  for (size_t i = 0; i < kSamples; ++i) file.Put(3072 + 4 * i, 1.0f);
+  for (size_t i = 0; i < kCut; ++i) file.Put(neutral + 4 * i, 2.0f);
+  // The cut goes through a sample: its upper half is that of 1.0f, 0x3F80.
+  file.Put<uint16_t>(neutral + 4 * kCut, 0xABCD);
+  const auto repeated = [](size_t count, const std::string& text) {
+    std::string all;
+    for (size_t i = 0; i < count; ++i) all += text;
+    return all;
+  };
+  const std::string ones = repeated(kSamples, " 1.0E+00");
+  const std::string mixed =
+      repeated(kCut, " 2.0E+00") + " 1.0E+00" + repeated(kSamples - kCut - 1, " 1.0E+00");
+  const std::string document = Converted(file);
+  EXPECT_EQ("u1:" + ones + "; un:" + mixed + "; i1:" + mixed + "; in:" + mixed,
+            WaveformsIn(document));
+  EXPECT_NE(std::string::npos, document.find("<v>1.005243E+00</v>"));
+
+  file.resize(3072 + 4 * 4500);
+  const std::string first = repeated(4500, " 1.0E+00") + repeated(4500, " 0.0E+00");
+  EXPECT_EQ("u1:" + first + "; un:" + first + "; i1:" + first + "; in:" + first,
+            WaveformsIn(Converted(file)));
+}
+
+// A record of a series with `waveforms` waveforms that start with 1, 2, ... times `sample`.
+Bytes SeriesRecord(size_t waveforms, int32_t used, int16_t sample) {
+  Bytes record;
+  record.PutTime(0, 2024, 3, 7, 14, 5, 1.5).Put(16, 0.0002f).Put<int32_t>(20, -1);
+  record.Put(24, used).PadTo(32 + waveforms * 3000);
+  for (size_t i = 0; i < waveforms; ++i) {
+    record.Put(32 + i * 3000, static_cast<int16_t>(sample * static_cast<int16_t>(i + 1)));
+    record.Put<int16_t>(32 + i * 3000 + 2, -8).Put<int16_t>(32 + i * 3000 + 2998, 80);
+  }
+  return record;
+}
+
+TEST(WaveformSeries, WholeDocument) {
+  Bytes file = ScaledHead(17, 6);
+  file.PutBytes(3072, SeriesRecord(4, 2, 80));
+  EXPECT_EQ(
+      Lines("<RECORDS>\n<RECORD_RESULTS>\n<timeStart>\n<year>2024</year>\n<month>3</month>\n"
+            "<day>7</day>\n<hour>14</hour>\n<min>5</min>\n<sec>1.5</sec>\n</timeStart>\n"
+            "<timeStep>2.000000E-04</timeStep>\n<numUsedSamples>2</numUsedSamples>\n<VOLTAGES>\n"
+            "<U phase=\"u1\">\n<v>1.000000E+02</v>\n<v>-1.000000E+01</v>\n</U>\n"
+            "<U phase=\"uinv\">\n<v>1.000000E+02</v>\n<v>-5.000000E+00</v>\n</U>\n"
+            "</VOLTAGES>\n<CURRENTS>\n"
+            "<I phase=\"i1\">\n<v>3.000000E+02</v>\n<v>-1.000000E+01</v>\n</I>\n"
+            "<I phase=\"iinv\">\n<v>6.400000E+03</v>\n<v>-1.600000E+02</v>\n</I>\n"
+            "</CURRENTS>\n</RECORD_RESULTS>\n</RECORDS>\n"),
+      BodyOf(Converted(file)));
+  ExpectTruncationIsHarmless(file);
+}
+
+TEST(WaveformSeries, WaveformsOfEveryConnection) {
+  const std::string pair = "u1: 1.0E+02; un: 1.0E+02; i1: 3.0E+02; in: 6.4E+03";
+  const std::string delta =
+      "u12: 1.0E+02; u23: 4.0E+02; u31: 1.2E+03; i1: 4.0E+02; i2: 1.0E+03; i3: 2.4E+03";
+  const struct {
+    size_t waveforms;
+    std::string expected;
+  } cases[] = {
+      {4, pair},
+      {4, pair},
+      {6, delta},
+      {8,
+       "u1: 1.0E+02; u2: 4.0E+02; u3: 1.2E+03; un: 2.0E+02; i1: 5.0E+02; i2: 1.2E+03; "
+       "i3: 2.8E+03; in: 1.2E+04"},
+      {6, delta},
+      {6, "u1: 1.0E+02; u2: 4.0E+02; un: 1.5E+02; i1: 4.0E+02; i2: 1.0E+03; in: 9.6E+03"},
+      {4, "u1: 1.0E+02; uinv: 1.0E+02; i1: 3.0E+02; iinv: 6.4E+03"},
+      {8,
+       "u12: 1.0E+02; u23: 4.0E+02; u31: 1.2E+03; uinv: 2.0E+02; i1: 5.0E+02; i2: 1.2E+03; "
+       "i3: 2.8E+03; iinv: 1.2E+04"},
+      {4, pair},
+  };
+  for (uint8_t connection = 0; connection < std::size(cases); ++connection) {
+    Bytes file = ScaledHead(17, connection);
+    const auto& c = cases[connection];
+    file.PutBytes(3072, SeriesRecord(c.waveforms, 0, 0));  // without samples, but as long
+    file.PutBytes(file.size(), SeriesRecord(c.waveforms, 1, 80));
+    const std::string body = BodyOf(Converted(file));
+    EXPECT_EQ(c.expected, WaveformsIn(body.substr(body.rfind("<RECORD_RESULTS>"))))
+        << int{connection};
+    const std::string first = WaveformsIn(body.substr(0, body.rfind("<RECORD_RESULTS>")));
+    EXPECT_EQ(c.waveforms, static_cast<size_t>(std::count(first.begin(), first.end(), ':')));
+    EXPECT_EQ(std::string::npos, first.find('E'));
+  }
+}
+
+int32_t Stop(float) { return -1; }
+
+TEST(WaveformSeries, CountsBeyondTheSamplesAndFilesCutShort) {
+  Bytes file = ScaledHead(17, 1);
+  file.PutBytes(3072, SeriesRecord(4, INT32_MAX, 80));
+  const size_t second = file.size();
+  file.PutBytes(second, SeriesRecord(4, INT32_MAX, 160)).resize(second + 32 + 2);
+  const std::string body = BodyOf(Converted(file));
+  const size_t at = body.rfind("<RECORD_RESULTS>");
+  std::string expected = WaveformsIn(body.substr(0, at));
+  EXPECT_EQ(4u * 1500, static_cast<size_t>(std::count(expected.begin(), expected.end(), 'E')));
+  EXPECT_EQ("1.6E+03", expected.substr(expected.size() - 7)) << "the last stored sample";
+  EXPECT_NE(std::string::npos, body.find("<numUsedSamples>2147483647<"));
+  expected.replace(expected.find("u1: 1.0E+02"), 11, "u1: 2.0E+02");
+  EXPECT_EQ(expected, WaveformsIn(body.substr(at))) << "every waveform keeps a place of its own";
+  EXPECT_EQ(at, BodyOf(Converted(file, Stop)).size() - std::string("</RECORDS>\r\n").size());
+}
+
+}  // namespace
+}  // namespace quorvex::test
