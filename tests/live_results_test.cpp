@@ -1,4 +1,4 @@
-// Live results: whole documents of a wye and of an inverter connection, and where they differ.
+// Live results: whole documents of a wye and, with reduced lists, of inverter connections.
 #include <gtest/gtest.h>
 
 #include "record_sketch.h"
@@ -29,36 +29,30 @@ Sketch LiveResults(const std::string& fourth, bool flicker) {
   AddChannel(&s, "L23", 48008, scopes(1), k, flicker);
   AddChannel(&s, "L31", 57608, scopes(2), k, flicker);
   AddTotals(&s, 67208);
-  s.Add(67832, kSymmetry).record.Put<int32_t>(67900, 1);
-  s.Open("RMS12").Add(67904, "Vrms12{ VALUE:0 PHASE_NUMBER#8 TIME_STAMP@16 }").Close("RMS12");
+  s.AddGroup("SYM", 67832, kSymmetry).record.Put<int32_t>(67900, 1);
+  s.Open("RMS12").AddGroup("Vrms12", 67904, "VALUE:0 PHASE_NUMBER#8 TIME_STAMP@16").Close("RMS12");
   s.Add(0, "TIME_START@78528 TIME_STEP:78548").Value("numUsedSamples", "2");
   s.record.Put<int32_t>(0, 2);
   s.Add(0, "TEMP!67896 FLAG#78584");
-  s.Add(79456,
-        "CONNECTION_CHECK{ Ua#0 Ub#4 Uc#8 Ia#12 Ib#16 Ic#20 PhA#28 Phb#32 PhC#36 Useq#24 freq#40 "
-        "results#44 Uinv#48 Iinv#52 Pinv#56 }");
+  s.AddGroup("CONNECTION_CHECK", 79456,
+             "Ua#0 Ub#4 Uc#8 Ia#12 Ib#16 Ic#20 PhA#28 Phb#32 PhC#36 Useq#24 freq#40 "
+             "results#44 Uinv#48 Iinv#52 Pinv#56");
   return s;
 }
 
-TEST(LiveResults, WholeDocumentOfAWye) {
-  Sketch s = LiveResults("N", true);
-  s.Close("UIF_RESULTS");
-  Bytes file = ScaledHead(6, 3);
-  file.PutBytes(3072, s.record);
-  EXPECT_EQ(Lines(s.text), BodyOf(Converted(file)));
-  ASSERT_EQ(kSize, s.record.size());
-}
-
-TEST(LiveResults, WholeDocumentOfAnInverterWithReducedLists) {
-  for (const uint8_t connection : {uint8_t{6}, uint8_t{7}}) {
-    Sketch s = LiveResults("INV", false);
-    s.Add(28808,
-          "INVERTER{ Urms:4 Udc:9584 Uac:9580 Irms:36 Idc:9592 Iac:9588 P:8400 Pdc:8408 Sac:8404 "
-          "eff!8412 rf:9596 }");
-    s.Close("UIF_RESULTS");
+TEST(LiveResults, WholeDocumentsOfAWyeAndOfInverters) {
+  for (const uint8_t connection : {uint8_t{3}, uint8_t{6}, uint8_t{7}}) {
+    const bool inverter = connection != 3;
+    Sketch s = LiveResults(inverter ? "INV" : "N", !inverter);
+    if (inverter) {
+      s.AddGroup("INVERTER", 28808,
+                 "Urms:4 Udc:9584 Uac:9580 Irms:36 Idc:9592 Iac:9588 P:8400 Pdc:8408 Sac:8404 "
+                 "eff!8412 rf:9596");
+    }
     Bytes file = ScaledHead(6, connection);
-    file.Put<uint8_t>(2568, 1).PutBytes(3072, s.record);
-    EXPECT_EQ(Lines(s.text), BodyOf(Converted(file)));
+    file.Put<uint8_t>(2568, inverter ? 2 : 0).PutBytes(3072, s.Close("UIF_RESULTS").record);
+    EXPECT_EQ(Lines(s.text), BodyOf(Converted(file))) << int{connection};
+    EXPECT_EQ(3072 + kSize, file.size());
   }
 }
 

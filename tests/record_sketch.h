@@ -17,22 +17,27 @@ struct Sketch {
 
   // Elements in written order, offsets from `base`: "name:16" a float, "name!16" a float without
   // value, "name%16" a double, "name?16" a double without value, "name#16" an integer, "name~16" a
-  // value with a type, "name^16" a phasor, "name@16" a time, "name{" and "}" around others.
+  // value with a type, "name^16" a phasor, "name@16" a time.
   Sketch& Add(size_t base, const std::string& notation) {
     std::istringstream words(notation);
-    for (std::string word; words >> word;) AddWord(base, word);
+    for (std::string word; words >> word;) {
+      const size_t mark = word.find_first_of(":!%?#~^@");
+      AddWord(word.substr(0, mark), word[mark], base + std::stoul(word.substr(mark + 1)));
+    }
     return *this;
   }
-
+  Sketch& AddGroup(const std::string& name, size_t base, const std::string& notation) {
+    return Open(name).Add(base, notation).Close(name);
+  }
+  Sketch& AddFloats(const std::string& name, size_t base, int count) {
+    Open(name);
+    for (int i = 0; i < count; ++i) Add(base, "v:" + std::to_string(4 * i));
+    return Close(name);
+  }
   Sketch& Open(const std::string& name) { return Line("<" + name + ">"); }
   Sketch& Close(const std::string& name) { return Line("</" + name + ">"); }
   Sketch& Value(const std::string& name, const std::string& value) {
     return Line("<" + name + ">" + value + "</" + name + ">");
-  }
-  Sketch& Values(const std::string& name, size_t base, int count) {
-    Open(name);
-    for (int i = 0; i < count; ++i) Add(base, "v:" + std::to_string(4 * i));
-    return Close(name);
   }
 
  private:
@@ -40,80 +45,46 @@ struct Sketch {
     text += line + "\n";
     return *this;
   }
-
-  void AddWord(size_t base, const std::string& word) {
-    const size_t mark = word.find_first_of(":!%?#~^@{}");
-    const std::string name = word.substr(0, mark);
-    if (word[mark] == '{') {
-      Open(name);
-      open_ += name + " ";
-      return;
-    }
-    if (word[mark] == '}') {
-      const size_t from = open_.rfind(' ', open_.size() - 2) + 1;
-      Close(open_.substr(from, open_.size() - 1 - from));
-      open_.resize(from);
-      return;
-    }
-    const size_t at = base + std::stoul(word.substr(mark + 1));
-    const std::string next = std::to_string(at + 4 - base);
-    char number[32];
-    std::snprintf(number, sizeof number, "%E", static_cast<double>(at));
-    switch (word[mark]) {
-      case ':':
-        record.Put(at, static_cast<float>(at));
-        Value(name, number);
-        break;
-      case '!':
-        record.Put(at, kNone);
-        Value(name, "-");
-        break;
-      case '%':
-        record.Put(at, static_cast<double>(at));
-        Value(name, number);
-        break;
-      case '?':
-        record.Put(at, static_cast<double>(kNone));
-        Value(name, "-");
-        break;
-      case '#':
-        record.Put(at, static_cast<int32_t>(at));
-        Value(name, std::to_string(at));
-        break;
-      case '~':
-        Add(base, name + "{ value:" + word.substr(mark + 1) + " type#" + next + " }");
-        break;
-      case '^':
-        Add(base, name + "{ A:" + word.substr(mark + 1) + " phase:" + next + " }");
-        break;
-      default:
-        record.PutTime(at, 2024, 3, 7, 14, 5, static_cast<double>(at));
-        Open(name).Value("year", "2024").Value("month", "3").Value("day", "7");
-        Value("hour", "14").Value("min", "5").Value("sec", std::to_string(at) + ".0").Close(name);
-    }
+  template <typename T>
+  Sketch& Leaf(const std::string& name, size_t at, T value, const std::string& shown) {
+    record.Put(at, value);
+    return Value(name, shown);
   }
 
-  std::string open_;
+  Sketch& AddWord(const std::string& name, char mark, size_t at) {
+    char number[32];
+    std::snprintf(number, sizeof number, "%E", static_cast<double>(at));
+    if (mark == ':') return Leaf(name, at, static_cast<float>(at), number);
+    if (mark == '!') return Leaf(name, at, kNone, "-");
+    if (mark == '%') return Leaf(name, at, static_cast<double>(at), number);
+    if (mark == '?') return Leaf(name, at, static_cast<double>(kNone), "-");
+    if (mark == '#') return Leaf(name, at, static_cast<int32_t>(at), std::to_string(at));
+    if (mark == '~') return AddGroup(name, at, "value:0 type#4");
+    if (mark == '^') return AddGroup(name, at, "A:0 phase:4");
+    record.PutTime(at, 2024, 3, 7, 14, 5, static_cast<double>(at));
+    Open(name).Value("year", "2024").Value("month", "3").Value("day", "7").Value("hour", "14");
+    return Value("min", "5").Value("sec", std::to_string(at) + ".0").Close(name);
+  }
 };
 
 constexpr char kTotalPower[] =
     "P:0 Se:12 Sv:8 Sa:20 Q:4 Qa:16 PFe~24 PFv~32 PFa~40 PpFund:48 SpFund:60 SeFund:56 SfundU:64 "
     "QpFund:52 LUfund:100 Pfund:112 QvFund:104 SvFund:68 PFvFund~84 QaFund:108 SaFund:72 "
     "PFaFund~92 tgF~144 PFpFund~76 Ph:116 SeN:132 DeI:120 DeV:124 DeH:128 SeH:136 HP:140 Ep_p%152 "
-    "Ep_m?160 Eq_p%168 Eq_m%176 Es_p%184 Es_m%192 }";
+    "Ep_m?160 Eq_p%168 Eq_m%176 Es_p%184 Es_m%192";
 constexpr char kPhasePower[] =
     "P:0 S:4 Q:8 PF~12 Pfund:20 Sfund:28 Qfund:24 DPF~32 Ph:40 Sh:44 Sn:48 Di:52 Dv:56 Dh:60 HP:64 "
-    "tgF~68 Ep_p%80 Ep_m%88 Eq_p%96 Eq_m%104 Es_p%112 Es_m?120 }";
+    "tgF~68 Ep_p%80 Ep_m%88 Eq_p%96 Eq_m%104 Es_p%112 Es_m?120";
 constexpr char kSymmetry[] =
-    "SYM{ Uo^0 Io^8 Up^16 Ip^24 Um^32 Im^40 SYM_Um:48 SYM_Uo:52 SYM_Im:56 SYM_Io!60 }";
+    "Uo^0 Io^8 Up^16 Ip^24 Um^32 Im^40 SYM_Um:48 SYM_Uo:52 SYM_Im:56 SYM_Io!60";
 constexpr char kChannelValues[] =
     "UL:4 THD_U:8 THD_U_PR:12 CF_U:16 PEAK_U:20 MAX12_U:24 MIN12_U:28 PHASE_U:32 IL:36 THD_I:40 "
     "THD_I_PR:44 CF_I:48 PEAK_I:52 MAX12_I:56 MIN12_I:60 PHASE_I!64";
 
 inline void AddTotals(Sketch* sketch, size_t base) {
-  sketch->Add(base, std::string("POWER_ENERGY_TOTAL{ ") + kTotalPower);
-  sketch->Add(base + 208, std::string("POWER_ENERGY_TOTAL_CURRENT{ ") + kTotalPower);
-  sketch->Add(base + 416, std::string("POWER_ENERGY_TOTAL_LAST{ ") + kTotalPower);
+  sketch->AddGroup("POWER_ENERGY_TOTAL", base, kTotalPower);
+  sketch->AddGroup("POWER_ENERGY_TOTAL_CURRENT", base + 208, kTotalPower);
+  sketch->AddGroup("POWER_ENERGY_TOTAL_LAST", base + 416, kTotalPower);
 }
 
 // Two samples a scope, 100 and -8; `u` and `i` are the texts that they must have.
@@ -131,13 +102,13 @@ inline void AddChannel(Sketch* sketch, const std::string& label, size_t base, co
   }
   sketch->Open("SCOPE_U").Value("v", scopes.u[0]).Value("v", scopes.u[1]).Close("SCOPE_U");
   sketch->Open("SCOPE_I").Value("v", scopes.i[0]).Value("v", scopes.i[1]).Close("SCOPE_I");
-  sketch->Add(base + 8272, std::string("POWER_ENERGY{ ") + kPhasePower);
-  sketch->Add(base + 8416, std::string("POWER_ENERGY_CURRENT{ ") + kPhasePower);
-  sketch->Add(base + 8560, std::string("POWER_ENERGY_LAST{ ") + kPhasePower);
-  sketch->Values("HARM_U", base + 8704, 51).Values("HARM_I", base + 8908, 51);
-  sketch->Values("INTER_HARM_U", base + 9112, 51).Values("INTER_HARM_I", base + 9316, 51);
+  sketch->AddGroup("POWER_ENERGY", base + 8272, kPhasePower);
+  sketch->AddGroup("POWER_ENERGY_CURRENT", base + 8416, kPhasePower);
+  sketch->AddGroup("POWER_ENERGY_LAST", base + 8560, kPhasePower);
+  sketch->AddFloats("HARM_U", base + 8704, 51).AddFloats("HARM_I", base + 8908, 51);
+  sketch->AddFloats("INTER_HARM_U", base + 9112, 51).AddFloats("INTER_HARM_I", base + 9316, 51);
   if (flicker) {
-    sketch->Add(base, "FLICKER{ P_INST:9520 P_ST:9524 P_LT:9528 P_ST_1MIN:9532 }");
+    sketch->AddGroup("FLICKER", base, "P_INST:9520 P_ST:9524 P_LT:9528 P_ST_1MIN:9532");
   }
   sketch->Close(label);
 }

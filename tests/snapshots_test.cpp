@@ -20,9 +20,9 @@ Sketch PhaseAndNeutral() {
   s.Add(0, "timeStart@0 timeStep!16 numUsedSamples#24").record.Put<int32_t>(20, 2);
   s.Open("RESULTS");
   AddTotals(&s, 32 + 8);
-  s.Add(32 + 632, kSymmetry).record.Put<int32_t>(864, 2);
-  s.Open("RMS12").Add(868, "Vrms12{ VALUE:0 PHASE_NUMBER#8 TIME_STAMP@16 }");
-  s.Add(900, "Vrms12{ VALUE!0 PHASE_NUMBER#8 TIME_STAMP@16 }").Close("RMS12");
+  s.AddGroup("SYM", 32 + 632, kSymmetry).record.Put<int32_t>(864, 2);
+  s.Open("RMS12").AddGroup("Vrms12", 868, "VALUE:0 PHASE_NUMBER#8 TIME_STAMP@16");
+  s.AddGroup("Vrms12", 900, "VALUE!0 PHASE_NUMBER#8 TIME_STAMP@16").Close("RMS12");
   s.Add(32, "TEMP:696 FLAG#824").Close("RESULTS");
   AddChannel(&s, "L1", kChannels,
              {{"1.250000E+02", "-1.000000E+01"}, {"1.250000E+02", "-1.000000E+01"}});

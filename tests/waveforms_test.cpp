@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <sstream>
 
 #include "record_sketch.h"
 
@@ -100,33 +101,6 @@ TEST(WaveformCapture, WholeDocument) {
   ExpectTruncationIsHarmless(file);
 }
 
-TEST(WaveformCapture, SlotsOfEveryConnection) {
-  const std::string pair = "u1: 1.0E+00; un: 4.0E+00; i1: 5.0E+00; in: 8.0E+00";
-  const std::string currents = "; i1: 5.0E+00; i2: 6.0E+00; i3: 7.0E+00";
-  const std::string delta = "u12: 1.0E+00; u23: 2.0E+00; u31: 3.0E+00";
-  const std::string cases[] = {
-      pair,
-      pair,
-      delta + currents,
-      "u1: 1.0E+00; u2: 2.0E+00; u3: 3.0E+00; un: 4.0E+00" + currents + "; in: 8.0E+00",
-      delta + currents,
-      "u1: 1.0E+00; u2: 2.0E+00; un: 4.0E+00; i1: 5.0E+00; i2: 6.0E+00; in: 7.0E+00",
-      "u1: 1.0E+00; uinv: 4.0E+00; i1: 5.0E+00; iinv: 8.0E+00",
-      delta + "; uinv: 4.0E+00" + currents + "; iinv: 8.0E+00",
-      pair,
-  };
-  for (uint8_t connection = 0; connection < std::size(cases); ++connection) {
-    Bytes file = CaptureFile(connection);
-    EXPECT_EQ(cases[connection], WaveformsIn(Converted(file))) << int{connection};
-    file.Put<uint8_t>(1408, 1);
-    std::string by_phase = cases[connection];
-    if (connection == 2 || connection == 4) {
-      by_phase = "u1: 1.0E+00; u2: 2.0E+00; u3: 3.0E+00" + currents;
-    }
-    EXPECT_EQ(by_phase, WaveformsIn(Converted(file))) << int{connection};
-  }
-}
-
 // Scales of u1, un, i1 and in: samples of 1, 4, 5 and 8 before them.
 TEST(WaveformCapture, Scales) {
   const struct {
@@ -199,68 +173,73 @@ TEST(WaveformCapture, FileCutShortRepeatsTheWaveformBefore) {
             WaveformsIn(Converted(file)));
 }
 
-// A record of a series with `waveforms` waveforms that start with 1, 2, ... times `sample`.
+// A record of a series whose waveforms start with `sample` and end with 80.
 Bytes SeriesRecord(size_t waveforms, int32_t used, int16_t sample) {
   Bytes record;
-  record.PutTime(0, 2024, 3, 7, 14, 5, 1.5).Put(16, 0.0002f).Put<int32_t>(20, -1);
-  record.Put(24, used).PadTo(32 + waveforms * 3000);
-  for (size_t i = 0; i < waveforms; ++i) {
-    record.Put(32 + i * 3000, static_cast<int16_t>(sample * static_cast<int16_t>(i + 1)));
-    record.Put<int16_t>(32 + i * 3000 + 2, -8).Put<int16_t>(32 + i * 3000 + 2998, 80);
+  record.PutTime(0, 2024, 3, 7, 14, 5, 1.5).Put(16, 0.0002f).Put<int32_t>(20, -1).Put(24, used);
+  for (size_t at = 32; at < 32 + waveforms * 3000; at += 3000) {
+    record.Put(at, sample).Put<int16_t>(at + 2, -8).Put<int16_t>(at + 2998, 80);
   }
   return record;
 }
 
 TEST(WaveformSeries, WholeDocument) {
-  Bytes file = ScaledHead(17, 6);
-  file.PutBytes(3072, SeriesRecord(4, 2, 80));
+  Bytes file = ScaledHead(17, 5);
+  file.PutBytes(3072, SeriesRecord(6, 2, 80));
+  for (size_t i = 1; i < 6; ++i) {
+    file.Put(3072 + 32 + i * 3000, static_cast<int16_t>(80 * (i + 1)));
+  }
   EXPECT_EQ(
       Lines("<RECORDS>\n<RECORD_RESULTS>\n<timeStart>\n<year>2024</year>\n<month>3</month>\n"
             "<day>7</day>\n<hour>14</hour>\n<min>5</min>\n<sec>1.5</sec>\n</timeStart>\n"
             "<timeStep>2.000000E-04</timeStep>\n<numUsedSamples>2</numUsedSamples>\n<VOLTAGES>\n"
             "<U phase=\"u1\">\n<v>1.000000E+02</v>\n<v>-1.000000E+01</v>\n</U>\n"
-            "<U phase=\"uinv\">\n<v>1.000000E+02</v>\n<v>-5.000000E+00</v>\n</U>\n"
+            "<U phase=\"u2\">\n<v>4.000000E+02</v>\n<v>-2.000000E+01</v>\n</U>\n"
+            "<U phase=\"un\">\n<v>1.500000E+02</v>\n<v>-5.000000E+00</v>\n</U>\n"
             "</VOLTAGES>\n<CURRENTS>\n"
-            "<I phase=\"i1\">\n<v>3.000000E+02</v>\n<v>-1.000000E+01</v>\n</I>\n"
-            "<I phase=\"iinv\">\n<v>6.400000E+03</v>\n<v>-1.600000E+02</v>\n</I>\n"
+            "<I phase=\"i1\">\n<v>4.000000E+02</v>\n<v>-1.000000E+01</v>\n</I>\n"
+            "<I phase=\"i2\">\n<v>1.000000E+03</v>\n<v>-2.000000E+01</v>\n</I>\n"
+            "<I phase=\"in\">\n<v>9.600000E+03</v>\n<v>-1.600000E+02</v>\n</I>\n"
             "</CURRENTS>\n</RECORD_RESULTS>\n</RECORDS>\n"),
       BodyOf(Converted(file)));
   ExpectTruncationIsHarmless(file);
 }
 
-TEST(WaveformSeries, WaveformsOfEveryConnection) {
-  const std::string pair = "u1: 1.0E+02; un: 1.0E+02; i1: 3.0E+02; in: 6.4E+03";
-  const std::string delta =
-      "u12: 1.0E+02; u23: 4.0E+02; u31: 1.2E+03; i1: 4.0E+02; i2: 1.0E+03; i3: 2.4E+03";
-  const struct {
-    size_t waveforms;
-    std::string expected;
-  } cases[] = {
-      {4, pair},
-      {4, pair},
-      {6, delta},
-      {8,
-       "u1: 1.0E+02; u2: 4.0E+02; u3: 1.2E+03; un: 2.0E+02; i1: 5.0E+02; i2: 1.2E+03; "
-       "i3: 2.8E+03; in: 1.2E+04"},
-      {6, delta},
-      {6, "u1: 1.0E+02; u2: 4.0E+02; un: 1.5E+02; i1: 4.0E+02; i2: 1.0E+03; in: 9.6E+03"},
-      {4, "u1: 1.0E+02; uinv: 1.0E+02; i1: 3.0E+02; iinv: 6.4E+03"},
-      {8,
-       "u12: 1.0E+02; u23: 4.0E+02; u31: 1.2E+03; uinv: 2.0E+02; i1: 5.0E+02; i2: 1.2E+03; "
-       "i3: 2.8E+03; iinv: 1.2E+04"},
-      {4, pair},
+TEST(Waveforms, OfEveryConnection) {
+  const std::string pair = "u1: 1.0E+00; un: 4.0E+00; i1: 5.0E+00; in: 8.0E+00";
+  const std::string currents = "; i1: 5.0E+00; i2: 6.0E+00; i3: 7.0E+00";
+  const std::string delta = "u12: 1.0E+00; u23: 2.0E+00; u31: 3.0E+00";
+  const std::string captures[] = {
+      pair,
+      pair,
+      delta + currents,
+      "u1: 1.0E+00; u2: 2.0E+00; u3: 3.0E+00; un: 4.0E+00" + currents + "; in: 8.0E+00",
+      delta + currents,
+      "u1: 1.0E+00; u2: 2.0E+00; un: 4.0E+00; i1: 5.0E+00; i2: 6.0E+00; in: 7.0E+00",
+      "u1: 1.0E+00; uinv: 4.0E+00; i1: 5.0E+00; iinv: 8.0E+00",
+      delta + "; uinv: 4.0E+00" + currents + "; iinv: 8.0E+00",
+      pair,
   };
-  for (uint8_t connection = 0; connection < std::size(cases); ++connection) {
-    Bytes file = ScaledHead(17, connection);
-    const auto& c = cases[connection];
-    file.PutBytes(3072, SeriesRecord(c.waveforms, 0, 0));  // without samples, but as long
-    file.PutBytes(file.size(), SeriesRecord(c.waveforms, 1, 80));
-    const std::string body = BodyOf(Converted(file));
-    EXPECT_EQ(c.expected, WaveformsIn(body.substr(body.rfind("<RECORD_RESULTS>"))))
-        << int{connection};
-    const std::string first = WaveformsIn(body.substr(0, body.rfind("<RECORD_RESULTS>")));
-    EXPECT_EQ(c.waveforms, static_cast<size_t>(std::count(first.begin(), first.end(), ':')));
-    EXPECT_EQ(std::string::npos, first.find('E'));
+  for (uint8_t connection = 0; connection < std::size(captures); ++connection) {
+    std::string expected = captures[connection];
+    const auto waveforms = static_cast<size_t>(std::count(expected.begin(), expected.end(), ':'));
+    Bytes capture = CaptureFile(connection);
+    EXPECT_EQ(expected, WaveformsIn(Converted(capture))) << int{connection};
+    if (connection == 2 || connection == 4) {
+      expected = "u1: 1.0E+00; u2: 2.0E+00; u3: 3.0E+00" + currents;
+    }
+    capture.Put<uint8_t>(1408, 1);
+    EXPECT_EQ(expected, WaveformsIn(Converted(capture))) << int{connection};
+
+    // A series has the same waveforms, without the unused slots and whatever its voltages go by.
+    std::string labels;
+    std::istringstream words(captures[connection]);
+    for (std::string label, sample; words >> label >> sample;) {
+      labels.append(labels.empty() ? "" : "; ").append(label);
+    }
+    Bytes series = ScaledHead(17, connection);
+    series.Put<uint8_t>(1408, 1).PadTo(3072 + 2 * (32 + waveforms * 3000));
+    EXPECT_EQ(labels + "; " + labels, WaveformsIn(Converted(series))) << int{connection};
   }
 }
 
