@@ -28,12 +28,6 @@ std::string WaveformsIn(const std::string& body) {
   return found;
 }
 
-Bytes Reading(uint8_t channel, float volts, float amperes) {
-  Bytes reading;
-  reading.PutTime(0, 2024, 3, 7, 14, 5, 30.5);
-  return reading.Put(16, channel).Put(17, uint8_t{77}).Put(20, volts).Put(24, amperes).PadTo(32);
-}
-
 TEST(ChannelReadings, ScaledByTheirChannel) {
   const struct {
     uint8_t channel;
@@ -51,19 +45,18 @@ TEST(ChannelReadings, ScaledByTheirChannel) {
       {5, 2, 4, "2.000000E+00", "4.000000E+00"},
       {255, 2, kNone, "2.000000E+00", "-"},
   };
-  Bytes file = ScaledHead(3, 3);
-  std::string expected = "<RECORDS>\n";
+  Sketch list;
   for (const auto& c : cases) {
-    file.PutBytes(file.size(), Reading(c.channel, c.volts, c.amperes));
-    expected +=
-        "<RECORD_RESULTS>\n<timeEnd>\n<year>2024</year>\n<month>3</month>\n<day>7</day>\n"
-        "<hour>14</hour>\n<min>5</min>\n<sec>30.5</sec>\n</timeEnd>\n<type>";
-    expected.append(std::to_string(c.channel)).append("</type>\n<U>").append(c.u);
-    expected.append("</U>\n<I>").append(c.i).append("</I>\n</RECORD_RESULTS>\n");
+    const size_t at = list.record.size();
+    list.Open("RECORD_RESULTS").Add(at, "timeEnd@0").Value("type", std::to_string(c.channel));
+    list.Value("U", c.u).Value("I", c.i).Close("RECORD_RESULTS");
+    list.record.Put<uint32_t>(at + 16, 0xABCDEF00u | c.channel);
+    list.record.Put(at + 20, c.volts).Put(at + 24, c.amperes).PadTo(at + 32);
   }
-  file.PutBytes(file.size(), Bytes(31, 1));
+  Bytes file = ScaledHead(3, 3);
+  file.PutBytes(3072, list.record).PadTo(file.size() + 31);
   const std::string document = Converted(file);
-  EXPECT_EQ(Lines(expected + "</RECORDS>\n"), BodyOf(document));
+  EXPECT_EQ(Lines("<RECORDS>\n" + list.text + "</RECORDS>\n"), BodyOf(document));
 
   std::string other = document;
   other.replace(other.find("<FILE_TYPE>3<"), 13, "<FILE_TYPE>14<");
@@ -99,6 +92,10 @@ TEST(WaveformCapture, WholeDocument) {
                   "</CURRENTS>\n</RECORD_RESULTS>\n</RECORDS>\n"),
             BodyOf(Converted(file)));
   ExpectTruncationIsHarmless(file);
+  for (const int32_t damage : {0, -1, INT32_MIN, 3072 + 64 + 1, INT32_MAX}) {
+    file.Put(1448, damage);
+    EXPECT_EQ("u1:; u2:; un:; i1:; i2:; in:", WaveformsIn(Converted(file))) << damage;
+  }
 }
 
 // Scales of u1, un, i1 and in: samples of 1, 4, 5 and 8 before them.
@@ -131,14 +128,6 @@ TEST(WaveformCapture, Scales) {
       file.Put<int32_t>(clamp + 20, 8).Put<int32_t>(clamp + 24, 2);
     }
     EXPECT_EQ(c.expected, WaveformsIn(Converted(file))) << &c - cases;
-  }
-}
-
-TEST(WaveformCapture, LengthsThatAreDamage) {
-  for (const int32_t length : {0, -1, INT32_MIN, 3072 + 32 + 1, INT32_MAX}) {
-    Bytes file = CaptureFile(6);
-    file.Put<int32_t>(1448, length);
-    EXPECT_EQ("u1:; uinv:; i1:; iinv:", WaveformsIn(Converted(file))) << length;
   }
 }
 
