@@ -11,6 +11,11 @@ void MakeAll(const std::string& folder) {
   MakeSignalling(folder);
   MakeTransients(folder);
   MakeInrush(folder);
+  MakeSnapshots(folder);
+  MakeLiveResults(folder);
+  MakeChannelReadings(folder);
+  MakeWaveformCapture(folder);
+  MakeWaveformSeries(folder);
 }
 
 }  // namespace quorvex::samples
