@@ -5,12 +5,20 @@
 
 namespace quorvex {
 
+extern const RecordType kGeneral;
+extern const RecordType kSettingsOnly;
 extern const RecordType kRapidVoltageChanges;
+extern const RecordType kAverages;
 extern const RecordType kSessions;
+extern const RecordType kVoltageQuality;
 
 inline constexpr const RecordType* kRecordTypes[] = {
+    &kGeneral,              // 1
+    &kSettingsOnly,         // 4
     &kRapidVoltageChanges,  // 10
+    &kAverages,             // 11
     &kSessions,             // 15
+    &kVoltageQuality,       // 16
 };
 
 }  // namespace quorvex
