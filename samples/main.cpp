@@ -9,6 +9,10 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "usage: make_samples FOLDER\n");
     return 2;
   }
+  MakeGeneral(argv[1]);
+  MakeVoltageQuality(argv[1]);
+  MakeSettingsOnly(argv[1]);
+  MakeAverages(argv[1]);
   MakeRapidVoltageChanges(argv[1]);
   MakeSessions(argv[1]);
   return 0;

@@ -32,6 +32,10 @@ class RecordBytes {
   RecordBytes& Set(const std::string& path, double value);
   RecordBytes& SetTime(const std::string& path, const DateTimeRecord& time);
   RecordBytes& SetText(const std::string& path, const std::string& text);
+  // For spectra: the array from its start.
+  RecordBytes& SetFloats(const std::string& path, const std::vector<double>& values);
+  // For counts, which no element shows.
+  RecordBytes& PutCount(uint32_t offset, int32_t count);
   // Every float of the record without a value until it is set.
   RecordBytes& ClearFloats();
   // For spectra: float `index` of the array.
@@ -61,6 +65,10 @@ class RecordingFile {
 UifParams NetworkSettings();
 
 // One function a record type; each writes its recordings into the folder.
+void MakeGeneral(const std::string& folder);
+void MakeVoltageQuality(const std::string& folder);
+void MakeSettingsOnly(const std::string& folder);
+void MakeAverages(const std::string& folder);
 void MakeRapidVoltageChanges(const std::string& folder);
 void MakeSessions(const std::string& folder);
 
