@@ -67,7 +67,7 @@ Model& Model::Spectrum(const std::string& name, const std::string& phase, uint32
   }
   std::vector<char> base64(floats.size() * 6);
   char* end = Base64Encode(reinterpret_cast<const uint8_t*>(floats.data()),
-                                 static_cast<uint32_t>(floats.size() * 4), base64.data());
+                           static_cast<uint32_t>(floats.size() * 4), base64.data());
   Open(name, phase);
   text.append(base64.data(), end);
   return Close(name);
