@@ -8,13 +8,19 @@ namespace {
 
 struct Layout {
   uint32_t interval, size;
-  bool rms;
-  uint32_t thd, spectra, orders, pst;
+  const char *components, *outline;  // 1, 2 and 3 stand for the names of the voltages
 };
-constexpr Layout kLayouts[] = {{600, 536, false, 16, 28, 41, 520},
-                               {900, 248, true, 28, 40, 16, 232},
-                               {0, 544, true, 28, 40, 41, 532},
-                               {60, 544, true, 28, 40, 41, 532}};
+constexpr Layout kLayouts[] = {
+    {600, 536, "2199023255551",
+     "U[1]{ thd:16 Pst:520 } U[2]{ thd:20 Pst:524 } U[3]{ thd:24 Pst:528 } } "
+     "HARMONICS_U{ @HARM_U/41,1,1 1h:28 2h:192 3h:356 }"},
+    {900, 248, "65535",
+     "U[1]{ rms:16 thd:28 Pst:232 } U[2]{ rms:20 thd:32 Pst:236 } U[3]{ rms:24 thd:36 Pst:240 } } "
+     "HARMONICS_U{ @HARM_U/16,1,1 1h:40 2h:104 3h:168 }"},
+    {60, 544, "2199023255551",
+     "U[1]{ rms:16 thd:28 Pst:532 } U[2]{ rms:20 thd:32 Pst:536 } U[3]{ rms:24 thd:36 Pst:540 } } "
+     "HARMONICS_U{ @HARM_U/41,1,1 1h:40 2h:204 3h:368 }"},
+};
 
 Bytes QualityRecording(const Layout& layout, uint8_t connection, const Bytes& records) {
   Bytes file = HeadOf(16);
@@ -22,32 +28,29 @@ Bytes QualityRecording(const Layout& layout, uint8_t connection, const Bytes& re
   return file;
 }
 
+// "1h:40" and "[1]" with the voltage's name.
+std::string Named(const std::string& outline, bool lines) {
+  std::string named;
+  for (size_t i = 0; i < outline.size(); ++i) {
+    const char before = i > 0 ? outline[i - 1] : ' ';
+    const bool name = before == '[' || (before == ' ' && outline[i + 1] == 'h');
+    const char* const names[] = {lines ? "u12" : "u1", lines ? "u23" : "u2", lines ? "u31" : "u3"};
+    const bool digit = outline[i] >= '1' && outline[i] <= '3';
+    named += name && digit ? names[outline[i] - '1'] : std::string(1, outline[i]);
+  }
+  return "RECORDS{ RECORD_RESULTS{ LAST_TIME! VOLTAGES{ @rms " + named + " } }";
+}
+
 TEST(VoltageQuality, WholeRecordsOfEachLayoutAndConnection) {
   for (const Layout& layout : kLayouts) {
     const Bytes record = FillRecord(layout.size, {0});
     for (uint8_t connection = 0; connection <= 8; ++connection) {
       const bool lines = connection == 2 || connection == 4 || connection == 7;
-      const char* const names[] = {lines ? "u12" : "u1", lines ? "u23" : "u2",
-                                   lines ? "u31" : "u3"};
-      Model m(record);
-      m.Open("RECORDS").Open("RECORD_RESULTS").Time("LAST_TIME").Open("VOLTAGES");
-      for (uint32_t i = 0; i < 3; ++i) {
-        m.Open("U", names[i]);
-        if (layout.rms) m.List("rms 16", "rms 0", 4 * i);
-        m.List("thd 0", "rms 0", layout.thd + 4 * i).List("Pst 0", "rms 0", layout.pst + 4 * i);
-        m.Close("U");
-      }
-      m.Close("VOLTAGES").Open("HARMONICS_U");
-      for (uint32_t i = 0; i < 3; ++i) {
-        const uint32_t at = layout.spectra + 4 * layout.orders * i;
-        m.Spectrum("HARM_U", std::string(names[i]) + "h", at, layout.orders, 1, 1);
-      }
-      m.Close("HARMONICS_U").Close("RECORD_RESULTS").Close("RECORDS");
       const std::string document = Converted(QualityRecording(layout, connection, record));
-      EXPECT_EQ(m.text, BodyOf(document)) << layout.interval << ", connection " << int{connection};
-      EXPECT_EQ("64", TextAt(document, {"HARM_CONTENT"}));
-      EXPECT_EQ(layout.interval == 900 ? "65535" : "2199023255551",
-                TextAt(document, {"HARM_COMPONENTS"}));
+      EXPECT_EQ(Expected(record, Named(layout.outline, lines)), BodyOf(document))
+          << layout.interval << ", connection " << int{connection};
+      const std::string content = "<HARM_CONTENT>64</HARM_CONTENT>\r\n<HARM_COMPONENTS>";
+      EXPECT_EQ(1u, CountOf(document, content + layout.components + "<"));
     }
   }
   ExpectTruncationIsHarmless(QualityRecording(kLayouts[1], 3, FillRecord(248, {0})));
@@ -62,11 +65,7 @@ int32_t OnProgress(float fraction) {
 TEST(VoltageQuality, EndOfFileProgressAndSettingFile) {
   const Layout& layout = kLayouts[1];
   const auto count = [](const std::string& document) {
-    size_t records = 0;
-    for (size_t at = 0; (at = document.find("<RECORD_RESULTS>", at)) != std::string::npos; ++at) {
-      ++records;
-    }
-    return records;
+    return CountOf(document, "<RECORD_RESULTS>");
   };
   Bytes records(3 * 248 + 247);  // counts as four
   const Bytes file = QualityRecording(layout, 3, records);
@@ -88,7 +87,7 @@ TEST(SettingsOnly, NoRecordsAndNoSettingFile) {
   file.Put<uint32_t>(8 + 844, 1234).PadTo(5000);
   const std::string alone = Converted(file);
   EXPECT_EQ("", BodyOf(alone));
-  EXPECT_EQ("1234", TextAt(alone, {"RECORD_PARAMS", "INTERVAL"}));
+  EXPECT_EQ(1u, CountOf(alone, "<INTERVAL>1234<"));
   const std::string path = InFolder("S0004PAR.REC");
   WriteFile(path, HeadOf(4));
   EXPECT_EQ(alone, Converted(file, nullptr, "S0004SET.REC"));
@@ -97,17 +96,6 @@ TEST(SettingsOnly, NoRecordsAndNoSettingFile) {
 }
 
 constexpr uint32_t kSummary = 7688;
-
-void Power(Model* m, const std::string& name, const std::string& ep, uint32_t at) {
-  m->Open(name).Line("Ep", ep).Line("Eq", "-2.500000E+100");
-  for (const auto& [value, place] : Pairs("P 16, Qc 24, Qi 20, Sn 28, SfundU 32")) {
-    m->Float(value, at + place);
-  }
-  for (const auto& [peak, place] : Pairs("MAX_POWER_1 40, MAX_POWER_2 64, MAX_POWER_3 88")) {
-    m->Open(peak).Float("P", at + place).Time("DATE_TIME").Close(peak);
-  }
-  m->Close(name);
-}
 
 // A summary with other floats for each `seed`.
 Bytes Summary(float seed) {
@@ -126,26 +114,27 @@ Bytes Summary(float seed) {
   return summary;
 }
 
-void SummaryText(Model* m, const std::string& name) {
-  m->Open(name).Whole("NUM", 0);
-  for (const auto& [line, at] : Pairs("L1 8, L2 1928, L3 3848, TN 5768")) {
-    m->Open(line);
-    Power(m, "MOTOR", line == "L1" ? "-" : "1.234500E+03", at + 32);
-    Power(m, "GENERATOR", "1.234500E+03", at + 144);
+std::string SummaryOutline(const std::string& name) {
+  const std::string power =
+      " Eq=-2.500000E+100 @f P:16 Qc:24 Qi:20 Sn:28 SfundU:32 MAX_POWER_1{ P:40 DATE_TIME! } "
+      "MAX_POWER_2{ P:64 DATE_TIME! } MAX_POWER_3{ P:88 DATE_TIME! } } ";
+  std::string outline = name + "{ @4 NUM:0 ", orders;
+  for (uint32_t i = 1; i <= 51; ++i) orders += "avg:" + std::to_string(4 * i) + " ";
+  uint32_t line_at = 8;
+  for (const char* line : {"L1", "L2", "L3", "TN"}) {
+    const auto at = [&](uint32_t place) { return "{ +" + std::to_string(line_at + place) + " "; };
+    outline += line + ("{ MOTOR" + at(32)) + (line_at == 8 ? "Ep=-" : "Ep=1.234500E+03") + power +
+               "GENERATOR" + at(144) + "Ep=1.234500E+03" + power;
     if (name == "REC_AVG") {
-      m->Open("HARMONICS");
-      for (const auto& [spectrum, place] : Pairs("uh 256, uhPr 464, uih 1088, uihPr 1296, ih 672, "
-                                                 "ihPr 880, iih 1504, iihPr 1712")) {
-        m->Open(spectrum);
-        if (spectrum[1] == 'h') m->Float("thd", at + place);
-        for (uint32_t i = 0; i < 51; ++i) m->Float("avg", at + place + 4 + 4 * i);
-        m->Close(spectrum);
-      }
-      m->Close("HARMONICS");
+      const std::string thd = "thd:0 " + orders + "} ";
+      outline += "HARMONICS{ uh" + at(256) + thd + "uhPr" + at(464) + thd + "uih" + at(1088) +
+                 orders + "} uihPr" + at(1296) + orders + "} ih" + at(672) + thd + "ihPr" +
+                 at(880) + thd + "iih" + at(1504) + orders + "} iihPr" + at(1712) + orders + "} } ";
     }
-    m->Close(line);
+    outline += "} ";
+    line_at += 1920;
   }
-  m->Close(name);
+  return outline + "}";
 }
 
 // The file's summaries by number: what a short file lacks is the one before.
@@ -157,14 +146,11 @@ TEST(Averages, WholeDocumentAndShortFiles) {
     std::string expected;
     for (const auto& [name, number] :
          {std::pair{"REC_AVG", shown[0]}, {"REC_AVG_MAX", shown[1]}, {"REC_AVG_LAST", shown[2]}}) {
-      Model m(summaries[number - '0']);
-      SummaryText(&m, name);
-      expected += m.text;
+      expected += Expected(summaries[number - '0'], SummaryOutline(name));
     }
     EXPECT_TRUE(expected == BodyOf(Converted(file))) << present;
   }
-  const std::string empty = BodyOf(Converted(HeadOf(11)));
-  EXPECT_EQ("0.000000E+00", TextAt(empty, {"REC_AVG_LAST", "TN", "GENERATOR", "P"}));
+  EXPECT_EQ(3u, CountOf(Converted(HeadOf(11)), "<TN>\r\n<MOTOR>\r\n<Ep>0.000000E+00<"));
   Bytes partial = HeadOf(11);
   ExpectTruncationIsHarmless(partial.PadTo(3072 + 64));
 }
