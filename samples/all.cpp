@@ -3,19 +3,23 @@
 namespace quorvex::samples {
 
 void MakeAll(const std::string& folder) {
-  MakeRapidVoltageChanges(folder);
-  MakeSessions(folder);
-  MakeVoltageEvents(folder);
+  MakeGeneral(folder);
+  MakeSnapshots(folder);
+  MakeChannelReadings(folder);
+  MakeSettingsOnly(folder);
+  MakeWaveformCapture(folder);
+  MakeLiveResults(folder);
   MakeAlarms(folder);
-  MakeEnergyMeter(folder);
+  MakeVoltageEvents(folder);
   MakeSignalling(folder);
+  MakeRapidVoltageChanges(folder);
+  MakeAverages(folder);
   MakeTransients(folder);
   MakeInrush(folder);
-  MakeSnapshots(folder);
-  MakeLiveResults(folder);
-  MakeChannelReadings(folder);
-  MakeWaveformCapture(folder);
+  MakeSessions(folder);
+  MakeVoltageQuality(folder);
   MakeWaveformSeries(folder);
+  MakeEnergyMeter(folder);
 }
 
 }  // namespace quorvex::samples

@@ -178,6 +178,18 @@ RecordBytes& RecordBytes::SetFloat(const std::string& path, uint32_t index, doub
   return *this;
 }
 
+RecordBytes& RecordBytes::SetFloats(const std::string& path, const std::vector<double>& values) {
+  const Found found = Find(table_, 0, 0, path);
+  const bool fits = found.field != nullptr && values.size() * 4 <= found.field->size;
+  if (!fits || found.field->kind != Kind::kSpectrum) Fail("no such array at " + path);
+  uint8_t* to = bytes_.data() + found.offset;
+  for (const double value : values) {
+    Store(to, static_cast<float>(value));
+    to += 4;
+  }
+  return *this;
+}
+
 RecordBytes& RecordBytes::ClearFloats() {
   ClearRows(table_, 0, 0, bytes_.data());
   return *this;

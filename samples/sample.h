@@ -32,6 +32,8 @@ class RecordBytes {
   RecordBytes& Set(const std::string& path, double value);
   RecordBytes& SetTime(const std::string& path, const DateTimeRecord& time);
   RecordBytes& SetText(const std::string& path, const std::string& text);
+  // For spectra: the array from its start.
+  RecordBytes& SetFloats(const std::string& path, const std::vector<double>& values);
   // Every float of the record without a value until it is set.
   RecordBytes& ClearFloats();
   // The count that a repeated row takes from the record.
@@ -65,19 +67,23 @@ class RecordingFile {
 UifParams NetworkSettings();
 
 // One function a record type; each writes its recordings into the folder.
+void MakeGeneral(const std::string& folder);
+void MakeSnapshots(const std::string& folder);
+void MakeChannelReadings(const std::string& folder);
+void MakeSettingsOnly(const std::string& folder);
+void MakeWaveformCapture(const std::string& folder);
+void MakeLiveResults(const std::string& folder);
 void MakeAlarms(const std::string& folder);
 void MakeVoltageEvents(const std::string& folder);
 void MakeSignalling(const std::string& folder);
 void MakeRapidVoltageChanges(const std::string& folder);
+void MakeAverages(const std::string& folder);
 void MakeTransients(const std::string& folder);
 void MakeInrush(const std::string& folder);
 void MakeSessions(const std::string& folder);
-void MakeEnergyMeter(const std::string& folder);
-void MakeSnapshots(const std::string& folder);
-void MakeLiveResults(const std::string& folder);
-void MakeChannelReadings(const std::string& folder);
-void MakeWaveformCapture(const std::string& folder);
+void MakeVoltageQuality(const std::string& folder);
 void MakeWaveformSeries(const std::string& folder);
+void MakeEnergyMeter(const std::string& folder);
 
 // All of them.
 void MakeAll(const std::string& folder);

@@ -1,6 +1,7 @@
 // The fourteen exports.
 #include "quorvex64.h"
 
+#include "api/record_info.h"
 #include "records/recording.h"
 #include "support/memory.h"
 
@@ -53,8 +54,7 @@ int32_t QuorvexGetNumberOfRecords(const char* path) {
 }
 
 void QuorvexGetRecordInfo(const char* path, char* text) {
-  if (path == nullptr || text == nullptr) return;
-  text[0] = '\0';
+  if (path != nullptr && text != nullptr) DescribeRecording(path, text);
 }
 
 void* QuorvexCreateBufHeadParamsToRAM(void) { return Allocate(kHeadParamsBuffer); }

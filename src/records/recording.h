@@ -43,6 +43,13 @@ struct Conversion {
   uint64_t whole_size;
 };
 
+// The layouts of a type whose records have several: the settings choose one for the whole file.
+struct LayoutChoice {
+  const Field* const* layouts;  // every layout that there is
+  uint32_t count;
+  const Field* (*choose)(const UifParams& settings);  // null where these settings name none
+};
+
 // One row of the table of record types. The differences between types are its columns.
 struct RecordType {
   uint32_t type;
@@ -58,6 +65,8 @@ struct RecordType {
   bool progress = false;               // reports progress and can be stopped
   const Field* information = nullptr;  // block behind the settings, written before the list
   uint32_t record_settings_at = 0;     // where a record carries settings of its own, 0: nowhere
+  // In the place of `record`, where there are several layouts.
+  const LayoutChoice* choice = nullptr;
 };
 
 // The type with this number, or null. The table of all types is behind it.

@@ -19,14 +19,15 @@ void ReleaseWorkArea(InstrumentState* area) {
 const InstrumentState* CurrentState() { return current_state; }
 
 ScopedState::ScopedState(const UifParams* settings)
-    : state_(static_cast<InstrumentState*>(Allocate(sizeof(InstrumentState)))) {
+    : state_(static_cast<InstrumentState*>(Allocate(sizeof(InstrumentState)))),
+      outer_(current_state) {
   ValidateSettings(state_, 0);
   if (settings != nullptr) state_->settings = *settings;
   current_state = state_;
 }
 
 ScopedState::~ScopedState() {
-  current_state = nullptr;
+  current_state = outer_;
   ReleaseWorkArea(state_);
 }
 

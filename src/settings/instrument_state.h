@@ -22,6 +22,7 @@ class ScopedState {
 
  private:
   InstrumentState* state_;
+  InstrumentState* outer_;  // a progress callback may ask about another recording
 };
 
 }  // namespace quorvex

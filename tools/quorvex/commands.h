@@ -14,7 +14,8 @@ struct ConvertOptions {
 };
 int Convert(const ConvertOptions& options);
 
-int Info(const std::string& path);
+// `raw` prints the record information line as the library gives it.
+int Info(const std::string& path, bool raw);
 int Count(const std::string& path);
 int Version();
 

@@ -33,6 +33,8 @@ int main(int argc, char** argv) {
   std::string path;
   auto* info_command = app.add_subcommand("info", "Say what a recording is");
   info_command->add_option("FILE", path, "Recording")->required();
+  bool raw = false;
+  info_command->add_flag("--raw", raw, "Only the record information line, as hosts get it");
   auto* count_command = app.add_subcommand("count", "Print the records of a general recording");
   count_command->add_option("FILE", path, "Recording")->required();
   app.add_subcommand("version", "Print the version of the library");
@@ -43,7 +45,7 @@ int main(int argc, char** argv) {
     return app.exit(error) == 0 ? kDone : kUsage;
   }
   if (convert_command->parsed()) return Convert(convert);
-  if (info_command->parsed()) return Info(path);
+  if (info_command->parsed()) return Info(path, raw);
   if (count_command->parsed()) return Count(path);
   return Version();
 }

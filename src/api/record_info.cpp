@@ -1,0 +1,223 @@
+#include "api/record_info.h"
+
+#include <cstring>
+
+#include "api/time_texts.h"
+#include "records/recording.h"
+#include "settings/instrument_state.h"
+#include "settings/setting_file.h"
+#include "settings/value_texts.h"
+#include "support/file.h"
+#include "support/memory.h"
+
+namespace quorvex {
+namespace {
+
+// A recording as far as its head tells.
+struct Head {
+  const char* path;
+  FileHeader header;
+  UifParams settings;
+  bool estimated;   // no setting file: the end follows from the number of records
+  int32_t records;  // where it is estimated
+};
+
+uint32_t SizeOf(const char* path) {
+  Tracked<FileInfo> info;
+  return QueryFileInfo(path, info.get()) == 0 ? info->size : 0;
+}
+
+bool ReadHead(const char* path, Head* head) {
+  File file(path, kOpenRead);
+  if (!file) return false;
+  head->path = path;
+  ReadBytes(file.get(), &head->header, sizeof head->header);
+  ReadBytes(file.get(), &head->settings, kSettingsSize);
+  const bool periodic = head->header.type == 1 || head->header.type == 16;
+  head->estimated = periodic && LoadSettingFile(path, &head->settings) != 0;
+  if (head->estimated) {
+    // Two record sizes for all profiles and for voltage quality too: file lists have always shown
+    // this estimate, however far it is off for the others.
+    constexpr uint32_t kStandardProfile = 2;
+    const int32_t record_size = head->settings.profile == kStandardProfile ? 4608 : 40448;
+    const auto behind_head = static_cast<int32_t>(SizeOf(path) - kHeadSize);
+    head->records = behind_head / record_size;
+  }
+  return true;
+}
+
+void PutTime(const DateTimeRecord& time, BoundedText* to) {
+  to->Put(" '");
+  DateTimeText(time, TimeDetail::kMilliseconds, to);
+  to->Put('\'');
+}
+
+void PutQuoted(const char* text, BoundedText* to) {
+  to->Put(" '");
+  to->Put(text);
+  to->Put('\'');
+}
+
+void PutDuration(uint32_t seconds, BoundedText* to) {
+  to->Put(" '");
+  DurationText(seconds, to);
+  to->Put('\'');
+}
+
+void PutPeriods(uint32_t periods, BoundedText* to) {
+  to->Put(" '");
+  to->PutInteger(static_cast<int32_t>(periods));
+  to->Put(" periods'");
+}
+
+void PutLevel(float level, uint32_t trigger, BoundedText* to) {
+  to->Put(" '");
+  LevelText(level, trigger, to, true);
+  to->Put('\'');
+}
+
+void PutValue(float value, const ValueDescriptor& descriptor, BoundedText* to) {
+  to->Put(" '");
+  const ShownUnit unit = DescribedValueText(static_cast<double>(value), descriptor, to);
+  to->Put(UnitText(unit.code));
+  to->Put('\'');
+}
+
+const char* SlopeText(uint32_t slope) {
+  constexpr const char* kSlopes[] = {"", "Rise", "Fall", "Any"};
+  return slope < 4 ? kSlopes[slope] : "";
+}
+
+void DescribePeriodic(const Head& head, BoundedText* to) {
+  const UifParams& s = head.settings;
+  DateTimeRecord end = s.time_last_packet;
+  if (head.estimated) {
+    end = s.start_time;
+    AddSeconds(&end, static_cast<float>(s.interval * static_cast<uint32_t>(head.records)));
+  }
+  PutTime(s.start_time, to);
+  PutTime(end, to);
+  to->Put(" '");
+  IntervalText(s.interval, to);
+  to->Put('\'');
+}
+
+void DescribeSnapshots(const Head& head, BoundedText* to) {
+  const WaveRecordParams& wave = head.settings.wave;
+  PutTime(wave.start_time, to);
+  PutTime(wave.end_time, to);
+  PutQuoted(TriggerKindText(wave.trigger), to);
+  if (wave.trigger == kTriggerLevelU || wave.trigger == kTriggerLevelI) {
+    PutLevel(wave.level, wave.trigger, to);
+    PutQuoted(SlopeText(wave.slope), to);
+  } else {
+    PutQuoted("-", to);
+    PutQuoted("-", to);
+  }
+  PutDuration(wave.duration, to);
+  PutDuration(wave.pretrigger, to);
+}
+
+void DescribeWaveform(const Head& head, BoundedText* to) {
+  const TransientsParams& transients = head.settings.transients;
+  PutTime(transients.start_time, to);
+  PutTime(transients.end_time, to);
+  PutQuoted(TriggerKindText(transients.trigger), to);
+  PutValue(transients.level_u, kVoltageDescriptor, to);
+  PutValue(transients.env_u, kVoltageDescriptor, to);
+  PutValue(transients.level_un, kVoltageDescriptor, to);
+  PutValue(transients.env_un, kVoltageDescriptor, to);
+  PutValue(transients.level_i, kCurrentDescriptor, to);
+  PutValue(transients.env_i, kCurrentDescriptor, to);
+  PutValue(transients.level_in, kCurrentDescriptor, to);
+  PutValue(transients.env_in, kCurrentDescriptor, to);
+}
+
+void DescribeWaveformSeries(const Head& head, BoundedText* to) {
+  const TransientsParams& transients = head.settings.transients;
+  PutTime(transients.start_time, to);
+  PutTime(transients.end_time, to);
+  PutQuoted(TriggerKindText(transients.trigger), to);
+  if (transients.trigger == kTriggerEnvelope) {
+    PutValue(transients.level, kVoltageDescriptor, to);
+  } else {
+    PutQuoted("-", to);
+  }
+  PutPeriods(transients.duration, to);
+  PutPeriods(transients.pretrigger, to);
+}
+
+void DescribeInrush(const Head& head, BoundedText* to) {
+  const InrushParams& inrush = head.settings.inrush;
+  PutTime(inrush.start_time, to);
+  PutTime(inrush.end_time, to);
+  PutLevel(inrush.level, kTriggerLevelI, to);
+  PutQuoted(SlopeText(inrush.slope), to);
+  PutDuration(inrush.duration, to);
+  PutDuration(inrush.pretrigger, to);
+  to->Put(' ');
+  to->PutInteger(static_cast<int32_t>(head.settings.rand_mark));
+}
+
+// Reads what there is at a position; the rest keeps what it held.
+void ReadAt(const char* path, uint64_t position, void* to, uint32_t count) {
+  File file(path, kOpenRead);
+  if (file && SeekTo(file.get(), position)) ReadBytes(file.get(), to, count);
+}
+
+void DescribeLiveResults(const Head& head, BoundedText* to) {
+  constexpr uint64_t kTimeAt = kHeadSize + 78528;
+  DateTimeRecord start{};
+  ReadAt(head.path, kTimeAt, &start, sizeof start);
+  PutTime(start, to);
+}
+
+void DescribeEnergyMeter(const Head& head, BoundedText* to) {
+  struct {
+    DateTimeRecord start, end;
+  } record{};
+  constexpr uint32_t kRecordSize = 144;
+  const uint32_t count = (SizeOf(head.path) - kHeadSize) / kRecordSize;
+  ReadAt(head.path, kHeadSize, &record, sizeof record);
+  PutTime(record.start, to);
+  // A file without a whole record leaves the first one's end standing.
+  ReadAt(head.path, kHeadSize + uint64_t{count - 1} * kRecordSize, &record, sizeof record);
+  PutTime(record.end, to);
+}
+
+constexpr struct {
+  uint32_t type;
+  void (*describe)(const Head& head, BoundedText* to);
+} kDescriptions[] = {
+    {1, DescribePeriodic},        {2, DescribeSnapshots},    {5, DescribeWaveform},
+    {6, DescribeLiveResults},     {14, DescribeInrush},      {16, DescribePeriodic},
+    {17, DescribeWaveformSeries}, {18, DescribeEnergyMeter},
+};
+
+bool EndsInRec(const char* path) {
+  const char* extension = std::strrchr(path, '.');
+  if (extension == nullptr) return false;
+  const char* wanted = ".REC";
+  for (; *wanted != '\0'; ++wanted, ++extension) {
+    const bool lower = *extension >= 'a' && *extension <= 'z';
+    if ((lower ? *extension - 'a' + 'A' : *extension) != *wanted) return false;
+  }
+  return *extension == '\0';
+}
+
+}  // namespace
+
+void DescribeRecording(const char* path, char* text) {
+  BoundedText to(text, kRecordInfoRoom);
+  if (!EndsInRec(path)) return;
+  Tracked<Head> head;
+  if (!ReadHead(path, head.get())) return;
+  const ScopedState state(head->estimated ? nullptr : &head->settings);
+  for (const auto& description : kDescriptions) {
+    if (description.type != head->header.type) continue;
+    to.PutInteger(static_cast<int32_t>(head->header.type));
+    description.describe(*head, &to);
+  }
+}
+
+}  // namespace quorvex

@@ -1,0 +1,119 @@
+// Type 11: a recording summed up three times, as averages, as maxima and as last values, per line.
+#include <cstring>
+
+#include "records/record_types.h"
+#include "support/memory.h"
+#include "xml/plan.h"
+
+namespace quorvex {
+namespace {
+
+constexpr uint32_t kOrderCount = 51;
+
+constexpr Field kPeakRows[] = {
+    F32("P", 0, "power", "W"),
+    Gap(4, 4),
+    DateTime("DATE_TIME", 8, "time of the peak"),
+};
+// Capacitive power is written before inductive power, but stored behind it.
+constexpr Field kPowerRows[] = {
+    F64("Ep", 0, "active energy", "Wh"),
+    F64("Eq", 8, "reactive energy", "varh"),
+    F32("P", 16, "active power", "W"),
+    F32("Qc", 24, "capacitive reactive power", "var"),
+    F32("Qi", 20, "inductive reactive power", "var"),
+    F32("Sn", 28, "non-fundamental apparent power", "VA"),
+    F32("SfundU", 32, "unbalanced fundamental apparent power", "VA"),
+    Gap(36, 4),
+    Group("MAX_POWER_1", 40, kPeakRows, "largest peak"),
+    Group("MAX_POWER_2", 64, kPeakRows, "second largest peak"),
+    Group("MAX_POWER_3", 88, kPeakRows, "third largest peak"),
+};
+
+constexpr Field kHarmonicRows[] = {
+    F32("thd", 0, "total harmonic distortion"),
+    F32("avg", 4, "average of an order, 0 to 50").Times(kOrderCount),
+};
+// Interharmonics are stored alike, but their distortion is not written.
+constexpr Field kInterharmonicRows[] = {
+    Gap(0, 4),
+    F32("avg", 4, "average of an order, 0 to 50").Times(kOrderCount),
+};
+// The four of harmonics lie before the four of interharmonics, but are written in turn.
+constexpr Field kSpectraRows[] = {
+    Group("uh", 256, kHarmonicRows, "voltage harmonics"),
+    Group("uhPr", 464, kHarmonicRows, "voltage harmonics in percent"),
+    Group("uih", 1088, kInterharmonicRows, "voltage interharmonics"),
+    Group("uihPr", 1296, kInterharmonicRows, "voltage interharmonics in percent"),
+    Group("ih", 672, kHarmonicRows, "current harmonics"),
+    Group("ihPr", 880, kHarmonicRows, "current harmonics in percent"),
+    Group("iih", 1504, kInterharmonicRows, "current interharmonics"),
+    Group("iihPr", 1712, kInterharmonicRows, "current interharmonics in percent"),
+};
+
+constexpr uint32_t kLineSize = 1920;
+constexpr uint32_t kSpectraAt = 256;
+constexpr Field kLineRows[] = {
+    Gap(0, 32),
+    Group("MOTOR", 32, kPowerRows, "energy taken from the network"),
+    Group("GENERATOR", 144, kPowerRows, "energy given to the network"),
+    Group("HARMONICS", kSpectraRows),
+};
+// Maxima and last values have the room for spectra, but nothing in it.
+constexpr Field kLineWithoutSpectraRows[] = {
+    Gap(0, 32),
+    Group("MOTOR", 32, kPowerRows, "energy taken from the network"),
+    Group("GENERATOR", 144, kPowerRows, "energy given to the network"),
+    Gap(kSpectraAt, kLineSize - kSpectraAt),
+};
+
+constexpr uint32_t kSummarySize = 7688;
+constexpr Field kAverageRows[] = {
+    I32("NUM", 0, "values summed up"),
+    Gap(4, 4),
+    Group("L1", 8 + 0 * kLineSize, kLineRows),
+    Group("L2", 8 + 1 * kLineSize, kLineRows),
+    Group("L3", 8 + 2 * kLineSize, kLineRows),
+    Group("TN", 8 + 3 * kLineSize, kLineRows, "total and neutral"),
+};
+constexpr Field kExtremeRows[] = {
+    I32("NUM", 0, "values summed up"),
+    Gap(4, 4),
+    Group("L1", 8 + 0 * kLineSize, kLineWithoutSpectraRows),
+    Group("L2", 8 + 1 * kLineSize, kLineWithoutSpectraRows),
+    Group("L3", 8 + 2 * kLineSize, kLineWithoutSpectraRows),
+    Group("TN", 8 + 3 * kLineSize, kLineWithoutSpectraRows, "total and neutral"),
+};
+
+// The three summaries as one record: there is one of each in a file.
+constexpr uint32_t kSummaries = 3;
+constexpr Field kSummariesRows[] = {
+    Group("REC_AVG", 0 * kSummarySize, kAverageRows, "averages of the recording"),
+    Group("REC_AVG_MAX", 1 * kSummarySize, kExtremeRows, "maxima of the recording"),
+    Group("REC_AVG_LAST", 2 * kSummarySize, kExtremeRows, "last values of the recording"),
+};
+constexpr Field kSummariesRecord = Record("", kSummaries* kSummarySize, kSummariesRows);
+static_assert(Tiles(kSummariesRecord));
+
+// What a summary of a file cut short lacks is taken from the one before.
+void WriteSummaries(const Conversion& c) {
+  Tracked<uint8_t> summaries(kSummariesRecord.size);
+  for (uint32_t i = 0; i < kSummaries; ++i) {
+    uint8_t* summary = summaries.get() + i * kSummarySize;
+    if (i > 0) std::memcpy(summary, summary - kSummarySize, kSummarySize);
+    ReadBytes(c.input, summary, kSummarySize);
+  }
+  RenderOnce(c.document, kSummariesRecord, CaseOf(c.settings), summaries.get());
+}
+
+}  // namespace
+
+const RecordType kAverages = {
+    .type = 11,
+    .name = "averages",
+    .list = nullptr,
+    .record = &kSummariesRecord,
+    .write = WriteSummaries,
+};
+
+}  // namespace quorvex

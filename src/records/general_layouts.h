@@ -1,0 +1,286 @@
+// The three layouts of a general record. The recording profile decides how much of an interval the
+// instrument keeps.
+#pragma once
+
+#include "records/power_groups.h"
+#include "records/result_groups.h"
+
+namespace quorvex {
+
+inline constexpr Field kIntervalRows[] = {
+    Gap(0, 24),
+    DateTime("START_TIME", 24, "start of the interval"),
+    Gap(40, 16),
+    DateTime("LAST_TIME", 56, "end of the interval"),
+};
+
+// Full: statistics of every quantity, spectra and interharmonics.
+
+constexpr uint32_t kFrequencyCountAt = 1936;
+constexpr uint32_t kMostFrequencies = 750;
+inline constexpr Field kFrequencyValueRows[] = {
+    F32("freq", 1940, "frequency over 10 s", "Hz"),
+    I32("flag", 4940, "validity flag"),
+};
+inline constexpr Field kFrequencyValuesRows[] = {
+    Each("", 0, kMostFrequencies, 4, kFrequencyValueRows).CountAt(kFrequencyCountAt),
+};
+inline constexpr Field kFrequencyListRows[] = {
+    DateTime("timeFirst", 1920, "time of the first value"),
+    Group("freqs", kFrequencyValuesRows),
+};
+// Once or, where nothing was counted, not at all.
+inline constexpr Field kTenSecondFrequencyRows[] = {
+    Each("", 0, 1, 0, kFrequencyListRows).CountAt(kFrequencyCountAt),
+};
+
+inline constexpr Field kThreePhasePowersRows[] = {
+    PhasePower("p1", 0 * kPhasePowerSize),
+    PhasePower("p2", 1 * kPhasePowerSize),
+    PhasePower("p3", 2 * kPhasePowerSize),
+};
+
+// Phase voltages lie before currents, line-to-line voltages behind them; they are written in one
+// list.
+constexpr uint32_t VoltageSpectrum(uint32_t at, uint32_t index) {
+  return at + index * kVoltageSpectrumSize;
+}
+inline constexpr Field kVoltageHarmonicsRows[] = {
+    VoltageHarmonics("u1h", VoltageSpectrum(12216, 0)),
+    VoltageHarmonics("u2h", VoltageSpectrum(12216, 1)),
+    VoltageHarmonics("u3h", VoltageSpectrum(12216, 2)),
+    VoltageHarmonics("unh", VoltageSpectrum(12216, 3)),
+    VoltageHarmonics("u1hPr", VoltageSpectrum(12216, 4)),
+    VoltageHarmonics("u2hPr", VoltageSpectrum(12216, 5)),
+    VoltageHarmonics("u3hPr", VoltageSpectrum(12216, 6)),
+    VoltageHarmonics("unhPr", VoltageSpectrum(12216, 7)),
+    VoltageHarmonics("u12h", VoltageSpectrum(22008, 0)),
+    VoltageHarmonics("u23h", VoltageSpectrum(22008, 1)),
+    VoltageHarmonics("u31h", VoltageSpectrum(22008, 2)),
+    VoltageHarmonics("u12hPr", VoltageSpectrum(22008, 3)),
+    VoltageHarmonics("u23hPr", VoltageSpectrum(22008, 4)),
+    VoltageHarmonics("u31hPr", VoltageSpectrum(22008, 5)),
+};
+// Unlike harmonics, interharmonics come with the line-to-line voltages inside each half.
+inline constexpr Field kVoltageInterharmonicsRows[] = {
+    VoltageInterharmonics("u1ih", VoltageSpectrum(24456, 0)),
+    VoltageInterharmonics("u2ih", VoltageSpectrum(24456, 1)),
+    VoltageInterharmonics("u3ih", VoltageSpectrum(24456, 2)),
+    VoltageInterharmonics("unih", VoltageSpectrum(24456, 3)),
+    VoltageInterharmonics("u12ih", VoltageSpectrum(34248, 0)),
+    VoltageInterharmonics("u23ih", VoltageSpectrum(34248, 1)),
+    VoltageInterharmonics("u31ih", VoltageSpectrum(34248, 2)),
+    VoltageInterharmonics("u1ihPr", VoltageSpectrum(24456, 4)),
+    VoltageInterharmonics("u2ihPr", VoltageSpectrum(24456, 5)),
+    VoltageInterharmonics("u3ihPr", VoltageSpectrum(24456, 6)),
+    VoltageInterharmonics("unihPr", VoltageSpectrum(24456, 7)),
+    VoltageInterharmonics("u12ihPr", VoltageSpectrum(34248, 3)),
+    VoltageInterharmonics("u23ihPr", VoltageSpectrum(34248, 4)),
+    VoltageInterharmonics("u31ihPr", VoltageSpectrum(34248, 5)),
+};
+inline constexpr Field kCurrentHarmonicsRows[] = {
+    CurrentHarmonics("i1h", 0 * kCurrentSpectrumSize),
+    CurrentHarmonics("i2h", 1 * kCurrentSpectrumSize),
+    CurrentHarmonics("i3h", 2 * kCurrentSpectrumSize),
+    CurrentHarmonics("inh", 3 * kCurrentSpectrumSize),
+    CurrentHarmonics("i1hPr", 4 * kCurrentSpectrumSize),
+    CurrentHarmonics("i2hPr", 5 * kCurrentSpectrumSize),
+    CurrentHarmonics("i3hPr", 6 * kCurrentSpectrumSize),
+    CurrentHarmonics("inhPr", 7 * kCurrentSpectrumSize),
+};
+inline constexpr Field kCurrentInterharmonicsRows[] = {
+    CurrentInterharmonics("i1ih", 0 * kCurrentSpectrumSize),
+    CurrentInterharmonics("i2ih", 1 * kCurrentSpectrumSize),
+    CurrentInterharmonics("i3ih", 2 * kCurrentSpectrumSize),
+    CurrentInterharmonics("inih", 3 * kCurrentSpectrumSize),
+    CurrentInterharmonics("i1ihPr", 4 * kCurrentSpectrumSize),
+    CurrentInterharmonics("i2ihPr", 5 * kCurrentSpectrumSize),
+    CurrentInterharmonics("i3ihPr", 6 * kCurrentSpectrumSize),
+    CurrentInterharmonics("inihPr", 7 * kCurrentSpectrumSize),
+};
+// Per line the positive array, then the negative one.
+inline constexpr Field kPowerHarmonicsRows[] = {
+    PowerHarmonics("powerHarmL1", 0 * kVoltageSpectrumSize),
+    PowerHarmonics("powerHarmL2", 2 * kVoltageSpectrumSize),
+    PowerHarmonics("powerHarmL3", 4 * kVoltageSpectrumSize),
+    PowerHarmonics("powerHarmN", 6 * kVoltageSpectrumSize),
+};
+
+constexpr uint32_t kFullPhasePowersAt = 7944;
+inline constexpr Field kFullInverterRows[] = {
+    Rows(36732, kInverterRows),
+    Group("ENERGY", kFullPhasePowersAt + kPhasePowerSize + kPhaseEnergyAt, kInverterEnergyRows),
+};
+
+inline constexpr Field kFullRows[] = {
+    Rows(0, kIntervalRows),
+    Group("VOLTAGES", 72, kSevenVoltagesRows),
+    Group("CURRENTS", 1332, kFourCurrentsRows),
+    Rows(1844, kFrequenciesRows),
+    Gap(1916, 4),
+    Gap(kFrequencyCountAt, 4),
+    Group("freq10s", kTenSecondFrequencyRows, "frequency every 10 s"),
+    Gap(7940, 4),
+    Group("zero_crossings", 12208, kZeroCrossingsRows),
+    Gap(12212, 4),
+    Group("PHASE_POWERS", kFullPhasePowersAt, kThreePhasePowersRows),
+    Group("pt", 10440, kTotalPowerRows, "powers of the whole system"),
+    Group("HARMONICS_U", kVoltageHarmonicsRows, "voltage harmonics"),
+    Group("HARMONICS_I", 15480, kCurrentHarmonicsRows, "current harmonics"),
+    Group("INTER_HARMONICS_U", kVoltageInterharmonicsRows, "voltage interharmonics").In(kFullLists),
+    Group("INTER_HARMONICS_I", 27720, kCurrentInterharmonicsRows, "current interharmonics")
+        .In(kFullLists),
+    Group("POWER_HARMONICS_P", 37032, kPowerHarmonicsRows, "harmonic powers consumed"),
+    Group("POWER_HARMONICS_M", 37032 + kVoltageSpectrumSize, kPowerHarmonicsRows,
+          "harmonic powers generated"),
+    Group("sym", 12016, kSymmetryRows, "symmetrical components"),
+    Quantity("temperature", 12196, kMinMaxAvgRows, "temperature of the instrument"),
+    Quantity("tempBattery", 36704, kMinMaxAvgRows, "temperature of the battery"),
+    Quantity("voltBattery", 36716, kMinMaxRmsRows, "voltage of the battery", "V"),
+    FlagWord("flag", 36696, "flags of the interval"),
+    Gap(36700, 4),
+    Gap(36728, 4),
+    Group("inverter", kFullInverterRows, "results of an inverter").In(Connections({6, 7})),
+    Gap(40296, 152),
+};
+inline constexpr Field kFullRecord = Record("RECORD_RESULTS", 40448, kFullRows, "an interval");
+static_assert(Tiles(kFullRecord));
+
+// Compact: one averaged value a quantity.
+
+template <uint32_t kIndex>
+inline constexpr Field kCompactVoltageRows[] = {
+    OneRms("rms", 72 + 4 * kIndex, "RMS voltage", "V"),
+    OneRms("thdPr", 204 + 4 * kIndex, "total harmonic distortion", "%"),
+    OneRms("Pst", 112 + 12 * kIndex, "short-term flicker"),
+    OneRms("Plt", 116 + 12 * kIndex, "long-term flicker"),
+    OneRms("Pst1m", 120 + 12 * kIndex, "one-minute flicker"),
+};
+inline constexpr Field kCompactVoltagesRows[] = {
+    Group("U", kCompactVoltageRows<0>).Phase("u1"),
+    Group("U", kCompactVoltageRows<1>).Phase("u2"),
+    Group("U", kCompactVoltageRows<2>).Phase("u3"),
+    Group("U", kCompactVoltageRows<3>).Phase("u12"),
+    Group("U", kCompactVoltageRows<4>).Phase("u23"),
+    Group("U", kCompactVoltageRows<5>).Phase("u31"),
+};
+template <uint32_t kIndex>
+inline constexpr Field kCompactCurrentRows[] = {
+    OneRms("rms", 96 + 4 * kIndex, "RMS current", "A"),
+    OneRms("thdPr", 228 + 4 * kIndex, "total harmonic distortion", "%"),
+};
+// The distortion of the neutral current is not kept.
+inline constexpr Field kCompactNeutralRows[] = {
+    OneRms("rms", 108, "RMS current", "A"),
+    Group("thdPr", kNoRmsRows),
+};
+inline constexpr Field kCompactCurrentsRows[] = {
+    Group("I", kCompactCurrentRows<0>).Phase("i1"),
+    Group("I", kCompactCurrentRows<1>).Phase("i2"),
+    Group("I", kCompactCurrentRows<2>).Phase("i3"),
+    Group("I", kCompactNeutralRows).Phase("in"),
+};
+// Stored in the order Qip, Qcm, Qim, Qcp.
+inline constexpr Field kCompactCombinedRows[] = {
+    Quantity("Pp", 240, kAvgRows, "active power", "W"),
+    Quantity("Pm", 244, kAvgRows, "active power", "W"),
+    Quantity("Qip", 248, kAvgRows, "reactive power", "var"),
+    Quantity("Qim", 256, kAvgRows, "reactive power", "var"),
+    Quantity("Qcp", 260, kAvgRows, "reactive power", "var"),
+    Quantity("Qcm", 252, kAvgRows, "reactive power", "var"),
+    Quantity("Se", 264, kAvgRows, "effective apparent power", "VA"),
+    Quantity("PFip_e", 284, kAvgARows, "effective power factor"),
+    Quantity("PFcp_e", 308, kAvgARows, "effective power factor"),
+};
+inline constexpr Field kCompactTotalRows[] = {
+    Group("COMBINED", kCompactCombinedRows, "powers of all frequencies"),
+};
+// A compact array is 25 orders long, but all spectra are written with 51: each runs on into the
+// arrays behind it, on purpose. Readers take the first 25.
+constexpr uint32_t kCompactArray = 100;
+inline constexpr Field kCompactVoltageHarmonicsRows[] = {
+    PlainVoltageHarmonics("u1h", 0 * kCompactArray).RunsOn(kCompactArray),
+    PlainVoltageHarmonics("u2h", 1 * kCompactArray).RunsOn(kCompactArray),
+    PlainVoltageHarmonics("u3h", 2 * kCompactArray).RunsOn(kCompactArray),
+    PlainVoltageHarmonics("u12h", 3 * kCompactArray).RunsOn(kCompactArray),
+    PlainVoltageHarmonics("u23h", 4 * kCompactArray).RunsOn(kCompactArray),
+    PlainVoltageHarmonics("u31h", 5 * kCompactArray).RunsOn(kCompactArray),
+};
+inline constexpr Field kCompactCurrentHarmonicsRows[] = {
+    PlainCurrentHarmonics("i1h", 0 * kCompactArray).RunsOn(kCompactArray),
+    PlainCurrentHarmonics("i2h", 1 * kCompactArray).RunsOn(kCompactArray),
+    PlainCurrentHarmonics("i3h", 2 * kCompactArray).RunsOn(kCompactArray),
+};
+
+inline constexpr Field kCompactRows[] = {
+    Rows(0, kIntervalRows),
+    Group("VOLTAGES", kCompactVoltagesRows),
+    Group("CURRENTS", kCompactCurrentsRows),
+    Gap(184, 12),
+    Quantity("f_200ms", 196, kAvgARows, "frequency over 200 ms", "Hz"),
+    Quantity("f_10s", 200, kAvgARows, "frequency over 10 s", "Hz"),
+    Group("pt", kCompactTotalRows, "powers of the whole system"),
+    Gap(268, 16),
+    Gap(288, 20),
+    Gap(312, 4),
+    Group("HARMONICS_U", 316, kCompactVoltageHarmonicsRows, "voltage harmonics"),
+    Group("HARMONICS_I", 916, kCompactCurrentHarmonicsRows, "current harmonics"),
+    Gap(1216, 320),
+};
+inline constexpr Field kCompactRecord = Record("RECORD_RESULTS", 1536, kCompactRows, "an interval");
+static_assert(Tiles(kCompactRecord));
+
+// Standard: statistics of voltages and currents, averages of powers, plain spectra.
+
+constexpr uint32_t kStandardPhasePowersAt = 1916;
+inline constexpr Field kThreePhaseAveragesRows[] = {
+    PhaseAverages("p1", 0 * kPhaseAveragesSize),
+    PhaseAverages("p2", 1 * kPhaseAveragesSize),
+    PhaseAverages("p3", 2 * kPhaseAveragesSize),
+};
+// Three-wire connections have line-to-line voltages only.
+constexpr Cases kStandardLines = Connections({2, 4});
+constexpr Cases kStandardPhases = NotConnections({2, 4});
+inline constexpr Field kStandardVoltageHarmonicsRows[] = {
+    PlainVoltageHarmonics("u1h", 0 * kPlainSpectrumSize).In(kStandardPhases),
+    PlainVoltageHarmonics("u2h", 1 * kPlainSpectrumSize).In(kStandardPhases),
+    PlainVoltageHarmonics("u3h", 2 * kPlainSpectrumSize).In(kStandardPhases),
+    PlainVoltageHarmonics("u12h", 0 * kPlainSpectrumSize).In(kStandardLines),
+    PlainVoltageHarmonics("u23h", 1 * kPlainSpectrumSize).In(kStandardLines),
+    PlainVoltageHarmonics("u31h", 2 * kPlainSpectrumSize).In(kStandardLines),
+};
+inline constexpr Field kStandardCurrentHarmonicsRows[] = {
+    PlainCurrentHarmonics("i1h", 0 * kPlainSpectrumSize),
+    PlainCurrentHarmonics("i2h", 1 * kPlainSpectrumSize),
+    PlainCurrentHarmonics("i3h", 2 * kPlainSpectrumSize),
+    PlainCurrentHarmonics("inh", 3 * kPlainSpectrumSize),
+};
+inline constexpr Field kStandardInverterRows[] = {
+    Rows(4540, kInverterAveragesRows),
+    Group("ENERGY", kStandardPhasePowersAt + kPhaseAveragesSize + kPhaseAveragesEnergyAt,
+          kInverterEnergyRows),
+};
+
+inline constexpr Field kStandardRows[] = {
+    Rows(0, kIntervalRows),
+    Group("VOLTAGES", 72, kSevenVoltagesRows),
+    Group("CURRENTS", 1332, kFourCurrentsRows),
+    Rows(1844, kFrequenciesRows),
+    Group("zero_crossings", 3096, kZeroCrossingsRows),
+    Gap(3100, 4),
+    Group("PHASE_POWERS", kStandardPhasePowersAt, kThreePhaseAveragesRows),
+    Group("pt", 2516, kTotalAveragesRows, "powers of the whole system"),
+    Group("HARMONICS_U", 3104, kStandardVoltageHarmonicsRows, "voltage harmonics"),
+    Group("HARMONICS_I", 3716, kStandardCurrentHarmonicsRows, "current harmonics"),
+    Group("sym", 2904, kSymmetryRows, "symmetrical components"),
+    Quantity("temperature", 3084, kMinMaxAvgRows, "temperature of the instrument"),
+    FlagWord("flag", 4532, "flags of the interval"),
+    Gap(4536, 4),
+    Group("inverter", kStandardInverterRows, "results of an inverter").In(Connections({6, 7})),
+    Gap(4596, 12),
+};
+inline constexpr Field kStandardRecord =
+    Record("RECORD_RESULTS", 4608, kStandardRows, "an interval");
+static_assert(Tiles(kStandardRecord));
+
+}  // namespace quorvex

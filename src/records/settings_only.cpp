@@ -1,0 +1,16 @@
+// Type 4: the instrument's settings and nothing else. They come from the file alone, and there is
+// not even an empty list of records.
+#include "records/record_types.h"
+
+namespace quorvex {
+
+const RecordType kSettingsOnly = {
+    .type = 4,
+    .name = "settings",
+    .list = nullptr,
+    .record = nullptr,
+    .write = nullptr,
+    .state = true,
+};
+
+}  // namespace quorvex

@@ -1,0 +1,141 @@
+// Type 16: voltage quality, an interval a record: RMS, distortion, flicker and the spectrum of
+// three voltages. How much is kept depends on the recording interval.
+#include <iterator>
+
+#include "records/record_types.h"
+#include "records/result_groups.h"
+#include "support/memory.h"
+#include "xml/number_text.h"
+#include "xml/plan.h"
+
+namespace quorvex {
+namespace {
+
+// Unlike in general records an inverter at a three-phase network (7) is line-to-line here.
+constexpr Cases kLines = Connections({2, 4, 7});
+constexpr Cases kPhases = NotConnections({2, 4, 7});
+
+// Quantities lie in arrays of three, at these offsets.
+template <uint32_t kIndex, uint32_t kPst>
+constexpr Field kVoltageRmsRows[] = {
+    OneRms("rms", 16 + 4 * kIndex, "RMS voltage", "V"),
+    OneRms("thd", 28 + 4 * kIndex, "total harmonic distortion"),
+    OneRms("Pst", kPst + 4 * kIndex, "short-term flicker"),
+};
+template <uint32_t kIndex, uint32_t kPst>
+constexpr Field kVoltageThdRows[] = {
+    OneRms("thd", 16 + 4 * kIndex, "total harmonic distortion"),
+    OneRms("Pst", kPst + 4 * kIndex, "short-term flicker"),
+};
+
+template <size_t N>
+constexpr Field PhaseOrLine(const char* phase, const Field (&rows)[N], Cases cases) {
+  return Group("U", rows, "results of a voltage").Phase(phase).In(cases);
+}
+template <uint32_t kPst>
+constexpr Field kVoltagesRmsRows[] = {
+    PhaseOrLine("u1", kVoltageRmsRows<0, kPst>, kPhases),
+    PhaseOrLine("u2", kVoltageRmsRows<1, kPst>, kPhases),
+    PhaseOrLine("u3", kVoltageRmsRows<2, kPst>, kPhases),
+    PhaseOrLine("u12", kVoltageRmsRows<0, kPst>, kLines),
+    PhaseOrLine("u23", kVoltageRmsRows<1, kPst>, kLines),
+    PhaseOrLine("u31", kVoltageRmsRows<2, kPst>, kLines),
+};
+template <uint32_t kPst>
+constexpr Field kVoltagesThdRows[] = {
+    PhaseOrLine("u1", kVoltageThdRows<0, kPst>, kPhases),
+    PhaseOrLine("u2", kVoltageThdRows<1, kPst>, kPhases),
+    PhaseOrLine("u3", kVoltageThdRows<2, kPst>, kPhases),
+    PhaseOrLine("u12", kVoltageThdRows<0, kPst>, kLines),
+    PhaseOrLine("u23", kVoltageThdRows<1, kPst>, kLines),
+    PhaseOrLine("u31", kVoltageThdRows<2, kPst>, kLines),
+};
+template <uint32_t kOrderCount>
+constexpr Field kSpectraRows[] = {
+    PlainVoltageHarmonics("u1h", 0, kOrderCount).In(kPhases),
+    PlainVoltageHarmonics("u2h", 4 * kOrderCount, kOrderCount).In(kPhases),
+    PlainVoltageHarmonics("u3h", 8 * kOrderCount, kOrderCount).In(kPhases),
+    PlainVoltageHarmonics("u12h", 0, kOrderCount).In(kLines),
+    PlainVoltageHarmonics("u23h", 4 * kOrderCount, kOrderCount).In(kLines),
+    PlainVoltageHarmonics("u31h", 8 * kOrderCount, kOrderCount).In(kLines),
+};
+
+constexpr uint32_t kOrders40 = 41;
+constexpr uint32_t kOrders15 = 16;
+
+constexpr Field kOtherIntervalRows[] = {
+    DateTime("LAST_TIME", 0, "end of the interval"),
+    Group("VOLTAGES", kVoltagesRmsRows<532>),
+    Group("HARMONICS_U", 40, kSpectraRows<kOrders40>, "voltage harmonics"),
+};
+constexpr Field kOtherInterval = Record("RECORD_RESULTS", 544, kOtherIntervalRows, "an interval");
+static_assert(Tiles(kOtherInterval));
+
+constexpr Field kQuarterHourRows[] = {
+    DateTime("LAST_TIME", 0, "end of the interval"),
+    Group("VOLTAGES", kVoltagesRmsRows<232>),
+    Group("HARMONICS_U", 40, kSpectraRows<kOrders15>, "voltage harmonics"),
+    Gap(244, 4),
+};
+constexpr Field kQuarterHour = Record("RECORD_RESULTS", 248, kQuarterHourRows, "an interval");
+static_assert(Tiles(kQuarterHour));
+
+// No RMS voltage is kept here: the first array is the distortion.
+constexpr Field kTenMinutesRows[] = {
+    DateTime("LAST_TIME", 0, "end of the interval"),
+    Group("VOLTAGES", kVoltagesThdRows<520>),
+    Group("HARMONICS_U", 28, kSpectraRows<kOrders40>, "voltage harmonics"),
+    Gap(532, 4),
+};
+constexpr Field kTenMinutes = Record("RECORD_RESULTS", 536, kTenMinutesRows, "an interval");
+static_assert(Tiles(kTenMinutes));
+
+constexpr const Field* kLayouts[] = {&kOtherInterval, &kTenMinutes, &kQuarterHour};
+
+const Field* ChooseByInterval(const UifParams& settings) {
+  switch (settings.interval) {
+    case 600:
+      return &kTenMinutes;
+    case 900:
+      return &kQuarterHour;
+    default:
+      return &kOtherInterval;
+  }
+}
+
+constexpr LayoutChoice kChoice = {kLayouts, std::size(kLayouts), ChooseByInterval};
+
+void WriteIntervals(const Conversion& c) {
+  const Field& layout = *ChooseByInterval(c.settings);
+  const float behind_head = static_cast<float>(static_cast<int64_t>(c.size) - kHeadSize);
+  const int32_t expected = TruncateToInt(behind_head / static_cast<float>(layout.size) + 0.5f);
+  const Plan plan(layout, CaseOf(c.settings));
+  Tracked<uint8_t> record(layout.size);
+  int32_t done = 0;
+  do {
+    if (ReadBytes(c.input, record.get(), layout.size) != layout.size) return;
+    plan.Render(c.document, record.get());
+    ++done;
+    if (c.request.progress != nullptr) {
+      const float fraction = static_cast<float>(done) / static_cast<float>(expected);
+      if (c.request.progress(fraction) < 0) return;
+    }
+  } while (done <= expected);
+}
+
+}  // namespace
+
+const RecordType kVoltageQuality = {
+    .type = 16,
+    .name = "voltage quality",
+    .list = "RECORDS",
+    .record = nullptr,
+    .write = WriteIntervals,
+    .companion = true,
+    .state = true,
+    .harmonics_flag = true,
+    .progress = true,
+    .choice = &kChoice,
+};
+
+}  // namespace quorvex

@@ -1,0 +1,108 @@
+// Texts of numbers against the C library, which is slower but has been right for longer.
+#include "xml/number_text.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <random>
+
+namespace quorvex::test {
+namespace {
+
+// "%E" in the form that both platforms share: no sign of a library's own for what is no number.
+std::string Expected(double value) {
+  if (std::isnan(value)) return std::signbit(value) ? "-NAN" : "NAN";
+  char text[64];
+  std::snprintf(text, sizeof text, "%E", value);
+  return text;
+}
+
+uint64_t wrong = 0;
+
+void Check(uint32_t bits) {
+  const auto value = std::bit_cast<float>(bits);
+  char text[kLongestNumber];
+  const std::string got(text, FloatText(value, text));
+  const std::string want = value == kNoValue ? "-" : Expected(static_cast<double>(value));
+  if (got != want && ++wrong < 20)
+    ADD_FAILURE() << std::hex << bits << ": " << got << " not " << want;
+}
+
+TEST(NumberText, FloatsOfEveryExponent) {
+  wrong = 0;
+  for (uint32_t sign_and_exponent = 0; sign_and_exponent < 512; ++sign_and_exponent) {
+    for (uint32_t shift = 0; shift < 23; ++shift) {
+      for (const uint32_t mantissa :
+           {0u, 1u << shift, (2u << shift) - 1, 0x7FFFFFu & ~(1u << shift)}) {
+        Check(sign_and_exponent << 23 | mantissa);
+      }
+    }
+  }
+  EXPECT_EQ(0u, wrong);
+}
+
+// A float lies halfway between two texts where its eighth digit is a 5 and nothing follows: with k
+// the decimal exponent these are the odd multiples of 2^(k-7), and of 5 where k is 7. There are no
+// others, as larger floats are multiples of too many twos.
+TEST(NumberText, Ties) {
+  wrong = 0;
+  uint64_t ties = 0;
+  for (int k = -6; k <= 7; ++k) {
+    const double step = k == 7 ? 5 : std::ldexp(1, k - 7);
+    const double first = std::floor(std::pow(10.0, k) / step / 2) * 2 + 1;
+    for (double odd = first; odd * step < std::pow(10.0, k + 1); odd += 2) {
+      const auto value = static_cast<float>(odd * step);
+      if (static_cast<double>(value) != odd * step) break;  // more digits than a float has
+      Check(std::bit_cast<uint32_t>(value));
+      ++ties;
+    }
+  }
+  EXPECT_GT(ties, 10000000u);
+  EXPECT_EQ(0u, wrong);
+}
+
+TEST(NumberText, RandomFloatsAndDoubles) {
+  wrong = 0;
+  std::mt19937_64 random(20240307);
+  for (int i = 0; i < 3000000; ++i) Check(static_cast<uint32_t>(random()));
+  EXPECT_EQ(0u, wrong);
+  char text[kLongestNumber];
+  for (int i = 0; i < 200000; ++i) {
+    const auto value = std::bit_cast<double>(random());
+    ASSERT_EQ(Expected(value), std::string(text, DoubleText(value, text)));
+  }
+  for (const double value : {0.0, -0.0, 9.9999995, 1e-310, 1e308, HUGE_VAL, 1e99, 1e100, 0.5}) {
+    EXPECT_EQ(Expected(value), std::string(text, DoubleText(value, text)));
+  }
+  EXPECT_EQ("-", std::string(text, DoubleText(kNoValueDouble, text)));
+  EXPECT_EQ("-1.000000E+37", std::string(text, DoubleText(-1e37, text))) << "not the marker";
+}
+
+TEST(NumberText, Seconds) {
+  const struct {
+    double seconds;
+    const char* text;
+  } cases[] = {{5.25, "5.25"},
+               {12.0, "12.0"},
+               {0.0, "0.0"},
+               {7.123456, "7.123456"},
+               {59.9999999, "59.999999"},  // cut, not rounded
+               {0.000001, "0.000001"},
+               {10.5, "10.5"},
+               {-1.5, "-1.-5"},  // the sign of the rest is inside its width
+               {-0.000001, "0.-00001"},
+               {kNoValueDouble, "-"},
+               {NAN, "0.0"},
+               {1e300, "2147483647.0"},
+               {-1e300, "-2147483648.0"}};
+  for (const auto& c : cases) {
+    char text[kLongestNumber];
+    EXPECT_EQ(c.text, std::string(text, SecondsText(c.seconds, text)));
+  }
+}
+
+}  // namespace
+}  // namespace quorvex::test

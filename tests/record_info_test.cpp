@@ -1,0 +1,266 @@
+// The record information line, and the texts that it is made of.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+
+#include "api/time_texts.h"
+#include "settings/instrument_state.h"
+#include "settings/value_texts.h"
+#include "support.h"
+#include "support/memory.h"
+
+namespace quorvex::test {
+namespace {
+
+template <typename Make>
+std::string TextOf(Make make) {
+  char text[128];
+  BoundedText to(text, sizeof text);
+  make(&to);
+  return text;
+}
+
+std::string InfoOf(const Bytes& recording, const std::string& name = "L0001X.REC") {
+  const std::string path = InFolder(name);
+  WriteFile(path, recording);
+  char text[600];
+  std::memset(text, '#', sizeof text);
+  const uint32_t before = TrackedBytes();
+  QuorvexGetRecordInfo(path.c_str(), text);
+  EXPECT_EQ(before, TrackedBytes());
+  EXPECT_EQ('#', text[512]) << "never more than 511 bytes and the terminator";
+  std::remove(path.c_str());
+  return text;
+}
+
+constexpr size_t kSettingsAt = 8;
+Bytes HeadWith(uint32_t type, size_t start_at, size_t end_at) {
+  Bytes head = HeadOf(type);
+  head.PutTime(kSettingsAt + start_at, 2024, 3, 7, 14, 5, 9.1237);
+  return head.PutTime(kSettingsAt + end_at, 2024, 12, 31, 23, 59, 59.9999);
+}
+constexpr char kTimes[] = " '07.Mar.2024 14:05:09.123' '31.Dec.2024 23:59:59.999'";
+
+TEST(RecordInfo, PeriodicRecordings) {
+  const struct {
+    uint32_t type, profile, interval;
+    size_t records_size;
+    const char* end_and_interval;
+  } cases[] = {
+      {1, 0, 600, 6 * 40448, "'07.Mar.2024 15:05:09.123' '10 Min '"},
+      {1, 0, 600, 7 * 40448 - 1, "'07.Mar.2024 15:05:09.123' '10 Min '"},
+      {1, 2, 90, 2 * 4608, "'07.Mar.2024 14:08:09.123' '1 Min 30 s'"},
+      {1, 5, 5, 2 * 4608, "'07.Mar.2024 14:05:09.123' '5 s'"},  // counted as full records
+      {16, 1, 0, 3 * 40448, "'07.Mar.2024 14:05:09.123' ''"},
+      {16, 2, 86400, 25 * 4608, "'01.Apr.2024 14:05:09.123' '1440 Min '"},
+  };
+  for (const auto& c : cases) {
+    Bytes file = HeadWith(c.type, 872, 904);
+    file.Put(kSettingsAt + 976, c.profile).Put(kSettingsAt + 844, c.interval);
+    file.PadTo(3072 + c.records_size);
+    EXPECT_EQ(std::to_string(c.type) + " '07.Mar.2024 14:05:09.123' " + c.end_and_interval,
+              InfoOf(file));
+  }
+  Bytes settings = HeadWith(9, 872, 904);
+  WriteFile(InFolder("L0001PAR.REC"), settings.Put<uint32_t>(kSettingsAt + 844, 61));
+  EXPECT_EQ(std::string("16") + kTimes + " '1 Min 1 s'", InfoOf(HeadOf(16)));
+  EXPECT_EQ("4", InfoOf(HeadOf(4)) + "4") << "a type without a description";
+  std::remove(InFolder("L0001PAR.REC").c_str());
+}
+
+Bytes WithClampAndVoltage(Bytes file) {
+  file.Put(kSettingsAt + 596, 230.0f).Put<uint8_t>(kSettingsAt + 121, 1);
+  return file.Put(kSettingsAt + 128, 10.0f).Put<int32_t>(kSettingsAt + 132, 50);  // 5 A
+}
+
+TEST(RecordInfo, TriggeredRecordings) {
+  Bytes wave = WithClampAndVoltage(HeadWith(2, 1280, 1312));
+  wave.Put(kSettingsAt + 1252, 110.0f).Put<uint32_t>(kSettingsAt + 1256, 2);
+  wave.Put<uint32_t>(kSettingsAt + 1260, 90061).Put<uint32_t>(kSettingsAt + 1264, 0);
+  const std::string durations = " ' 1 days 01 hours 1 Min 1 s' '0 s'";
+  const std::pair<uint32_t, const char*> triggers[] = {{1, " 'Manual' '-' '-'"},
+                                                       {5, " 'Level U' '110.0% (253.0V)' 'Fall'"},
+                                                       {6, " 'Level I' '110.0% (5.500A)' 'Fall'"},
+                                                       {7, " 'Envelope' '-' '-'"},
+                                                       {99, " '' '-' '-'"}};
+  for (const auto& [trigger, text] : triggers) {
+    EXPECT_EQ("2" + (kTimes + std::string(text)) + durations,
+              InfoOf(wave.Put(kSettingsAt + 1244, trigger)));
+  }
+
+  Bytes inrush = WithClampAndVoltage(HeadWith(14, 1032, 1064));
+  inrush.Put(kSettingsAt + 1012, 10.0f).Put<uint32_t>(kSettingsAt + 1016, 4);
+  inrush.Put<uint32_t>(kSettingsAt + 1020, 7200).Put<uint32_t>(kSettingsAt + 1024, 60);
+  inrush.Put<uint32_t>(kSettingsAt + 2444, 0xFFFFFFFF);
+  EXPECT_EQ(std::string("14") + kTimes + " '10.0% (500.0mA)' '' '02 hours ' '1 Min ' -1",
+            InfoOf(inrush));
+
+  Bytes series = HeadWith(17, 1472, 1488);
+  series.Put<uint32_t>(kSettingsAt + 1364, 7).Put(kSettingsAt + 1372, 12.5f);
+  series.Put<uint32_t>(kSettingsAt + 1376, 10).Put<uint32_t>(kSettingsAt + 1380, 2);
+  EXPECT_EQ(std::string("17") + kTimes + " 'Envelope' '12.50V' '10 periods' '2 periods'",
+            InfoOf(series));
+  series.Put<uint32_t>(kSettingsAt + 1364, 5);
+  EXPECT_EQ(std::string("17") + kTimes + " 'Level U' '-' '10 periods' '2 periods'", InfoOf(series));
+
+  // In stored order U, UN, I, IN and the envelopes alike; in the line level and envelope in turn.
+  Bytes capture = HeadWith(5, 1472, 1488);
+  const float levels[] = {400, 0.05f, 12500, kNone, 60, 20, 0.25f, 1e30f};
+  for (size_t i = 0; i < 8; ++i) capture.Put(kSettingsAt + 1404 + 4 * i, levels[i]);
+  EXPECT_EQ(std::string("5") + kTimes +
+                " '' '400.0V' '60.00V' '50.00mV' '20.00V' '12.50kA' '250.0mA' '-' '>999.9kA'",
+            InfoOf(capture));
+}
+
+TEST(RecordInfo, RecordingsWithTimesInTheirRecords) {
+  Bytes live = HeadOf(6);
+  EXPECT_EQ("6 '00.Jan.0000 00:00:00.000'", InfoOf(live));
+  live.PutTime(3072 + 78528, 2024, 3, 7, 14, 5, 9.1237).PadTo(3072 + 79392);
+  EXPECT_EQ("6 '07.Mar.2024 14:05:09.123'", InfoOf(live));
+
+  Bytes meter = HeadOf(18);
+  meter.PutTime(3072, 2024, 3, 7, 14, 5, 9.1237).PutTime(3088, 2024, 12, 31, 23, 59, 59.9999);
+  const std::string first = std::string("18") + kTimes;
+  EXPECT_EQ(first, InfoOf(meter)) << "less than a record: its own end";
+  meter.PutTime(3072 + 144 + 16, 2025, 13, 1, 2, 3, 4).PadTo(3072 + 2 * 144 + 143);
+  EXPECT_EQ("18 '07.Mar.2024 14:05:09.123' '01.Jan.2025 02:03:04.000'", InfoOf(meter));
+}
+
+TEST(RecordInfo, NamesAndDamagedFiles) {
+  const Bytes file = HeadWith(2, 1280, 1312);
+  for (const char* name : {"data.rec", "DATA.REC", "data.Rec"}) {
+    EXPECT_NE("", InfoOf(file, name)) << name;
+  }
+  for (const char* name : {"data.rec.bak", "data", "rec", "data.reco", "data.re"}) {
+    EXPECT_EQ("", InfoOf(file, name)) << name;
+  }
+  char text[512] = "before";
+  QuorvexGetRecordInfo(InFolder("missing.REC").c_str(), text);
+  EXPECT_STREQ("", text);
+  EXPECT_EQ("", InfoOf({1, 0, 0, 0}));
+  for (const uint32_t type : {1u, 2u, 5u, 6u, 14u, 16u, 17u, 18u}) {
+    Bytes damaged(3072, 0xFF);
+    Bytes huge(3072, 0x7E);  // floats of 1e38, doubles of 1e300
+    huge.Put(kSettingsAt + 1244, 6u).Put(4, type);
+    EXPECT_NE("", InfoOf(damaged.Put(4, type)));
+    EXPECT_NE("", InfoOf(huge));
+  }
+}
+
+// What a progress callback may do: ask about another recording.
+TEST(RecordInfo, InsideAConversion) {
+  const std::string path = InFolder("inner.REC");
+  WriteFile(path, WithClampAndVoltage(HeadWith(14, 1032, 1064)));
+  static std::string inner, line;
+  inner = path;
+  Bytes outer = HeadOf(1);
+  outer.Put<uint32_t>(kSettingsAt + 976, 1).PadTo(3072 + 2 * 1536);
+  const std::string document = Converted(outer, [](float) {
+    char text[512];
+    QuorvexGetRecordInfo(inner.c_str(), text);
+    line = text;
+    return 0;
+  });
+  EXPECT_NE(std::string::npos, line.find("(0.000A)"));
+  EXPECT_NE(document.find("<RECORD_RESULTS>"), document.rfind("<RECORD_RESULTS>"));
+}
+
+TEST(TimeTexts, CalendarAndParts) {
+  const struct {
+    int year, month, day;
+    float days;
+    const char* text;
+  } cases[] = {{2024, 2, 28, 1, "29.Feb.2024"},  {2023, 2, 28, 1, "01.Mar.2023"},
+               {2000, 2, 29, 1, "01.Mar.2000"},  {2100, 2, 28, 1, "01.Mar.2100"},
+               {2024, 4, 30, 1, "01.May.2024"},  {2024, 12, 31, 1, "01.Jan.2025"},
+               {2024, 1, 1, 366, "01.Jan.2025"}, {2024, 0, 31, 1, "01.Feb.2024"}};
+  for (const auto& c : cases) {
+    Bytes time;
+    time.PutTime(0, c.year, c.month, c.day, 23, 59, 59.5);
+    auto moved = Load<DateTimeRecord>(time.data());
+    AddSeconds(&moved, 86400 * c.days);
+    const auto text = [&](BoundedText* to) { DateTimeText(moved, TimeDetail::kMinutes, to); };
+    EXPECT_EQ(c.text + std::string(" 23:59"), TextOf(text));
+    EXPECT_EQ(59.5, moved.seconds);
+  }
+  for (const auto& [duration, text] : {std::pair{59u, "59 s"},
+                                       {3605u, "01 hours 5 s"},
+                                       {10 * 86400u, "10 days "},
+                                       {86460u, " 1 days 1 Min "}}) {
+    EXPECT_EQ(text, TextOf([d = duration](BoundedText* to) { DurationText(d, to); }));
+  }
+}
+
+TEST(ValueTexts, EngineeringFormatAndLevels) {
+  const struct {
+    double value;
+    int decimals, exponent;
+  } formats[] = {{230, 1, 0},  {99.9, 2, 0}, {9.9, 3, 0},  {1.0, 1, -3}, {0.02, 2, -3},
+                 {1000, 1, 0}, {20e3, 2, 3}, {1e12, 1, 9}, {0, 3, -9},   {-5, 3, -9}};
+  for (const auto& f : formats) {
+    const EngineeringChoice choice = EngineeringFormat(f.value);
+    EXPECT_EQ(f.decimals, choice.decimals) << f.value;
+    EXPECT_EQ(f.exponent, choice.exponent) << f.value;
+  }
+  UifParams settings{};
+  ClampParams& clamp = settings.clamp[0];
+  clamp = {0, "", 1, {}, 400, 1000, 50, 0, {}, 3, 0, {}, 600, 5, 0, 0};
+  EXPECT_EQ(500, ClampNominalCurrent(clamp));
+  clamp.parallel_feeders = 1;
+  EXPECT_EQ(1500, ClampNominalCurrent(clamp));
+  clamp.trafo = 1;
+  EXPECT_EQ(180000, ClampNominalCurrent(clamp));
+  clamp.type = 2;
+  EXPECT_EQ(24000, ClampNominalCurrent(clamp));
+  settings.nominal_voltage = 20000;
+  const ScopedState state(&settings);
+  const struct {
+    uint32_t trigger;
+    bool percent_first;
+    const char* text;
+  } levels[] = {{5, false, "12.5% (2.50kV)"},
+                {7, true, "12.5% (2.50kV)"},
+                {6, false, "3.000kA (12.5%)"},
+                {6, true, "12.5% (3.000kA)"},
+                {8, true, "12.5%"}};
+  for (const auto& l : levels) {
+    EXPECT_EQ(l.text,
+              TextOf([&](BoundedText* to) { LevelText(12.5f, l.trigger, to, l.percent_first); }));
+  }
+  const char* const texts[][2] = {
+      {"", TriggerKindText(0)},  {"Events & Alarms", TriggerKindText(4)},
+      {"", TriggerKindText(9)},  {"Interval", TriggerKindText(8)},
+      {"\xCE\xA9", UnitText(1)}, {"W/m2", UnitText(38)},
+      {"Gvarh", UnitText(52)},   {"", UnitText(0xFFFFFFFF)}};
+  for (const auto& [expected, text] : texts) EXPECT_STREQ(expected, text);
+}
+
+TEST(ValueTexts, RoundingAndDescribedValues) {
+  const struct {
+    double value;
+    uint32_t decimals;
+    int32_t integer;
+  } rounded[] = {{2.5, 0, 3},          {-2.5, 0, -3},       {0.125, 2, 13}, {3e9, 0, INT32_MAX},
+                 {-3e9, 0, INT32_MIN}, {1, 200, INT32_MAX}, {NAN, 1, 0},    {1e-99, 200, 10}};
+  for (const auto& r : rounded) {
+    int32_t integer = 1;
+    RoundToDigits(r.value, r.decimals, &integer);
+    EXPECT_EQ(r.integer, integer) << r.value;
+  }
+  const std::pair<double, const char*> values[] = {
+      {0, "0.00mV"},         {0.00123, "1.23mV"}, {0.0999949, "99.99mV"},
+      {0.099995, "100.0mV"}, {-0.05, "-50.00mV"}, {0.99996, "1.000V"},
+      {9.9994, "9.999V"},    {230, "230.0V"},     {999.96, "1.000kV"},
+      {-20000, "-20.00kV"},  {999940, "999.9kV"}, {999951, ">999.9kV"},
+      {-1e30, "<-999.9kV"},  {kNone, "-"},        {NAN, "-"},
+      {HUGE_VAL, "-"}};
+  for (const auto& [value, text] : values) {
+    EXPECT_EQ(text, TextOf([v = value](BoundedText* to) {
+                to->Put(UnitText(DescribedValueText(v, kVoltageDescriptor, to).code));
+              }));
+  }
+}
+
+}  // namespace
+}  // namespace quorvex::test
