@@ -24,14 +24,14 @@ constexpr Field Phasor(const char* name, uint32_t at, const char* meaning) {
   return Group(name, at, kPhasorRows, meaning);
 }
 
-inline constexpr Field kEnergyRows[] = {
+inline constexpr Field kMomentaryEnergyRows[] = {
     F64("Ep_p", 0, "active energy, consumed"),    F64("Ep_m", 8, "active energy, generated"),
     F64("Eq_p", 16, "reactive energy, consumed"), F64("Eq_m", 24, "reactive energy, generated"),
     F64("Es_p", 32, "apparent energy, consumed"), F64("Es_m", 40, "apparent energy, generated"),
 };
 
-constexpr uint32_t kPhasePowerSize = 144;
-inline constexpr Field kPhasePowerRows[] = {
+constexpr uint32_t kMomentaryPhasePowerSize = 144;
+inline constexpr Field kMomentaryPhasePowerRows[] = {
     F32("P", 0, "active power", "W"),
     F32("S", 4, "apparent power", "VA"),
     F32("Q", 8, "nonactive power", "var"),
@@ -48,13 +48,13 @@ inline constexpr Field kPhasePowerRows[] = {
     F32("Dh", 60, "harmonic distortion power", "var"),
     F32("HP", 64, "harmonic pollution"),
     Typed("tgF", 68, "tangent of the phase angle"),
-    Rows(80, kEnergyRows),
+    Rows(80, kMomentaryEnergyRows),
     Gap(76, 4),
     Gap(128, 16),
 };
 
-constexpr uint32_t kTotalPowerSize = 208;
-inline constexpr Field kTotalPowerRows[] = {
+constexpr uint32_t kMomentaryTotalPowerSize = 208;
+inline constexpr Field kMomentaryTotalPowerRows[] = {
     F32("P", 0, "active power", "W"),
     F32("Se", 12, "effective apparent power", "VA"),
     F32("Sv", 8, "vector apparent power", "VA"),
@@ -86,18 +86,18 @@ inline constexpr Field kTotalPowerRows[] = {
     F32("DeH", 128, "harmonic distortion power", "var"),
     F32("SeH", 136, "harmonic effective apparent power", "VA"),
     F32("HP", 140, "harmonic pollution"),
-    Rows(152, kEnergyRows),
+    Rows(152, kMomentaryEnergyRows),
     Gap(200, 8),
 };
 
 // The accumulation periods: since the start, the one that runs, the one before.
 inline constexpr Field kTotalsRows[] = {
-    Group("POWER_ENERGY_TOTAL", 0, kTotalPowerRows),
-    Group("POWER_ENERGY_TOTAL_CURRENT", kTotalPowerSize, kTotalPowerRows),
-    Group("POWER_ENERGY_TOTAL_LAST", 2 * kTotalPowerSize, kTotalPowerRows),
+    Group("POWER_ENERGY_TOTAL", 0, kMomentaryTotalPowerRows),
+    Group("POWER_ENERGY_TOTAL_CURRENT", kMomentaryTotalPowerSize, kMomentaryTotalPowerRows),
+    Group("POWER_ENERGY_TOTAL_LAST", 2 * kMomentaryTotalPowerSize, kMomentaryTotalPowerRows),
 };
 
-inline constexpr Field kSymmetryRows[] = {
+inline constexpr Field kMomentarySymmetryRows[] = {
     Phasor("Uo", 0, "zero-sequence voltage"),
     Phasor("Io", 8, "zero-sequence current"),
     Phasor("Up", 16, "positive-sequence voltage"),
@@ -169,9 +169,11 @@ inline constexpr Field kScopesRows[] = {
 
 constexpr uint32_t kChannelPowerAt = 8272;
 inline constexpr Field kChannelPowersRows[] = {
-    Group("POWER_ENERGY", kChannelPowerAt, kPhasePowerRows),
-    Group("POWER_ENERGY_CURRENT", kChannelPowerAt + kPhasePowerSize, kPhasePowerRows),
-    Group("POWER_ENERGY_LAST", kChannelPowerAt + 2 * kPhasePowerSize, kPhasePowerRows),
+    Group("POWER_ENERGY", kChannelPowerAt, kMomentaryPhasePowerRows),
+    Group("POWER_ENERGY_CURRENT", kChannelPowerAt + kMomentaryPhasePowerSize,
+          kMomentaryPhasePowerRows),
+    Group("POWER_ENERGY_LAST", kChannelPowerAt + 2 * kMomentaryPhasePowerSize,
+          kMomentaryPhasePowerRows),
 };
 
 inline constexpr Field kSpectrumRows[] = {F32("v", 0, "an order, 0 to 50").Times(kSpectrumOrders)};

@@ -63,7 +63,7 @@ constexpr Field kLiveResultsRows[] = {
     Group("L23", PositionAt(5), kLiveChannelRows<1>),
     Group("L31", PositionAt(6), kLiveChannelRows<2>),
     Rows(kTotalsAt, kTotalsRows),
-    Group("SYM", 67832, kSymmetryRows),
+    Group("SYM", 67832, kMomentarySymmetryRows),
     Group("RMS12", 67900, kRms12ListRows, "latest half-cycle readings"),
     DateTime("TIME_START", 78528, "time of the first sample"),
     F32("TIME_STEP", 78548, "time between samples", "s"),

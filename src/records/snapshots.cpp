@@ -24,7 +24,7 @@ constexpr Field kRms12ListRows[] = {
 constexpr Field kResultsRows[] = {
     Gap(0, 8),
     Rows(8, kTotalsRows),
-    Group("SYM", 632, kSymmetryRows),
+    Group("SYM", 632, kMomentarySymmetryRows),
     Group("RMS12", kResultsSize, kRms12ListRows, "latest half-cycle readings"),
     F32("TEMP", 696, "instrument temperature", "degC"),
     Gap(700, 124),
