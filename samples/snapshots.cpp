@@ -51,14 +51,17 @@ void SetQuantity(RecordBytes* to, const std::string& at, const std::string& name
   }
   to->Set(at + "CF_" + name, wave.Peak() / rms).Set(at + "PEAK_" + name, wave.Peak());
   to->Set(at + "MAX12_" + name, rms * 1.002).Set(at + "MIN12_" + name, rms * 0.998);
+  const std::string harmonics = at + "HARM_" + name;
+  const std::string interharmonics = at + "INTER_HARM_" + name;
+  const std::string scope = at + "SCOPE_" + name;
+  const auto value = [](const std::string& array, int i) {
+    return array + "/v[" + std::to_string(i) + "]";
+  };
   for (int k = 0; k < kOrders; ++k) {
-    const std::string order = "/v[" + std::to_string(k) + "]";
-    to->Set(at + "HARM_" + name + order, std::abs(wave.order[k]));
-    to->Set(at + "INTER_HARM_" + name + order, 0);
+    to->Set(value(harmonics, k), std::abs(wave.order[k])).Set(value(interharmonics, k), 0);
   }
   for (int i = 0; i < kScopeSamples; ++i) {
-    to->Set(at + "SCOPE_" + name + "/v[" + std::to_string(i) + "]",
-            RawSample(wave.At(i * kTimeStep), scale));
+    to->Set(value(scope, i), RawSample(wave.At(i * kTimeStep), scale));
   }
 }
 

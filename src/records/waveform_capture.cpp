@@ -73,7 +73,8 @@ const char* VoltageLabel(const UifParams& settings, const char* label) {
   static constexpr const char* kPhases[] = {"u1", "u2", "u3"};
   const bool delta = settings.connection == 2 || settings.connection == 4;
   const bool by_phase = static_cast<uint8_t>(settings.transients.select_n_gnd) == 1;
-  return delta && by_phase ? kPhases[ChannelOf(label)] : label;
+  const int channel = ChannelOf(label);
+  return delta && by_phase && channel < kNeutral ? kPhases[channel] : label;
 }
 
 // More samples than the file has bytes are no length but damage.
