@@ -158,6 +158,19 @@ RecordBytes& RecordBytes::SetText(const std::string& path, const std::string& te
   return *this;
 }
 
+RecordBytes& RecordBytes::SetCount(const std::string& path, int32_t count) {
+  const Found found = Find(table_, 0, 0, path);
+  if (found.field == nullptr || found.field->count_from != CountFrom::kRecord) {
+    Fail("no counted element at " + path);
+  }
+  return SetRaw(found.offset - found.field->offset + found.field->count_ref, count);
+}
+
+RecordBytes& RecordBytes::SetRaw(uint32_t at, int32_t value) {
+  Store(bytes_.data() + at, value);
+  return *this;
+}
+
 RecordBytes& RecordBytes::SetFloat(const std::string& path, uint32_t index, double value) {
   const Found found = Find(table_, 0, 0, path);
   if (found.field == nullptr || found.field->kind != Kind::kSpectrum) Fail("no array at " + path);

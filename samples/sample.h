@@ -38,6 +38,10 @@ class RecordBytes {
   RecordBytes& PutCount(uint32_t offset, int32_t count);
   // Every float of the record without a value until it is set.
   RecordBytes& ClearFloats();
+  // The count that a repeated row takes from the record.
+  RecordBytes& SetCount(const std::string& path, int32_t count);
+  // Words that no element shows.
+  RecordBytes& SetRaw(uint32_t at, int32_t value);
   // For spectra: float `index` of the array.
   RecordBytes& SetFloat(const std::string& path, uint32_t index, double value);
 
@@ -69,7 +73,21 @@ void MakeGeneral(const std::string& folder);
 void MakeVoltageQuality(const std::string& folder);
 void MakeSettingsOnly(const std::string& folder);
 void MakeAverages(const std::string& folder);
+void MakeAlarms(const std::string& folder);
+void MakeVoltageEvents(const std::string& folder);
+void MakeSignalling(const std::string& folder);
 void MakeRapidVoltageChanges(const std::string& folder);
+void MakeTransients(const std::string& folder);
+void MakeInrush(const std::string& folder);
 void MakeSessions(const std::string& folder);
+void MakeEnergyMeter(const std::string& folder);
+void MakeSnapshots(const std::string& folder);
+void MakeLiveResults(const std::string& folder);
+void MakeChannelReadings(const std::string& folder);
+void MakeWaveformCapture(const std::string& folder);
+void MakeWaveformSeries(const std::string& folder);
+
+// All of them.
+void MakeAll(const std::string& folder);
 
 }  // namespace quorvex::samples

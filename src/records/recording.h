@@ -72,6 +72,11 @@ struct RecordType {
 // The type with this number, or null. The table of all types is behind it.
 const RecordType* FindRecordType(uint32_t type);
 
+// Event and alarm recordings have a longer head: bytes of the instrument's own stand between the
+// file header and the settings, and a block of information follows.
+constexpr uint32_t kLongSettingsAt = 128;
+constexpr uint32_t kLongHeadSize = kLongSettingsAt + kSettingsSize;
+
 // Reads the first eight bytes of a file. The type is 0 where there are none, and what a file too
 // short for them leaves out keeps its value otherwise.
 void ReadFileHeader(const char* path, FileHeader* header);

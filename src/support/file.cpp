@@ -9,16 +9,16 @@ namespace {
 
 constexpr uint32_t kFullDiskPauseMs = 10;
 
-const char* ModeText(int32_t mode) {
+std::FILE* OpenStream(const char* path, int32_t mode) {
   switch (mode) {
     case kOpenCreate:
-      return "wb";
+      return std::fopen(path, "wb");
     case kOpenAppend:
-      return "ab";
+      return std::fopen(path, "ab");
     case kOpenUpdate:
-      return "rb+";
+      return std::fopen(path, "rb+");
     default:
-      return "rb";
+      return OpenForReading(path);
   }
 }
 
@@ -27,7 +27,7 @@ const char* ModeText(int32_t mode) {
 FileHandle* OpenFile(const char* path, int32_t mode) {
   if (path == nullptr || std::strlen(path) > kMaxPath) return nullptr;
   auto* file = static_cast<FileHandle*>(Allocate(sizeof(FileHandle)));
-  file->stream = std::fopen(path, ModeText(mode));
+  file->stream = OpenStream(path, mode);
   if (file->stream == nullptr) {
     Release(file);
     return nullptr;

@@ -20,7 +20,8 @@ static_assert(sizeof(FileHandle) == 8);
 enum OpenMode : int32_t { kOpenRead = 1, kOpenCreate = 2, kOpenAppend = 3, kOpenUpdate = 4 };
 
 // Opens "wb", "ab" or "rb+" for modes 2, 3 and 4 and "rb" for every other. Null on failure, for a
-// null path and for one longer than kMaxPath.
+// null path and for one longer than kMaxPath, and where something else than a regular file is to be
+// read.
 FileHandle* OpenFile(const char* path, int32_t mode);
 
 // Closes the stream and releases the handle; null is left alone.

@@ -45,6 +45,10 @@ uint64_t WholeSize(const FileInfo& info);
 // Whether two paths lead to one existing file, through links too.
 bool SameFile(const char* first, const char* second);
 
+// Opens a regular file for reading. Null for everything else: a pipe or a device could keep its
+// reader waiting for ever, and cannot be read twice.
+std::FILE* OpenForReading(const char* path);
+
 // Writes up to `count` bytes behind what was written before; returns how many arrived, 0 on
 // failure.
 uint32_t WritePiece(std::FILE* stream, const void* bytes, uint32_t count);

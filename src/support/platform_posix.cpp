@@ -39,6 +39,19 @@ bool SameFile(const char* first, const char* second) {
          a.st_ino == b.st_ino;
 }
 
+std::FILE* OpenForReading(const char* path) {
+  // Without waiting for the other end of a pipe; regular files do not mind.
+  const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (descriptor < 0) return nullptr;
+  struct stat status {};
+  std::FILE* stream = nullptr;
+  if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) {
+    stream = fdopen(descriptor, "rb");
+  }
+  if (stream == nullptr) close(descriptor);
+  return stream;
+}
+
 uint32_t WritePiece(std::FILE* stream, const void* bytes, uint32_t count) {
   const ssize_t written = write(fileno(stream), bytes, count);
   return written > 0 ? static_cast<uint32_t>(written) : 0;

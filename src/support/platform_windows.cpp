@@ -55,6 +55,15 @@ bool SameFile(const char* first, const char* second) {
          a.nFileIndexLow == b.nFileIndexLow;
 }
 
+std::FILE* OpenForReading(const char* path) {
+  std::FILE* stream = std::fopen(path, "rb");
+  if (stream == nullptr) return nullptr;
+  const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
+  if (GetFileType(handle) == FILE_TYPE_DISK) return stream;
+  std::fclose(stream);
+  return nullptr;
+}
+
 uint32_t WritePiece(std::FILE* stream, const void* bytes, uint32_t count) {
   const int written = _write(_fileno(stream), bytes, count);
   return written > 0 ? static_cast<uint32_t>(written) : 0;

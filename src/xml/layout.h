@@ -38,7 +38,7 @@ constexpr Cases kAllCases = 0xFFFF;
 // What a table may need beyond the record's own bytes; rows refer to them by index.
 struct RenderInputs {
   int32_t number[2] = {};
-  float scale[2] = {};
+  float scale[8] = {};
 };
 
 // Writes the text of a kMade row, at most kLongestMadeText bytes; `place` is where the row's group

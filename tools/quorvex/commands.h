@@ -2,13 +2,15 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace quorvex::tool {
 
 struct ConvertOptions {
-  std::string input;
-  std::string output;   // empty: beside the input
-  std::string records;  // "A-B", empty for all
+  std::vector<std::string> inputs;  // recordings, and folders of them
+  std::string output;               // empty: beside each recording; a folder for several
+  std::string records;              // "A-B", empty for all
+  unsigned jobs = 0;                // side by side; 0: as many as there are cores
 };
 int Convert(const ConvertOptions& options);
 

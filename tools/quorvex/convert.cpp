@@ -1,97 +1,111 @@
-// quorvex convert: the document appears under its name only when it is complete.
+// quorvex convert: which recordings, into which documents.
+#include <algorithm>
+#include <cctype>
 #include <cstdio>
-#include <cstring>
+#include <map>
+#include <thread>
 
 #include "commands.h"
-#include "host.h"
-#include "quorvex64.h"
+#include "conversion_jobs.h"
 
 namespace quorvex::tool {
 namespace {
 
-bool ParseRange(const std::string& text, uint32_t* first, uint32_t* last) {
+bool ParseRange(const std::string& text, Range* range) {
   char end = '\0';
-  if (std::sscanf(text.c_str(), "%u-%u%c", first, last, &end) != 2) return false;
-  return text.find_first_not_of("0123456789-") == std::string::npos && *first >= 1 &&
-         *first <= *last;
+  if (std::sscanf(text.c_str(), "%u-%u%c", &range->first, &range->last, &end) != 2) return false;
+  return text.find_first_not_of("0123456789-") == std::string::npos && range->first >= 1 &&
+         range->first <= range->last;
 }
 
-std::string BesideInput(const std::string& input) {
-  std::string output = input;
-  const size_t dot = output.rfind('.');
-  if (dot != std::string::npos) output.resize(dot);
-  return output + ".xml";
+bool IsRecordingName(const std::string& name) {
+  if (name.size() < 4) return false;
+  std::string end = name.substr(name.size() - 4);
+  std::transform(end.begin(), end.end(), end.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+  return end == ".REC";
 }
 
-bool show_progress = false;
-
-int32_t QUORVEX_CALL OnProgress(float fraction) {
-  if (show_progress && fraction >= 0) {
-    constexpr int kWidth = 40;
-    const int done = fraction < 1 ? static_cast<int>(fraction * kWidth) : kWidth;
-    std::fprintf(stderr, "\r[%.*s%*s] %3d%%", done, "########################################",
-                 kWidth - done, "", done * 100 / kWidth);
+// Recordings as named; of folders, every recording below, in the order of names.
+void Gather(const std::string& path, std::vector<std::string>* recordings) {
+  if (!IsFolder(path)) {
+    recordings->push_back(path);
+    return;
   }
-  return Interrupted() ? -1 : 0;
+  for (const std::string& name : NamesIn(path)) {
+    const std::string inside = path + "/" + name;
+    if (IsFolder(inside) || IsRecordingName(name)) Gather(inside, recordings);
+  }
 }
 
-// Tries whether a file can be created, so that a failure has a reason.
-bool CanCreate(const std::string& path) {
-  std::FILE* file = std::fopen(path.c_str(), "wb");
-  if (file == nullptr) return false;
-  std::fclose(file);
-  return true;
+std::string DocumentName(const std::string& input) {
+  const size_t dot = input.rfind('.');
+  return input.substr(0, dot) + ".xml";
+}
+
+std::string NameOnly(const std::string& path) {
+  const size_t slash = path.find_last_of("/\\");
+  return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+void Prepare(Job* job, const std::string& output, std::map<std::string, std::string>* taken) {
+  job->recording = Inspect(job->input);
+  if (job->recording.type == nullptr) {
+    return job->Fail(job->recording.code, job->input, job->recording.problem);
+  }
+  std::string named = output.empty() ? DocumentName(job->input) : output;
+  if (!output.empty() && IsFolder(output)) {
+    named = output + "/" + DocumentName(NameOnly(job->input));
+  }
+  if (IsFolder(named)) return job->Fail(kNoOutput, named, "is a folder");
+  job->output = Resolved(named);
+  if (SameRecording(job->input, job->output)) {
+    return job->Fail(kNoOutput, named, "is the recording itself; it is not overwritten");
+  }
+  const auto [entry, is_new] = taken->emplace(job->output, job->input);
+  if (!is_new && !IsSpecial(job->output)) {
+    job->Fail(kNoOutput, job->input,
+              "its document " + named + " is the one of " + entry->second + " already");
+  }
 }
 
 }  // namespace
 
 int Convert(const ConvertOptions& options) {
-  uint32_t first = 1;
-  uint32_t last = 0xFFFFFFFF;
-  if (!options.records.empty() && !ParseRange(options.records, &first, &last)) {
+  Range range;
+  if (!options.records.empty() && !ParseRange(options.records, &range)) {
     Complain("--records " + options.records, "is no range of records such as 3-5");
     return kUsage;
   }
-  const Recording recording = Inspect(options.input);
-  if (recording.type == nullptr) {
-    Complain(options.input, recording.problem);
-    return recording.code;
+  std::vector<std::string> recordings;
+  for (const std::string& input : options.inputs) {
+    const size_t before = recordings.size();
+    Gather(input, &recordings);
+    if (recordings.size() == before) {
+      Complain(input, "holds no recordings");
+      return kNoInput;
+    }
   }
-  const std::string named = options.output.empty() ? BesideInput(options.input) : options.output;
-  if (IsFolder(named)) {
-    Complain(named, "is a folder; the document needs a file name");
-    return kNoOutput;
+  if (recordings.size() > 1 && !options.output.empty() && !IsFolder(options.output)) {
+    Complain(options.output, "is no folder; several documents need one");
+    return kUsage;
   }
-  const std::string output = Resolved(named);
-  if (SameRecording(options.input, output)) {
-    Complain(output, "is the recording itself; it is not overwritten");
-    return kNoOutput;
-  }
-  // Into a device or a pipe the document goes directly: there is no name to keep clean.
-  const bool direct = IsSpecial(output);
-  const std::string scratch = direct ? output : output + "." + std::to_string(ProcessId()) + "~";
-  if (scratch.size() > kMaxPath) {
-    Complain(output, "the path is too long");
-    return kNoOutput;
-  }
-  if (!direct && !CanCreate(scratch)) {
-    Complain(output, "cannot be written: " + LastError());
-    return kNoOutput;
+  std::deque<Job> jobs;
+  std::map<std::string, std::string> taken;
+  for (const std::string& recording : recordings) {
+    jobs.emplace_back().input = recording;
+    Prepare(&jobs.back(), options.output, &taken);
   }
 
-  CatchInterrupts(direct ? "" : scratch);
-  show_progress = recording.type->progress && ErrorsGoToTerminal();
-  QuorvexConvertPerPartes(options.input.c_str(), scratch.c_str(), first, last, OnProgress);
-  if (show_progress) std::fprintf(stderr, "\r%60s\r", "");
-  if (Interrupted()) {
-    if (!direct) std::remove(scratch.c_str());
-    Complain(options.input, "cancelled");
+  unsigned workers = options.jobs != 0 ? options.jobs : std::thread::hardware_concurrency();
+  workers = std::clamp(workers, 1u, kMostWorkers);
+  workers = static_cast<unsigned>(std::min<size_t>(workers, jobs.size()));
+  if (!RunJobs(&jobs, range, workers)) {
+    std::fprintf(stderr, "quorvex: cancelled\n");
     return kCancelled;
   }
-  if (!direct && !Replace(scratch, output)) {
-    Complain(output, "cannot be written: " + LastError());
-    std::remove(scratch.c_str());
-    return kNoOutput;
+  for (const Job& job : jobs) {
+    if (job.code != kDone) return job.code;
   }
   return kDone;
 }

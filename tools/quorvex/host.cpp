@@ -1,7 +1,9 @@
 #include "host.h"
 
+#include <dirent.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <csignal>
@@ -15,21 +17,26 @@
 #include <io.h>
 #include <process.h>
 #else
+#include <sys/statvfs.h>
 #include <unistd.h>
 #endif
 
 namespace quorvex::tool {
 namespace {
 
+constexpr uint64_t kLittleRoom = 65536;  // less than the library writes at once
+
 std::atomic<bool> interrupted{false};
-char scratch_path[kMaxPath + 1];
+char scratch_paths[kMostWorkers][kMaxPath + 1];
 
 void OnInterrupt(int signal_number) {
-  if (interrupted.exchange(true)) {
-    if (scratch_path[0] != '\0') std::remove(scratch_path);
-    std::_Exit(kCancelled);
-  }
+  if (interrupted.exchange(true)) EndAtOnce();
   std::signal(signal_number, OnInterrupt);
+}
+
+std::string FolderOf(const std::string& path) {
+  const size_t slash = path.find_last_of("/\\");
+  return slash == std::string::npos ? "." : path.substr(0, slash + 1);
 }
 
 Recording Problem(ExitCode code, const std::string& problem) {
@@ -44,6 +51,7 @@ Recording Problem(ExitCode code, const std::string& problem) {
 Recording Inspect(const std::string& path) {
   if (path.size() > kMaxPath) return Problem(kNoInput, "the path is longer than 511 bytes");
   if (IsFolder(path)) return Problem(kNoInput, "is a folder");
+  if (IsSpecial(path)) return Problem(kNoInput, "is no regular file");
   std::FILE* file = std::fopen(path.c_str(), "rb");
   if (file == nullptr) return Problem(kNoInput, LastError());
   Recording recording;
@@ -96,6 +104,12 @@ bool Replace(const std::string& from, const std::string& to) {
   return MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
 }
 
+bool IsDiskFull(const std::string& path) {
+  ULARGE_INTEGER room{};
+  return GetDiskFreeSpaceExA(FolderOf(path).c_str(), &room, nullptr, nullptr) != 0 &&
+         room.QuadPart < kLittleRoom;
+}
+
 uint32_t ProcessId() { return static_cast<uint32_t>(_getpid()); }
 bool ErrorsGoToTerminal() { return _isatty(_fileno(stderr)) != 0; }
 #else
@@ -111,16 +125,45 @@ bool Replace(const std::string& from, const std::string& to) {
   return std::rename(from.c_str(), to.c_str()) == 0;
 }
 
+bool IsDiskFull(const std::string& path) {
+  struct statvfs disk {};
+  return statvfs(FolderOf(path).c_str(), &disk) == 0 &&
+         static_cast<uint64_t>(disk.f_bavail) * disk.f_frsize < kLittleRoom;
+}
+
 uint32_t ProcessId() { return static_cast<uint32_t>(getpid()); }
 bool ErrorsGoToTerminal() { return isatty(fileno(stderr)) != 0; }
 #endif
 
-void CatchInterrupts(const std::string& scratch) {
-  std::snprintf(scratch_path, sizeof scratch_path, "%s", scratch.c_str());
+std::vector<std::string> NamesIn(const std::string& folder) {
+  std::vector<std::string> names;
+  DIR* listing = opendir(folder.c_str());
+  if (listing == nullptr) return names;
+  while (const dirent* entry = readdir(listing)) {
+    const std::string name = entry->d_name;
+    if (name != "." && name != "..") names.push_back(name);
+  }
+  closedir(listing);
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+void CatchInterrupts() {
   std::signal(SIGINT, OnInterrupt);
   std::signal(SIGTERM, OnInterrupt);
 }
 
+void SetScratch(unsigned worker, const std::string& path) {
+  std::snprintf(scratch_paths[worker], sizeof scratch_paths[worker], "%s", path.c_str());
+}
+
 bool Interrupted() { return interrupted; }
+
+void EndAtOnce() {
+  for (const auto& path : scratch_paths) {
+    if (path[0] != '\0') std::remove(path);
+  }
+  std::_Exit(kCancelled);
+}
 
 }  // namespace quorvex::tool

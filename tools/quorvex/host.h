@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "records/recording.h"
 
@@ -46,12 +47,24 @@ std::string Resolved(const std::string& path);
 // Puts `from` in the place of `to`, which may exist.
 bool Replace(const std::string& from, const std::string& to);
 
+// Whether the disk that `path` stands on has no room for the next piece of a document.
+bool IsDiskFull(const std::string& path);
+
 uint32_t ProcessId();
 bool ErrorsGoToTerminal();
 
-// From now on an interrupt only sets the flag that Interrupted() reads. A second one removes
-// `scratch` and ends the process, for conversions that cannot be asked to stop.
-void CatchInterrupts(const std::string& scratch);
+// Names in a folder, sorted, without "." and "..". Empty where it cannot be read.
+std::vector<std::string> NamesIn(const std::string& folder);
+
+// From now on an interrupt only sets the flag that Interrupted() reads; a second one ends at once.
+void CatchInterrupts();
 bool Interrupted();
+
+// Removes the scratch files and ends the process, for conversions that cannot be asked to stop.
+[[noreturn]] void EndAtOnce();
+
+// The file that a worker is writing; empty for none.
+constexpr unsigned kMostWorkers = 64;
+void SetScratch(unsigned worker, const std::string& path);
 
 }  // namespace quorvex::tool

@@ -19,12 +19,17 @@ int main(int argc, char** argv) {
       "  130  cancelled");
 
   ConvertOptions convert;
-  auto* convert_command = app.add_subcommand("convert", "Write the XML document of a recording");
-  convert_command->add_option("FILE", convert.input, "Recording")->required();
+  auto* convert_command = app.add_subcommand("convert", "Write the XML documents of recordings");
+  convert_command
+      ->add_option("FILE", convert.inputs, "Recordings, and folders: every .REC file below them")
+      ->required();
   convert_command->add_option("-o,--output", convert.output,
-                              "Document; beside the recording with the extension .xml by default");
+                              "Document, or a folder for the documents; beside each recording with "
+                              "the extension .xml by default");
   convert_command->add_option("--records", convert.records,
                               "Records A-B of a general recording, counted from 1");
+  convert_command->add_option("-j,--jobs", convert.jobs,
+                              "Conversions side by side; as many as there are cores by default");
   std::string path;
   auto* info_command = app.add_subcommand("info", "Say what a recording is");
   info_command->add_option("FILE", path, "Recording")->required();

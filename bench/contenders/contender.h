@@ -1,0 +1,13 @@
+// What the two contenders share: they walk the tables directly and format with printf.
+#pragma once
+
+#include "support/memory.h"
+#include "xml/element_writer.h"
+#include "xml/layout.h"
+
+namespace quorvex {
+
+// An element whose text stands on a line of its own.
+void TextElement(XmlWriter* writer, const char* name, const char* attributes, const char* text);
+
+}  // namespace quorvex

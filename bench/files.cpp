@@ -1,0 +1,180 @@
+// bench_files [FOLDER [MEGABYTES [ROUNDS]]]: converts large recordings with the library, with the
+// same converters on printf and on libxml2's text writer, and writes the finished document's bytes
+// raw, in turn, and prints medians. FOLDER is where the files go; what a memory file system gives
+// is the steadiest.
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "quorvex64.h"
+#include "sample.h"
+#include "support/loads.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using quorvex::kHeadSize;
+using Convert = decltype(&QuorvexConvert);
+
+[[noreturn]] void Fail(const std::string& what) {
+  std::fprintf(stderr, "bench: %s\n", what.c_str());
+  std::exit(1);
+}
+
+Convert LoadConvert(const char* library) {
+  void* handle = dlopen(library, RTLD_NOW | RTLD_LOCAL);
+  if (handle == nullptr) Fail(dlerror());
+  return reinterpret_cast<Convert>(dlsym(handle, "QuorvexConvert"));
+}
+
+using Bytes = std::vector<char>;
+
+Bytes ReadFile(const fs::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return Bytes(std::istreambuf_iterator<char>(file), {});
+}
+
+void WriteFile(const fs::path& path, const Bytes& bytes) {
+  const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+  constexpr size_t kPiece = 65536;
+  for (size_t at = 0; at < bytes.size(); at += kPiece) {
+    const size_t size = std::min(kPiece, bytes.size() - at);
+    if (write(file, bytes.data() + at, size) != static_cast<ssize_t>(size)) Fail("disk full");
+  }
+  close(file);
+}
+
+// A recording with `copies` times its records; a waveform capture with waveforms that much longer.
+Bytes Multiplied(const Bytes& recording, size_t copies) {
+  constexpr size_t kCaptureLengthAt = 8 + 1440;
+  constexpr size_t kCaptureSlots = 8;
+  Bytes large(recording.begin(), recording.begin() + kHeadSize);
+  const bool capture = recording[4] == 5;
+  const size_t slots = capture ? kCaptureSlots : 1;
+  const size_t slot = (recording.size() - kHeadSize) / slots;
+  large.reserve(kHeadSize + slot * slots * copies);
+  for (size_t s = 0; s < slots; ++s) {
+    const auto from = recording.begin() + static_cast<std::ptrdiff_t>(kHeadSize + s * slot);
+    for (size_t i = 0; i < copies; ++i) {
+      large.insert(large.end(), from, from + static_cast<std::ptrdiff_t>(slot));
+    }
+  }
+  if (capture) {
+    const auto samples = quorvex::Load<int32_t>(recording.data() + kCaptureLengthAt);
+    quorvex::Store(large.data() + kCaptureLengthAt, samples * static_cast<int32_t>(copies));
+  }
+  return large;
+}
+
+double Seconds(const std::function<void()>& work) {
+  const auto start = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+double Median(std::vector<double> values) {
+  std::sort(values.begin(), values.end());
+  return values[values.size() / 2];
+}
+
+// Peak resident memory of the command line converting a file, in MB. Asked while this process is
+// small: a child counts what it was forked from.
+double PeakMemory(const std::string& input, const std::string& output) {
+  const pid_t child = fork();
+  if (child == 0) {
+    execl(QUORVEX_TOOL, "quorvex", "convert", input.c_str(), "-o", output.c_str(), nullptr);
+    _exit(127);
+  }
+  int status = 0;
+  struct rusage usage {};
+  wait4(child, &status, 0, &usage);
+  if (status != 0) Fail("the command line failed on " + input);
+  return static_cast<double>(usage.ru_maxrss) / 1024;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const fs::path folder = fs::path(argc > 1 ? argv[1] : "/dev/shm") / "quorvex-bench";
+  const size_t megabytes = argc > 2 ? std::strtoul(argv[2], nullptr, 10) : 100;
+  const size_t rounds = argc > 3 ? std::strtoul(argv[3], nullptr, 10) : 5;
+  struct {
+    const char* name;
+    Convert convert;
+    std::vector<double> seconds;
+  } contenders[] = {{"library", LoadConvert(QUORVEX_LIBRARY), {}},
+                    {"printf", LoadConvert(PRINTF_LIBRARY), {}},
+                    {"libxml2", LoadConvert(LIBXML2_LIBRARY), {}}};
+
+  fs::remove_all(folder);
+  fs::create_directories(folder);
+  quorvex::samples::MakeAll(folder.string());
+  std::printf(
+      "| recording | document MB | library MB/s | printf MB/s | libxml2 MB/s | raw write MB/s "
+      "| library : printf | library : libxml2 | library's time : raw write's | peak MB |\n"
+      "|---|---|---|---|---|---|---|---|---|---|\n");
+  std::vector<std::string> seen;
+  std::vector<fs::path> samples;
+  for (const auto& entry : fs::directory_iterator(folder)) samples.push_back(entry.path());
+  std::sort(samples.begin(), samples.end());
+  const std::string input = folder / "large.REC";
+  const std::string output = folder / "large.xml";
+  for (const fs::path& sample : samples) {
+    const Bytes recording = ReadFile(sample);
+    const auto type = quorvex::Load<int32_t>(recording.data() + 4);
+    if (type != 1 && type != 2 && type != 5 && type != 10 && type != 16 && type != 17) continue;
+    std::string label = "type " + std::to_string(type);
+    if (type == 1) {
+      label += ", profile " + std::to_string(quorvex::Load<int32_t>(recording.data() + 8 + 976));
+    }
+    if (std::find(seen.begin(), seen.end(), label) != seen.end()) continue;
+    seen.push_back(label);
+
+    contenders[0].convert(sample.c_str(), output.c_str(), nullptr);
+    const size_t copies = megabytes * 1000000 / fs::file_size(output) + 1;
+    WriteFile(input, Multiplied(recording, copies));
+    const double peak = PeakMemory(input, output);
+    contenders[0].convert(input.c_str(), output.c_str(), nullptr);
+    const Bytes document = ReadFile(output);
+    for (auto& contender : contenders) {
+      contender.seconds.clear();
+      contender.convert(input.c_str(), output.c_str(), nullptr);
+      if (ReadFile(output) != document) {
+        Fail(label + ": " + contender.name + " gives another document");
+      }
+    }
+    std::vector<double> raw;
+    for (size_t round = 0; round < rounds; ++round) {
+      for (auto& contender : contenders) {
+        fs::remove(output);
+        contender.seconds.push_back(
+            Seconds([&] { contender.convert(input.c_str(), output.c_str(), nullptr); }));
+      }
+      fs::remove(output);
+      raw.push_back(Seconds([&] { WriteFile(output, document); }));
+    }
+    const double mb = static_cast<double>(document.size()) / 1e6;
+    const double own = Median(contenders[0].seconds);
+    const double printf_time = Median(contenders[1].seconds);
+    const double libxml2_time = Median(contenders[2].seconds);
+    std::printf("| %s | %.0f | %.0f | %.0f | %.0f | %.0f | %.1f | %.1f | %.2f | %.1f |\n",
+                label.c_str(), mb, mb / own, mb / printf_time, mb / libxml2_time, mb / Median(raw),
+                printf_time / own, libxml2_time / own, own / Median(raw), peak);
+    std::fflush(stdout);
+  }
+  fs::remove_all(folder);
+  return 0;
+}

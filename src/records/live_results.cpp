@@ -1,0 +1,105 @@
+// Type 6: one copy of the live results, every channel position of the instrument whatever the
+// connection.
+#include "records/channel_groups.h"
+#include "records/record_types.h"
+#include "records/sample_scales.h"
+#include "support/loads.h"
+#include "support/memory.h"
+#include "xml/plan.h"
+
+namespace quorvex {
+namespace {
+
+constexpr uint32_t kChannelsAt = 8;
+constexpr uint32_t PositionAt(uint32_t position) {
+  return kChannelsAt + position * kChannelBlockSize;
+}
+constexpr uint32_t kNeutralAt = PositionAt(3);
+constexpr uint32_t kTotalsAt = PositionAt(7);
+constexpr uint32_t kFurtherAt = 79392;
+constexpr uint32_t kCheckAt = kFurtherAt + 64;
+constexpr uint32_t kLiveResultsSize = kCheckAt + 60;
+
+constexpr Cases kInverter = Connections({6, 7});
+constexpr Cases kNoInverter = NotConnections({6, 7});
+
+constexpr Field kRms12ListRows[] = {
+    Gap(0, 4),
+    Rms12List(kRms12LongRoom),
+};
+
+// The sequence check came later than its neighbours in the document, not in the record.
+constexpr Field kConnectionCheckRows[] = {
+    I32("Ua", 0),    I32("Ub", 4),    I32("Uc", 8),    I32("Ia", 12),
+    I32("Ib", 16),   I32("Ic", 20),   I32("PhA", 28),  I32("Phb", 32),
+    I32("PhC", 36),  I32("Useq", 24), I32("freq", 40), I32("results", 44, "verdict"),
+    I32("Uinv", 48), I32("Iinv", 52), I32("Pinv", 56),
+};
+
+// Values of an inverter stand in the block of the channel that measures its input: beside what
+// every channel has, in its tail and behind its first energies.
+constexpr Field kInverterRows[] = {
+    F32("Urms", 4, "RMS voltage", "V").Again(),
+    F32("Udc", 9584, "DC voltage", "V").Again(),
+    F32("Uac", 9580, "AC voltage", "V").Again(),
+    F32("Irms", 36, "RMS current", "A").Again(),
+    F32("Idc", 9592, "DC current", "A").Again(),
+    F32("Iac", 9588, "AC current", "A").Again(),
+    F32("P", 8400, "power", "W").Again(),
+    F32("Pdc", 8408, "DC power", "W").Again(),
+    F32("Sac", 8404, "AC apparent power", "VA").Again(),
+    F32("eff", 8412, "efficiency").Again(),
+    F32("rf", 9596, "ripple factor").Again(),
+};
+
+// Pairs of phases are scaled as their first phase.
+constexpr Field kLiveResultsRows[] = {
+    Group("L1", PositionAt(0), kLiveChannelRows<0>),
+    Group("L2", PositionAt(1), kLiveChannelRows<1>),
+    Group("L3", PositionAt(2), kLiveChannelRows<2>),
+    Group("N", kNeutralAt, kLiveChannelRows<3>).In(kNoInverter),
+    Group("INV", kNeutralAt, kLiveChannelRows<3>).In(kInverter),
+    Group("L12", PositionAt(4), kLiveChannelRows<0>),
+    Group("L23", PositionAt(5), kLiveChannelRows<1>),
+    Group("L31", PositionAt(6), kLiveChannelRows<2>),
+    Rows(kTotalsAt, kTotalsRows),
+    Group("SYM", 67832, kSymmetryRows),
+    Group("RMS12", 67900, kRms12ListRows, "latest half-cycle readings"),
+    DateTime("TIME_START", 78528, "time of the first sample"),
+    F32("TIME_STEP", 78548, "time between samples", "s"),
+    I32("numUsedSamples", 0, "number of used samples"),
+    F32("TEMP", 67896, "instrument temperature", "degC"),
+    I32("FLAG", 78584, "flags"),
+    Group("CONNECTION_CHECK", kCheckAt, kConnectionCheckRows),
+    Group("INVERTER", kNeutralAt, kInverterRows).In(kInverter),
+    Gap(4, 4),
+    Gap(78464, 64),
+    Gap(78544, 4),
+    Gap(78552, 32),
+    Gap(78588, kFurtherAt - 78588),
+    Gap(kFurtherAt, kCheckAt - kFurtherAt),
+};
+constexpr Field kLiveResultsRecord = Record("UIF_RESULTS", kLiveResultsSize, kLiveResultsRows);
+static_assert(Tiles(kLiveResultsRecord));
+
+void WriteLiveResults(const Conversion& c) {
+  Tracked<uint8_t> record(kLiveResultsSize);
+  ReadBytes(c.input, record.get(), kLiveResultsSize);
+  RenderInputs inputs;
+  inputs.number[kScopeCount] = Load<int32_t>(record.get());
+  SampleScales(c.settings, NeutralRange::kOwn, inputs.scale);
+  RenderOnce(c.document, kLiveResultsRecord, CaseOf(c.settings), record.get(), inputs);
+}
+
+}  // namespace
+
+const RecordType kLiveResults = {
+    .type = 6,
+    .name = "live results",
+    .list = nullptr,
+    .record = &kLiveResultsRecord,
+    .write = WriteLiveResults,
+    .state = true,
+};
+
+}  // namespace quorvex

@@ -1,0 +1,38 @@
+// Conversions as jobs: what is converted into what, how far it is, and what went wrong.
+#pragma once
+
+#include <atomic>
+#include <deque>
+#include <string>
+
+#include "host.h"
+
+namespace quorvex::tool {
+
+struct Range {
+  uint32_t first = 1;
+  uint32_t last = 0xFFFFFFFF;
+};
+
+struct Job {
+  std::string input;
+  std::string output;
+  Recording recording;
+  ExitCode code = kDone;
+  std::string culprit;  // the file that a problem is about
+  std::string problem;  // empty where there is none
+  std::atomic<float> fraction{0};
+  std::atomic<bool> finished{false};
+
+  void Fail(ExitCode why, const std::string& file, const std::string& text) {
+    code = why;
+    culprit = file;
+    problem = text;
+  }
+};
+
+// Runs the jobs on some threads, in order; fills in their outcomes. Jobs that failed before they
+// began are passed over. Meanwhile shows progress and failures; false where it was interrupted.
+bool RunJobs(std::deque<Job>* jobs, const Range& range, unsigned workers);
+
+}  // namespace quorvex::tool
