@@ -2,7 +2,7 @@
 // and a settings file.
 #include <cmath>
 
-#include "network.h"
+#include "feeder.h"
 #include "records/record_types.h"
 #include "sample.h"
 #include "support/loads.h"
@@ -92,11 +92,11 @@ struct PowerSetter {
   }
 };
 
-void SetPowers(RecordBytes* record, const Network& network, bool full) {
+void SetPowers(RecordBytes* record, const Feeder& feeder, bool full) {
   const PowerSetter set = {record, full};
   double p = 0, q = 0, s = 0;
   for (int i = 0; i < kPhases; ++i) {
-    const Phase& phase = network.phase[i];
+    const FeederPhase& phase = feeder.phase[i];
     const std::string at = Numbered("PHASE_POWERS/P[p", i) + "]/";
     const double harmonic_amps = phase.amps_thd / 100;
     set.Power(at + "COMBINED/Pp", phase.p);
@@ -130,9 +130,9 @@ void SetPowers(RecordBytes* record, const Network& network, bool full) {
   set.Energy("pt/ENERGY", p, q);
 }
 
-void SetSymmetry(RecordBytes* record, const Network& network) {
+void SetSymmetry(RecordBytes* record, const Feeder& feeder) {
   double volts = 0, amps = 0;
-  for (const Phase& phase : network.phase) {
+  for (const FeederPhase& phase : feeder.phase) {
     volts += phase.volts / kPhases;
     amps += phase.amps / kPhases;
   }
@@ -151,28 +151,28 @@ void SetSymmetry(RecordBytes* record, const Network& network) {
 }
 
 // What full and standard records have in common.
-void SetCommon(RecordBytes* record, const Network& network, bool full) {
+void SetCommon(RecordBytes* record, const Feeder& feeder, bool full) {
   for (int i = 0; i < kPhases; ++i) {
-    const Phase& phase = network.phase[i];
-    SetVoltage(record, Numbered("u", i), phase.volts, phase.volts_thd, network.pst);
+    const FeederPhase& phase = feeder.phase[i];
+    SetVoltage(record, Numbered("u", i), phase.volts, phase.volts_thd, feeder.pst);
     SetVoltage(record, std::string("u") + kLines[i], phase.volts * kRoot3, phase.volts_thd * 0.9,
-               network.pst);
+               feeder.pst);
     SetCurrent(record, Numbered("i", i), phase.amps, phase.amps_thd);
   }
   SetVoltage(record, "un", 0.8, 40, 0);
-  SetCurrent(record, "in", network.phase[0].amps * 0.12, 60);
+  SetCurrent(record, "in", feeder.phase[0].amps * 0.12, 60);
   for (const char* name : {"f_sampl", "f_200ms", "f_10s"}) {
-    Statistic(record, name, network.frequency, kFrequencyNames, 2e-4);
+    Statistic(record, name, feeder.frequency, kFrequencyNames, 2e-4);
   }
-  record->Set("zero_crossings/ZCnum", std::round(network.frequency * kInterval));
-  SetPowers(record, network, full);
-  SetSymmetry(record, network);
+  record->Set("zero_crossings/ZCnum", std::round(feeder.frequency * kInterval));
+  SetPowers(record, feeder, full);
+  SetSymmetry(record, feeder);
   Statistic(record, "temperature", 31.5, kMinMaxAvg);
 }
 
-void SetFullSpectra(RecordBytes* record, const Network& network) {
+void SetFullSpectra(RecordBytes* record, const Feeder& feeder) {
   for (int i = 0; i < kPhases; ++i) {
-    const Phase& phase = network.phase[i];
+    const FeederPhase& phase = feeder.phase[i];
     const std::string phases[] = {Numbered("u", i), std::string("u") + kLines[i]};
     for (const std::string& u : phases) {
       const double volts = u == phases[0] ? phase.volts : phase.volts * kRoot3;
@@ -194,37 +194,37 @@ void SetFullSpectra(RecordBytes* record, const Network& network) {
   }
 }
 
-RecordBytes FullRecord(const Network& network, const Clock& clock, double hour) {
+RecordBytes FullRecord(const Feeder& feeder, const Clock& clock, double hour) {
   constexpr uint32_t kCountAt = 1936;
   constexpr int kValues = kInterval / 10;
   RecordBytes record(*kGeneral.choice->layouts[0]);
   record.ClearFloats();
-  SetCommon(&record, network, true);
+  SetCommon(&record, feeder, true);
   record.PutCount(kCountAt, kValues).SetTime("freq10s/timeFirst", clock.now);
   for (int i = 0; i < kValues; ++i) {
-    const double frequency = NetworkAt(hour + i / 360.0).frequency;
+    const double frequency = FeederAt(hour + i / 360.0).frequency;
     record.Set("freq10s/freqs/freq[" + std::to_string(i) + "]", frequency);
   }
-  SetFullSpectra(&record, network);
+  SetFullSpectra(&record, feeder);
   Statistic(&record, "tempBattery", 33.0, kMinMaxAvg);
   Statistic(&record, "voltBattery", 7.4, kMinMaxRms);
   return record;
 }
 
-RecordBytes CompactRecord(const Network& network) {
+RecordBytes CompactRecord(const Feeder& feeder) {
   constexpr int kCompactHighest = 24;  // an array is 25 orders long
   RecordBytes record(*kGeneral.choice->layouts[1]);
   record.ClearFloats();
   double p = 0, q = 0, s = 0;
   for (int i = 0; i < kPhases; ++i) {
-    const Phase& phase = network.phase[i];
+    const FeederPhase& phase = feeder.phase[i];
     const std::string phases[] = {Numbered("u", i), std::string("u") + kLines[i]};
     for (const std::string& name : phases) {
       const double volts = name == phases[0] ? phase.volts : phase.volts * kRoot3;
       const std::string u = "VOLTAGES/U[" + name + "]/";
       record.Set(u + "rms/rms", volts).Set(u + "thdPr/rms", phase.volts_thd);
-      record.Set(u + "Pst/rms", network.pst).Set(u + "Plt/rms", network.pst * 0.9);
-      record.Set(u + "Pst1m/rms", network.pst * 1.1);
+      record.Set(u + "Pst/rms", feeder.pst).Set(u + "Plt/rms", feeder.pst * 0.9);
+      record.Set(u + "Pst1m/rms", feeder.pst * 1.1);
       record.SetFloats("HARMONICS_U/HARM_U[" + name + "h]",
                        Spectrum(VoltageOrder, volts / 100, 1, kCompactHighest));
     }
@@ -236,19 +236,19 @@ RecordBytes CompactRecord(const Network& network) {
     q += phase.q;
     s += phase.s;
   }
-  record.Set("CURRENTS/I[in]/rms/rms", network.phase[0].amps * 0.12);
-  record.Set("f_200ms/avgA", network.frequency).Set("f_10s/avgA", network.frequency);
+  record.Set("CURRENTS/I[in]/rms/rms", feeder.phase[0].amps * 0.12);
+  record.Set("f_200ms/avgA", feeder.frequency).Set("f_10s/avgA", feeder.frequency);
   record.Set("pt/COMBINED/Pp/avg", p).Set("pt/COMBINED/Qip/avg", q);
   record.Set("pt/COMBINED/Se/avg", s * 1.005).Set("pt/COMBINED/PFip_e/avgA", p / (s * 1.005));
   return record;
 }
 
-RecordBytes StandardRecord(const Network& network) {
+RecordBytes StandardRecord(const Feeder& feeder) {
   RecordBytes record(*kGeneral.choice->layouts[2]);
   record.ClearFloats();
-  SetCommon(&record, network, false);
+  SetCommon(&record, feeder, false);
   for (int i = 0; i < kPhases; ++i) {
-    const Phase& phase = network.phase[i];
+    const FeederPhase& phase = feeder.phase[i];
     record.SetFloats(Numbered("HARMONICS_U/HARM_U[u", i) + "h]",
                      Spectrum(VoltageOrder, phase.volts / 100, 1));
     record.SetFloats(Numbered("HARMONICS_I/HARM_I[i", i) + "h]",
@@ -262,10 +262,10 @@ RecordingFile GeneralRecording(const UifParams& settings, int records) {
   Clock clock = ClockAt(4, 0, 0, 0);
   for (int i = 0; i < records; ++i) {
     const double hour = i * kHoursPerRecord;
-    const Network network = NetworkAt(hour);
-    RecordBytes record = settings.profile == 0   ? FullRecord(network, clock, hour)
-                         : settings.profile == 1 ? CompactRecord(network)
-                                                 : StandardRecord(network);
+    const Feeder feeder = FeederAt(hour);
+    RecordBytes record = settings.profile == 0   ? FullRecord(feeder, clock, hour)
+                         : settings.profile == 1 ? CompactRecord(feeder)
+                                                 : StandardRecord(feeder);
     SetTimes(&record, clock);
     file.Append(record);
     clock.Advance(kInterval);
@@ -296,14 +296,14 @@ void MakeVoltageQuality(const std::string& folder) {
   RecordingFile file(16, &settings);
   Clock clock = ClockAt(4, 0, 0, 0);
   for (int i = 0; i < kDays * kRecordsPerDay; ++i) {
-    const Network network = NetworkAt(i % kRecordsPerDay * kHoursPerRecord);
+    const Feeder feeder = FeederAt(i % kRecordsPerDay * kHoursPerRecord);
     RecordBytes record(*kVoltageQuality.choice->choose(settings));
     clock.Advance(kInterval);
     record.SetTime("LAST_TIME", clock.now);
     for (int p = 0; p < kPhases; ++p) {
-      const Phase& phase = network.phase[p];
+      const FeederPhase& phase = feeder.phase[p];
       const std::string u = Numbered("VOLTAGES/U[u", p) + "]/";
-      record.Set(u + "thd/rms", phase.volts_thd).Set(u + "Pst/rms", network.pst);
+      record.Set(u + "thd/rms", phase.volts_thd).Set(u + "Pst/rms", feeder.pst);
       record.SetFloats(Numbered("HARMONICS_U/HARM_U[u", p) + "h]",
                        Spectrum(VoltageOrder, phase.volts / 100, 1, kQualityHighest));
     }
@@ -327,10 +327,10 @@ void MakeAverages(const std::string& folder) {
     double hour;  // of the day, whose values stand for the summary
   } kSummaries[] = {{"REC_AVG", 14}, {"REC_AVG_MAX", 19}, {"REC_AVG_LAST", 24}};
   for (const auto& summary : kSummaries) {
-    const Network network = NetworkAt(summary.hour);
+    const Feeder feeder = FeederAt(summary.hour);
     record.Set(std::string(summary.name) + "/NUM", kRecordsPerDay);
     for (int i = 0; i < kPhases; ++i) {
-      const Phase& phase = network.phase[i];
+      const FeederPhase& phase = feeder.phase[i];
       const std::string line = std::string(summary.name) + Numbered("/L", i) + "/";
       const std::string motor = line + "MOTOR/";
       record.Set(motor + "Ep", phase.p * 24).Set(motor + "Eq", phase.q * 24);
