@@ -106,6 +106,17 @@ QUORVEX_API int32_t QUORVEX_CALL QuorvexGetNumberOfRecords(const char* path);
  * quotes. `text` is the caller's and holds 512 bytes at least; the line never exceeds 511 bytes and
  * its terminator. Empty where the name does not end in ".REC" (in any case) and for types without a
  * description.
+ *
+ *   1, 16   start, end, interval ("10 Min "; the end is an estimate until a setting file tells it)
+ *   2       start, end, trigger, level, slope, duration, pretrigger
+ *   5       start, end, trigger, then trigger level and envelope of voltage, neutral voltage,
+ *           current and neutral current
+ *   6       time
+ *   14      start, end, level, slope, duration, pretrigger, and a number without quotes
+ *   17      start, end, trigger, level, duration, pretrigger
+ *   18      start, end
+ *
+ * Times read "07.Mar.2024 14:05:09.123", levels "110.0% (253.0V)" or "12.50V"; "-" stands for none.
  */
 QUORVEX_API void QUORVEX_CALL QuorvexGetRecordInfo(const char* path, char* text);
 

@@ -148,24 +148,6 @@ TEST(RecordInfo, NamesAndDamagedFiles) {
   }
 }
 
-// What a progress callback may do: ask about another recording.
-TEST(RecordInfo, InsideAConversion) {
-  const std::string path = InFolder("inner.REC");
-  WriteFile(path, WithClampAndVoltage(HeadWith(14, 1032, 1064)));
-  static std::string inner, line;
-  inner = path;
-  Bytes outer = HeadOf(1);
-  outer.Put<uint32_t>(kSettingsAt + 976, 1).PadTo(3072 + 2 * 1536);
-  const std::string document = Converted(outer, [](float) {
-    char text[512];
-    QuorvexGetRecordInfo(inner.c_str(), text);
-    line = text;
-    return 0;
-  });
-  EXPECT_NE(std::string::npos, line.find("(0.000A)"));
-  EXPECT_NE(document.find("<RECORD_RESULTS>"), document.rfind("<RECORD_RESULTS>"));
-}
-
 TEST(TimeTexts, CalendarAndParts) {
   const struct {
     int year, month, day;

@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "api/time_texts.h"
-#include "records/recording.h"
+#include "records/record_types.h"
 #include "settings/instrument_state.h"
 #include "settings/setting_file.h"
 #include "settings/value_texts.h"
@@ -165,24 +165,30 @@ void ReadAt(const char* path, uint64_t position, void* to, uint32_t count) {
   if (file && SeekTo(file.get(), position)) ReadBytes(file.get(), to, count);
 }
 
+// Where a type's first record has an element.
+uint64_t PlaceOf(const RecordType& type, const char* name) {
+  const Field* row = type.record->rows;
+  while (std::strcmp(row->name, name) != 0) ++row;
+  return uint64_t{type.records_at} + row->offset;
+}
+
 void DescribeLiveResults(const Head& head, BoundedText* to) {
-  constexpr uint64_t kTimeAt = kHeadSize + 78528;
   DateTimeRecord start{};
-  ReadAt(head.path, kTimeAt, &start, sizeof start);
+  ReadAt(head.path, PlaceOf(kLiveResults, "TIME_START"), &start, sizeof start);
   PutTime(start, to);
 }
 
 void DescribeEnergyMeter(const Head& head, BoundedText* to) {
-  struct {
-    DateTimeRecord start, end;
-  } record{};
-  constexpr uint32_t kRecordSize = 144;
-  const uint32_t count = (SizeOf(head.path) - kHeadSize) / kRecordSize;
-  ReadAt(head.path, kHeadSize, &record, sizeof record);
-  PutTime(record.start, to);
+  const uint32_t record_size = kEnergyMeter.record->size;
+  const uint32_t count = (SizeOf(head.path) - kHeadSize) / record_size;
+  const uint64_t end_at = PlaceOf(kEnergyMeter, "END_TIME");
+  DateTimeRecord start{}, end{};
+  ReadAt(head.path, PlaceOf(kEnergyMeter, "START_TIME"), &start, sizeof start);
+  PutTime(start, to);
   // A file without a whole record leaves the first one's end standing.
-  ReadAt(head.path, kHeadSize + uint64_t{count - 1} * kRecordSize, &record, sizeof record);
-  PutTime(record.end, to);
+  ReadAt(head.path, end_at, &end, sizeof end);
+  ReadAt(head.path, end_at + uint64_t{count - 1} * record_size, &end, sizeof end);
+  PutTime(end, to);
 }
 
 constexpr struct {

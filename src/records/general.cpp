@@ -12,6 +12,8 @@
 namespace quorvex {
 namespace {
 
+using namespace intervals;
+
 constexpr const Field* kLayouts[] = {&kFullRecord, &kCompactRecord, &kStandardRecord};
 
 const Field* ChooseByProfile(const UifParams& settings) {

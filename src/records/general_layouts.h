@@ -5,7 +5,7 @@
 #include "records/power_groups.h"
 #include "records/result_groups.h"
 
-namespace quorvex {
+namespace quorvex::intervals {
 
 inline constexpr Field kIntervalRows[] = {
     Gap(0, 24),
@@ -283,4 +283,4 @@ inline constexpr Field kStandardRecord =
     Record("RECORD_RESULTS", 4608, kStandardRows, "an interval");
 static_assert(Tiles(kStandardRecord));
 
-}  // namespace quorvex
+}  // namespace quorvex::intervals

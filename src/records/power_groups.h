@@ -5,7 +5,7 @@
 
 #include "records/result_groups.h"
 
-namespace quorvex {
+namespace quorvex::intervals {
 
 inline constexpr Field kEnergyRows[] = {
     F32("EPp", 0, "active energy consumed", "Wh"),
@@ -331,4 +331,4 @@ inline constexpr Field kInverterEnergyRows[] = {
     F32("EPm", 4, "active energy generated", "Wh").Again(),
 };
 
-}  // namespace quorvex
+}  // namespace quorvex::intervals

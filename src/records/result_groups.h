@@ -1,12 +1,13 @@
 // The groups of results that general and voltage quality recordings are made of, apart from powers
 // (power_groups.h): each structure once, as rows in the order in which they are written. Values
-// stand in the document as they are stored; nothing is scaled.
+// stand in the document as they are stored; nothing is scaled. Snapshots have groups of the same
+// names and another form, so these live in a namespace of their own.
 #pragma once
 
 #include "settings/cases.h"
 #include "xml/layout.h"
 
-namespace quorvex {
+namespace quorvex::intervals {
 
 // A group whose values share a unit.
 template <size_t N>
@@ -195,4 +196,4 @@ constexpr Field PlainCurrentHarmonics(const char* phase, uint32_t at) {
   return Spectrum("HARM_I", phase, at, kOrders, 1, 1);
 }
 
-}  // namespace quorvex
+}  // namespace quorvex::intervals

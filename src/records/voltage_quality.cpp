@@ -11,6 +11,8 @@
 namespace quorvex {
 namespace {
 
+using namespace intervals;
+
 // Unlike in general records an inverter at a three-phase network (7) is line-to-line here.
 constexpr Cases kLines = Connections({2, 4, 7});
 constexpr Cases kPhases = NotConnections({2, 4, 7});
