@@ -1,0 +1,120 @@
+#include "checks.h"
+
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+
+#include "quorvex64.h"
+#include "support/memory.h"
+
+namespace quorvex::fuzz {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A folder of this process's own, in memory where that is possible.
+const fs::path& Folder() {
+  static const fs::path folder = [] {
+    std::error_code none;
+    const fs::path memory = "/dev/shm";
+    const fs::path base = fs::is_directory(memory, none) ? memory : fs::temp_directory_path();
+    fs::path own = base / ("quorvex-fuzz-" + std::to_string(std::random_device()()));
+    fs::create_directories(own);
+    return own;
+  }();
+  static const struct Remover {
+    ~Remover() {
+      std::error_code ignored;
+      fs::remove_all(folder, ignored);
+    }
+  } remover;
+  return folder;
+}
+
+std::string Put(const std::vector<uint8_t>& bytes) {
+  const std::string path = (Folder() / "R0001X.REC").string();
+  std::ofstream(path, std::ios::binary)
+      .write(reinterpret_cast<const char*>(bytes.data()),
+             static_cast<std::streamsize>(bytes.size()));
+  return path;
+}
+
+size_t OpenFiles() {
+  std::error_code none;
+  const fs::directory_iterator open("/proc/self/fd", none);
+  return none ? 0 : static_cast<size_t>(std::distance(begin(open), fs::directory_iterator()));
+}
+
+int32_t calls_left;
+
+int32_t QUORVEX_CALL StopAfterSome(float) { return --calls_left > 0 ? 0 : -1; }
+
+// Clamp names stand as they are and may hold anything; they do not count as structure.
+void CutNames(std::string* text) {
+  for (size_t at = text->find("<NAME>"); at != std::string::npos;
+       at = text->find("<NAME>", at + 6)) {
+    const size_t end = text->find("</NAME>", at);
+    if (end != std::string::npos) text->erase(at + 6, end - at - 6);
+  }
+}
+
+std::string StructureProblem(std::string text) {
+  constexpr char kStart[] = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n<Project ";
+  if (text.compare(0, sizeof kStart - 1, kStart) != 0) return "does not start as a document";
+  CutNames(&text);
+  std::vector<std::string> open;
+  for (size_t at = text.find('\n') + 1; at < text.size();) {
+    const size_t end = text.find("\r\n", at);
+    if (end == std::string::npos) return "a line without an end";
+    const std::string line = text.substr(at, end - at);
+    at = end + 2;
+    const size_t close = line.rfind("</");
+    if (close == std::string::npos) {
+      open.push_back(line.substr(1, line.find_first_of(" >") - 1));
+    } else if (close == 0 || line[0] != '<') {
+      const std::string name = line.substr(close + 2, line.size() - close - 3);
+      if (open.empty() || open.back() != name) return "closes " + name + " out of turn";
+      open.pop_back();
+    }
+  }
+  return open.empty() ? "" : open.back() + " stays open";
+}
+
+}  // namespace
+
+std::string ConversionProblem(const std::vector<uint8_t>& recording, bool with_progress) {
+  const std::string input = Put(recording);
+  const std::string output = (Folder() / "document.xml").string();
+  fs::remove(output);
+  const uint32_t tracked = TrackedBytes();
+  const size_t open_files = OpenFiles();
+  calls_left = 5;
+  QuorvexConvert(input.c_str(), output.c_str(), with_progress ? StopAfterSome : nullptr);
+  if (TrackedBytes() != tracked) return "tracked memory does not come back";
+  if (OpenFiles() != open_files) return "a file stays open";
+  if (!fs::exists(output)) return "";
+  std::ifstream file(output, std::ios::binary);
+  const std::string document(std::istreambuf_iterator<char>(file), {});
+  if (document.size() > kMostTimes * recording.size() + kMostBeyond) {
+    return "a document of " + std::to_string(document.size()) + " bytes from " +
+           std::to_string(recording.size());
+  }
+  return StructureProblem(document);
+}
+
+std::string QueryProblem(const std::vector<uint8_t>& recording) {
+  const std::string input = Put(recording);
+  const uint32_t tracked = TrackedBytes();
+  char text[512];
+  std::memset(text, 'x', sizeof text);
+  QuorvexGetRecordInfo(input.c_str(), text);
+  QuorvexGetNumberOfRecords(input.c_str());
+  QuorvexGetFileVersion(input.c_str());
+  if (std::memchr(text, '\0', sizeof text) == nullptr) return "an information line without an end";
+  return TrackedBytes() == tracked ? "" : "tracked memory does not come back";
+}
+
+}  // namespace quorvex::fuzz

@@ -1,0 +1,22 @@
+// What must hold after any call, whatever bytes went in.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace quorvex::fuzz {
+
+// A document is at most this many times its recording, plus the settings and the last record that a
+// cut may leave whole: docs/safety.md tells where the figures come from.
+constexpr uint64_t kMostTimes = 512;
+constexpr uint64_t kMostBeyond = 1 << 20;
+
+// Converts the bytes as a recording and says what is wrong with the outcome; empty where nothing
+// is. `with_progress` asks for progress and stops after some calls.
+std::string ConversionProblem(const std::vector<uint8_t>& recording, bool with_progress);
+
+// The same for the record information line and the other queries.
+std::string QueryProblem(const std::vector<uint8_t>& recording);
+
+}  // namespace quorvex::fuzz

@@ -1,0 +1,152 @@
+// What a disk, a path or another process can do to a conversion.
+#include <gtest/gtest.h>
+
+#ifndef _WIN32
+
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+
+#include "checks.h"
+#include "field_mutator.h"
+#include "records/record_types.h"
+#include "sample.h"
+#include "support.h"
+
+namespace {
+
+// How the disk behaves: after so many bytes it takes them in odd pieces, and now and then none.
+size_t room_left = SIZE_MAX;
+int refusals = 0;
+
+}  // namespace
+
+// Stands in for the C library's write in this program, the library's code included.
+extern "C" ssize_t write(int file, const void* bytes, size_t count) {
+  if (room_left == SIZE_MAX) return syscall(SYS_write, file, bytes, count);
+  if (room_left == 0) {
+    room_left = 1 + static_cast<size_t>(++refusals) * 1013 % 4099;
+    errno = ENOSPC;
+    return -1;
+  }
+  const size_t piece = std::min(count, room_left);
+  room_left -= piece;
+  return syscall(SYS_write, file, bytes, piece);
+}
+
+namespace quorvex::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+Bytes Changes(size_t records) { return HeadOf(10).PadTo(3072 + records * 4088); }
+
+TEST(Faults, AFullDiskDelaysButLosesNothing) {
+  const std::string whole = Converted(Changes(5));
+  room_left = 70000;
+  const std::string delayed = Converted(Changes(5));
+  room_left = SIZE_MAX;
+  EXPECT_GT(refusals, 10);
+  EXPECT_TRUE(whole == delayed);
+}
+
+TEST(Faults, InputsThatAreNoFiles) {
+  const std::string pipe = InFolder("pipe.REC");
+  const std::string output = InFolder("from-no-file.xml");
+  ASSERT_EQ(0, mkfifo(pipe.c_str(), 0600));
+  char text[512];
+  for (const std::string& input : {pipe, InFolder(""), std::string("/dev/zero"), std::string()}) {
+    QuorvexConvert(input.c_str(), output.c_str(), nullptr);
+    QuorvexGetRecordInfo(input.c_str(), text);
+    EXPECT_EQ(0, QuorvexGetFileVersion(input.c_str())) << input;
+    EXPECT_FALSE(Exists(output)) << input;
+  }
+}
+
+TEST(Faults, ARecordingIsNeverOverwrittenThroughLinks) {
+  const std::string input = InFolder("recording.xml");
+  const Bytes recording = Changes(1);
+  WriteFile(input, recording);
+  fs::create_hard_link(input, InFolder("hard.xml"));
+  fs::create_symlink(input, InFolder("soft.xml"));
+  for (const char* output : {"recording.xml", "hard.xml", "soft.xml"}) {
+    QuorvexConvert(input.c_str(), InFolder(output).c_str(), nullptr);
+  }
+  QuorvexConvert(InFolder("soft.xml").c_str(), nullptr, nullptr);
+  EXPECT_EQ(std::string(recording.begin(), recording.end()), ReadFile(input));
+}
+
+TEST(Faults, PathsOfAnyLengthAndAnyBytes) {
+  // A path of exactly 511 bytes, in folders with blanks and bytes beyond ASCII.
+  fs::path folder = InFolder("with blank \xC3\xBC\xC3\xA9");
+  while (folder.string().size() < 400) folder /= std::string(60, 'd');
+  fs::create_directories(folder);
+  const size_t rest = 511 - folder.string().size() - 1;
+  for (const auto& [size, converts] : {std::pair{rest, true}, {rest + 1, false}}) {
+    const std::string input = (folder / (std::string(size - 4, 'r') + ".REC")).string();
+    const std::string output = input.substr(0, input.size() - 4) + ".xml";
+    WriteFile(input, Changes(1));
+    QuorvexConvert(input.c_str(), nullptr, nullptr);
+    EXPECT_EQ(converts, Exists(output)) << input.size();
+    EXPECT_EQ(converts ? 3 : 0, QuorvexGetFileVersion(input.c_str()));
+  }
+  const std::string input = (folder / std::string(rest, 'n')).string();
+  WriteFile(input, Changes(1));
+  QuorvexConvert(input.c_str(), nullptr, nullptr);
+  EXPECT_FALSE(Exists(input + ".xml")) << "the document's own path is too long";
+}
+
+std::string shrinking;
+
+TEST(Faults, AnInputThatShrinksOrGrowsMeanwhile) {
+  Bytes events = HeadOf(8);
+  events.PadTo(3224 + 1000 * 264);
+  shrinking = InFolder("T0001X.REC");
+  const std::string shrunk = Converted(events, [](float) {
+    fs::resize_file(shrinking, 3224 + 300 * 264);
+    return 0;
+  });
+  const std::string grown = Converted(events, [](float fraction) {
+    if (fraction < 0.5f) fs::resize_file(shrinking, 3224 + 1100 * 264);
+    return 0;
+  });
+  EXPECT_LT(shrunk.size(), grown.size());
+}
+
+// The types that there are, each with a recording of its own to damage.
+TEST(Faults, DamagedFieldsAreHarmless) {
+  constexpr int kMutations = 1000;
+  constexpr size_t kMost = 48 * 1024;
+  const std::string folder = InFolder("samples");
+  fs::create_directories(folder);
+  samples::MakeAll(folder);
+  std::vector<uint32_t> seen;
+  for (const auto& entry : fs::directory_iterator(folder)) {
+    const std::string text = ReadFile(entry.path().string());
+    const std::vector<uint8_t> sample(text.begin(),
+                                      text.begin() + std::min(text.size(), kMost));
+    const RecordType* type = FindRecordType(Load<uint32_t>(sample.data() + 4));
+    ASSERT_NE(nullptr, type) << entry.path();
+    const bool first = std::find(seen.begin(), seen.end(), type->type) == seen.end();
+    seen.push_back(type->type);
+    const fuzz::FieldMutator mutator(*type);
+    std::mt19937 random(type->type);
+    for (int i = 0; i < (first ? kMutations : kMutations / 10); ++i) {
+      std::vector<uint8_t> damaged = sample;
+      mutator.Mutate(&damaged, &random);
+      ASSERT_EQ("", fuzz::ConversionProblem(damaged, i % 4 == 0)) << type->name << ' ' << i;
+      ASSERT_EQ("", fuzz::QueryProblem(damaged)) << type->name << ' ' << i;
+    }
+  }
+  for (const RecordType* type : kRecordTypes) {
+    EXPECT_NE(seen.end(), std::find(seen.begin(), seen.end(), type->type)) << type->name;
+  }
+}
+
+}  // namespace
+}  // namespace quorvex::test
+
+#endif
