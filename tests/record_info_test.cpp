@@ -85,7 +85,7 @@ TEST(RecordInfo, TriggeredRecordings) {
                                                        {7, " 'Envelope' '-' '-'"},
                                                        {99, " '' '-' '-'"}};
   for (const auto& [trigger, text] : triggers) {
-    EXPECT_EQ("2" + (kTimes + std::string(text)) + durations,
+    EXPECT_EQ(std::string("2") + kTimes + text + durations,
               InfoOf(wave.Put(kSettingsAt + 1244, trigger)));
   }
 

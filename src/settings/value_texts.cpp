@@ -57,7 +57,7 @@ constexpr double kLargestShown = 999.9;  // thousands of a unit
 
 // "%d" with a point that many digits from the right.
 void PutPointed(int32_t integer, uint32_t decimals, BoundedText* to) {
-  char digits[12];
+  char digits[12] = "";
   const int64_t size = std::abs(static_cast<int64_t>(integer));
   const char* end = std::to_chars(digits, digits + sizeof digits, size).ptr;
   auto left = static_cast<uint32_t>(end - digits);

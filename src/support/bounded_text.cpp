@@ -16,7 +16,7 @@ void BoundedText::Put(const char* text) {
 }
 
 void BoundedText::PutInteger(int64_t value, uint32_t width, char pad) {
-  char digits[24];
+  char digits[24] = "";
   const char* end = std::to_chars(digits, digits + sizeof digits, value).ptr;
   const char* at = digits;
   // A sign stands before padding zeros, and behind padding blanks.
@@ -31,7 +31,7 @@ void BoundedText::PutFixed(double value, int decimals) {
     Put(std::isinf(value) ? "inf" : "nan");
     return;
   }
-  char digits[330];  // the longest double has 309 digits before the point
+  char digits[330] = "";  // the longest double has 309 digits before the point
   const char* end =
       std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed, decimals).ptr;
   for (const char* at = digits; at < end; ++at) Put(*at);
