@@ -126,8 +126,7 @@ TEST(Faults, DamagedFieldsAreHarmless) {
   std::vector<uint32_t> seen;
   for (const auto& entry : fs::directory_iterator(folder)) {
     const std::string text = ReadFile(entry.path().string());
-    const std::vector<uint8_t> sample(text.begin(),
-                                      text.begin() + std::min(text.size(), kMost));
+    const std::vector<uint8_t> sample(text.begin(), text.begin() + std::min(text.size(), kMost));
     const RecordType* type = FindRecordType(Load<uint32_t>(sample.data() + 4));
     ASSERT_NE(nullptr, type) << entry.path();
     const bool first = std::find(seen.begin(), seen.end(), type->type) == seen.end();

@@ -8,9 +8,15 @@
 namespace quorvex {
 namespace {
 
-void Flush(XmlWriter* writer) {
-  WriteAll(writer->file, writer->buffer, writer->position);
-  writer->position = 0;
+constexpr uint32_t kPage = kWriterBuffer - kMostReserved;
+
+// Whole pages go out, so that no page of the file is written in two halves; the rest moves up.
+void FlushPages(XmlWriter* writer) {
+  const uint32_t rest = writer->position % kPage;
+  const uint32_t whole = writer->position - rest;
+  WriteAll(writer->file, writer->buffer, whole);
+  std::memcpy(writer->buffer, writer->buffer + whole, rest);
+  writer->position = rest;
 }
 
 void Grow(XmlWriter* writer, uint32_t needed) {
@@ -34,17 +40,17 @@ XmlWriter* CreateWriter(FileHandle* file) {
 
 void CloseWriter(XmlWriter* writer) {
   if (writer == nullptr) return;
-  if (writer->mode == Output::kFile) Flush(writer);
+  if (writer->mode == Output::kFile) WriteAll(writer->file, writer->buffer, writer->position);
   CloseFile(writer->file);
   Release(writer->buffer);
   Release(writer);
 }
 
 char* Reserve(XmlWriter* writer, uint32_t size) {
-  assert(size <= kWriterBuffer);
+  assert(size <= kMostReserved);
   if (size > writer->capacity - writer->position) {
     if (writer->mode == Output::kFile) {
-      Flush(writer);
+      FlushPages(writer);
     } else {
       Grow(writer, writer->position + size);
     }
@@ -55,7 +61,7 @@ char* Reserve(XmlWriter* writer, uint32_t size) {
 void PutText(XmlWriter* writer, const char* text) {
   size_t left = std::strlen(text);
   while (left > 0) {
-    const auto piece = static_cast<uint32_t>(left < kWriterBuffer ? left : kWriterBuffer);
+    const auto piece = static_cast<uint32_t>(left < kMostReserved ? left : kMostReserved);
     char* to = Reserve(writer, piece);
     std::memcpy(to, text, piece);
     Advance(writer, to + piece);

@@ -4,20 +4,17 @@
 
 #include <cstdint>
 
+#include "xml/float_text.h"
+
 namespace quorvex {
 
 // The longest text any function of this file writes.
 constexpr uint32_t kLongestNumber = 32;
 
-// A float that holds this has no value; its text is "-". Doubles hold it widened.
-constexpr float kNoValue = -1e37f;
+// Doubles without a value hold the floats' marker widened.
 constexpr double kNoValueDouble = static_cast<double>(kNoValue);
 
-// "%E": seven significant digits, correctly rounded with ties to even. "-" for kNoValue; INF, -INF,
-// NAN, -NAN.
-char* FloatText(float value, char* to);
-
-// "%lE", likewise.
+// "%lE", rounded and without a value as FloatText has it.
 char* DoubleText(double value, char* to);
 
 // "%d" and "%lld".

@@ -18,11 +18,12 @@ namespace quorvex {
 struct PlanStep {
   const Field* field;
   uint32_t text_at;
-  uint32_t text_size;
   uint32_t offset;
   uint32_t step;  // bytes to the same value of the next repetition
   uint32_t loop_end;
   uint32_t room;  // what this step and those behind it write at the most; 0: the room is there
+  uint16_t text_size;
+  Kind kind;  // of the field, kGap where that is null
 };
 
 namespace {
@@ -68,20 +69,48 @@ char* RawTextOf(const uint8_t* at, uint32_t width, char* to) {
 // The written floats of every entry, the no-value marker as infinity, in base64.
 char* SpectrumText(const Field& f, const uint8_t* at, char* to) {
   constexpr uint32_t kInfinity = 0x7F800000;
-  constexpr uint32_t kPieceFloats = 48;  // 192 bytes: whole groups of three
-  uint32_t piece[kPieceFloats];
-  uint32_t filled = 0;
+  constexpr uint32_t kMostFloats = 256;
+  assert(f.size <= kMostFloats * 4);
+  uint32_t floats[kMostFloats];
+  uint32_t count = 0;
   for (uint32_t entry = 0; entry < f.size; entry += f.entry_floats * 4u) {
     for (uint32_t i = 0; i < f.written_floats; ++i) {
       const auto bits = Load<uint32_t>(at + entry + i * 4);
-      piece[filled++] = bits == std::bit_cast<uint32_t>(kNoValue) ? kInfinity : bits;
-      if (filled == kPieceFloats) {
-        to = Base64Encode(reinterpret_cast<const uint8_t*>(piece), sizeof piece, to);
-        filled = 0;
-      }
+      floats[count++] = bits == std::bit_cast<uint32_t>(kNoValue) ? kInfinity : bits;
     }
   }
-  return Base64Encode(reinterpret_cast<const uint8_t*>(piece), filled * 4, to);
+  return Base64Encode(reinterpret_cast<const uint8_t*>(floats), count * 4, to);
+}
+
+// Ready text around a value that repeats: open tag, and close tag with the next open tag.
+struct Tags {
+  char open[64];
+  char between[64];
+  uint32_t open_size, between_size;
+};
+
+// One value element after the other, for the samples and spectra that most of a large document is.
+template <typename Value>
+void WriteFloats(XmlWriter* to, const Tags& tags, uint32_t count, Value value) {
+  constexpr uint32_t kAtOnce = 256;
+  for (uint32_t n = 0; n < count;) {
+    const uint32_t end = std::min(count, n + kAtOnce);
+    char* out = Reserve(to, tags.open_size + kCopyPiece +
+                                (end - n) * (kLongestNumber + tags.between_size + kCopyPiece));
+    out = CopyText(tags.open, tags.open_size, out);
+    for (; n < end; ++n) {
+      out = FloatText(value(n), out);
+      out = CopyText(tags.between, tags.between_size, out);
+    }
+    Advance(to, out - tags.open_size);  // no further value: its open tag goes again
+  }
+}
+
+// Values side by side whose element is the whole repetition, and whose tags are short enough.
+bool IsFloatRun(const PlanStep& loop, const PlanStep& value, const PlanStep& close) {
+  const bool is_float =
+      loop.kind == Kind::kF32 || loop.kind == Kind::kScaledI16 || loop.kind == Kind::kScaledF32;
+  return is_float && value.text_size + close.text_size <= 48;
 }
 
 char* ValueText(const Field& f, const uint8_t* at, const RenderInputs& inputs, char* to) {
@@ -150,7 +179,10 @@ void Plan::AddStep(const Field* f, uint32_t offset, uint32_t step) {
   if (gathering_ == nullptr || gathering_->room + room > kMostRoom) {
     gathering_ = &steps_[step_count_];
   }
-  steps_[step_count_++] = {f, text_used_, text_size, offset, step, 0, 0};
+  assert(text_size <= UINT16_MAX);
+  const Kind kind = f != nullptr ? f->kind : Kind::kGap;
+  steps_[step_count_++] = {f,   text_used_, offset, step, 0, 0, static_cast<uint16_t>(text_size),
+                           kind};
   gathering_->room += room;
   text_used_ = text_->position;
 }
@@ -203,28 +235,61 @@ void Plan::Render(XmlWriter* to, const void* record, const RenderInputs& inputs)
 
 void Plan::Run(XmlWriter* to, uint32_t from, uint32_t end, const uint8_t* base, uint32_t repetition,
                const RenderInputs& inputs) const {
+  const char* text = text_->buffer;
   char* out = nullptr;
   for (uint32_t i = from; i < end; ++i) {
     const PlanStep& s = steps_[i];
-    const Field* field = s.field;
     if (s.room != 0) {
       if (out != nullptr) Advance(to, out);
       out = Reserve(to, s.room);
     }
-    out = CopyText(text_->buffer + s.text_at, s.text_size, out);
-    if (field == nullptr) continue;
+    out = CopyText(text + s.text_at, s.text_size, out);
+    if (s.field == nullptr) continue;
     const uint8_t* at = base + s.offset + static_cast<size_t>(repetition) * s.step;
     if (s.loop_end == 0) {
-      out = ValueText(*field, at, inputs, out);
+      out = s.kind == Kind::kF32 ? FloatText(Load<float>(at), out)
+                                 : ValueText(*s.field, at, inputs, out);
       continue;
     }
     Advance(to, out);
     out = nullptr;
-    const uint32_t count = CountOf(*field, at, inputs);
-    for (uint32_t n = 0; n < count; ++n) Run(to, i + 1, s.loop_end, at, n, inputs);
+    RunLoop(to, i, at, inputs);
     i = s.loop_end - 1;
   }
   if (out != nullptr) Advance(to, out);
+}
+
+void Plan::RunLoop(XmlWriter* to, uint32_t loop, const uint8_t* place,
+                   const RenderInputs& inputs) const {
+  const PlanStep& s = steps_[loop];
+  const PlanStep& value = steps_[loop + 1];
+  const PlanStep& close = steps_[loop + 2];
+  const uint32_t count = CountOf(*s.field, place, inputs);
+  if (!IsFloatRun(s, value, close)) {
+    for (uint32_t n = 0; n < count; ++n) Run(to, loop + 1, s.loop_end, place, n, inputs);
+    return;
+  }
+  Tags tags{};
+  tags.open_size = value.text_size;
+  tags.between_size = static_cast<uint32_t>(close.text_size) + value.text_size;
+  std::memcpy(tags.open, text_->buffer + value.text_at, value.text_size);
+  std::memcpy(tags.between, text_->buffer + close.text_at, close.text_size);
+  std::memcpy(tags.between + close.text_size, tags.open, value.text_size);
+  const uint8_t* values = place + value.offset;
+  const uint32_t step = value.step;
+  const float scale = inputs.scale[s.field->scale_ref];
+  switch (s.kind) {
+    case Kind::kScaledI16:
+      return WriteFloats(to, tags, count, [=](uint32_t n) {
+        return static_cast<float>(Load<int16_t>(values + n * step)) * scale;
+      });
+    case Kind::kScaledF32:
+      return WriteFloats(to, tags, count,
+                         [=](uint32_t n) { return Load<float>(values + n * step) * scale; });
+    default:
+      return WriteFloats(to, tags, count,
+                         [=](uint32_t n) { return Load<float>(values + n * step); });
+  }
 }
 
 void RenderOnce(XmlWriter* to, const Field& table, Cases which, const void* record,

@@ -27,6 +27,8 @@ class Plan {
   void AddStep(const Field* f, uint32_t offset, uint32_t step);
   void Run(XmlWriter* to, uint32_t from, uint32_t end, const uint8_t* base, uint32_t repetition,
            const RenderInputs& inputs) const;
+  void RunLoop(XmlWriter* to, uint32_t loop, const uint8_t* place,
+               const RenderInputs& inputs) const;
 
   Cases which_;
   XmlWriter* text_;  // the tags, written once into memory

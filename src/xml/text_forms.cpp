@@ -9,8 +9,10 @@ namespace {
 // Twelve bits are two characters.
 constexpr auto kBase64Pairs = [] {
   constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::array<std::array<char, 2>, 4096> pairs{};
-  for (size_t i = 0; i < pairs.size(); ++i) pairs[i] = {kAlphabet[i >> 6], kAlphabet[i & 63]};
+  std::array<uint16_t, 4096> pairs{};
+  for (size_t i = 0; i < pairs.size(); ++i) {
+    pairs[i] = static_cast<uint16_t>(kAlphabet[i >> 6] | kAlphabet[i & 63] << 8);
+  }
   return pairs;
 }();
 
@@ -35,18 +37,29 @@ char* EscapeText(const char* source, char* to, uint32_t limit) {
 }
 
 char* Base64Encode(const uint8_t* source, uint32_t size, char* to) {
-  const auto put = [&to](uint32_t group) {
-    std::memcpy(to, kBase64Pairs[group >> 12].data(), 2);
-    std::memcpy(to + 2, kBase64Pairs[group & 0xFFF].data(), 2);
-    to += 4;
+  // Six bytes at a time: four pairs of characters.
+  const auto pair = [](uint64_t twelve_bits) {
+    return uint64_t{kBase64Pairs[twelve_bits & 0xFFF]};
   };
   uint32_t i = 0;
-  for (; i + 3 <= size; i += 3) put(source[i] << 16u | source[i + 1] << 8u | source[i + 2]);
-  const uint32_t left = size - i;
-  if (left == 0) return to;
-  put(source[i] << 16u | (left > 1 ? source[i + 1] << 8u : 0));
-  to[-1] = '=';
-  if (left == 1) to[-2] = '=';
+  for (; i + 8 <= size; i += 6, to += 8) {
+    uint64_t bytes;
+    std::memcpy(&bytes, source + i, 8);
+    bytes = __builtin_bswap64(bytes);
+    const uint64_t text = pair(bytes >> 52) | pair(bytes >> 40) << 16 | pair(bytes >> 28) << 32 |
+                          pair(bytes >> 16) << 48;
+    std::memcpy(to, &text, 8);
+  }
+  for (; i < size; i += 3, to += 4) {
+    const uint32_t left = size - i;
+    const uint32_t group = static_cast<uint32_t>(source[i]) << 16 |
+                           (left > 1 ? static_cast<uint32_t>(source[i + 1]) << 8 : 0) |
+                           (left > 2 ? source[i + 2] : 0);
+    const auto text = static_cast<uint32_t>(pair(group >> 12) | pair(group) << 16);
+    std::memcpy(to, &text, 4);
+    if (left < 3) to[3] = '=';
+    if (left < 2) to[2] = '=';
+  }
   return to;
 }
 
