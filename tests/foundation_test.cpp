@@ -2,8 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <thread>
-#include <vector>
 
 #include "support.h"
 #include "support/file.h"
@@ -170,25 +168,6 @@ TEST(LayoutTables, CasesRepetitionsAndCounts) {
     writer = CreateWriter(nullptr);
     RenderOnce(writer, Record("", 13, kCountedRows), kAllCases, counted.data());
     EXPECT_EQ(Lines("<count>" + std::to_string(count) + "</count>\n" + expected), TextOf(writer));
-  }
-}
-
-TEST(Threads, ConversionsSideBySide) {
-  Bytes file = HeadOf(10);
-  file.PadTo(3072 + 3 * 4088);
-  const std::string input = InFolder("T0002.REC");
-  WriteFile(input, file);
-  const auto convert = [&](const std::string& output) {
-    QuorvexConvert(input.c_str(), InFolder(output).c_str(), nullptr);
-  };
-  convert("alone.xml");
-  const uint32_t before = TrackedBytes();
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 8; ++i) threads.emplace_back(convert, "side" + std::to_string(i));
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(before, TrackedBytes());
-  for (int i = 0; i < 8; ++i) {
-    EXPECT_TRUE(ReadFile(InFolder("alone.xml")) == ReadFile(InFolder("side" + std::to_string(i))));
   }
 }
 
