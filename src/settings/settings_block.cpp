@@ -1,10 +1,9 @@
 #include "settings/settings_block.h"
 
-#include <charconv>
-#include <cmath>
 #include <cstring>
 
 #include "settings/settings_table.h"
+#include "support/bounded_text.h"
 #include "support/loads.h"
 #include "xml/number_text.h"
 #include "xml/plan.h"
@@ -20,16 +19,6 @@ const UifParams& SettingsAt(const uint8_t* place) {
 }
 
 char* PutEscaped(const char* text, uint32_t limit, char* to) { return EscapeText(text, to, limit); }
-
-// "%.4f" without the process locale. `to` has room for the longest double.
-char* FourDecimals(double value, char* to, char* end) {
-  if (!std::isfinite(value)) {
-    if (std::signbit(value)) *to++ = '-';
-    std::memcpy(to, std::isinf(value) ? "inf" : "nan", 3);
-    return to + 3;
-  }
-  return std::to_chars(to, end, value, std::chars_format::fixed, 4).ptr;
-}
 
 // The stored spectrum reaches less high where the system frequency is high.
 int64_t ComponentsByFrequency(uint32_t system_frequency) {
@@ -103,19 +92,17 @@ char* PositionText(const uint8_t* place, const RenderInputs&, char* to) {
   const UifParams& settings = SettingsAt(place);
   constexpr uint32_t kLimit = 100;
   if (settings.no_position != 0) return PutEscaped("Not available", kLimit, to);
-  char text[800];  // two doubles of 309 digits and what stands between
-  char* end = text + sizeof text;
-  char* at = text;
-  *at++ = settings.latitude_letter;
-  *at++ = ' ';
-  at = FourDecimals(settings.latitude, at, end);
-  *at++ = ',';
-  *at++ = ' ';
-  *at++ = settings.longitude_letter;
-  *at++ = ' ';
-  at = FourDecimals(settings.longitude, at, end);
-  *at = '\0';
-  return PutEscaped(text, kLimit, to);  // a zero letter ends the text where it stands
+  char text[kLimit + 1];
+  BoundedText position(text, sizeof text);
+  // A letter of zero ends the text where it stands.
+  position.Put(settings.latitude_letter);
+  position.Put(" ");
+  position.PutFixed(settings.latitude, 4);
+  position.Put(", ");
+  position.Put(settings.longitude_letter);
+  position.Put(" ");
+  position.PutFixed(settings.longitude, 4);
+  return PutEscaped(text, kLimit, to);
 }
 
 void WriteSettingsBlock(XmlWriter* to, const UifParams& settings, bool harmonics_flag) {
