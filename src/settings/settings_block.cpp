@@ -1,7 +1,5 @@
 #include "settings/settings_block.h"
 
-#include <cstring>
-
 #include "settings/settings_table.h"
 #include "support/bounded_text.h"
 #include "support/loads.h"
