@@ -55,6 +55,20 @@ void PrintSeconds(double seconds, char* to) {
   for (size_t i = 0, end = std::strlen(to) - 1; i < 5 && to[end - i] == '0'; ++i) to[end - i] = 0;
 }
 
+void PlainBase64(const uint8_t* bytes, uint32_t size, char* to) {
+  static const char alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  for (uint32_t i = 0; i < size; i += 3) {
+    uint32_t group = static_cast<uint32_t>(bytes[i]) << 16;
+    if (i + 1 < size) group |= static_cast<uint32_t>(bytes[i + 1]) << 8;
+    if (i + 2 < size) group |= bytes[i + 2];
+    *to++ = alphabet[group >> 18];
+    *to++ = alphabet[group >> 12 & 63];
+    *to++ = i + 1 < size ? alphabet[group >> 6 & 63] : '=';
+    *to++ = i + 2 < size ? alphabet[group & 63] : '=';
+  }
+  *to = '\0';
+}
+
 void PrintSpectrum(const Field& f, const uint8_t* at, char* to) {
   float values[256];
   uint32_t count = 0;
@@ -64,7 +78,7 @@ void PrintSpectrum(const Field& f, const uint8_t* at, char* to) {
       values[count++] = value == kNoValue ? INFINITY : value;
     }
   }
-  *Base64Encode(reinterpret_cast<const uint8_t*>(values), count * 4, to) = '\0';
+  PlainBase64(reinterpret_cast<const uint8_t*>(values), count * 4, to);
 }
 
 void PrintValue(const Field& f, const uint8_t* at, const RenderInputs& inputs, char* to) {
