@@ -4,8 +4,6 @@
 // is the steadiest.
 #include <dlfcn.h>
 #include <fcntl.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -90,21 +88,6 @@ double Median(std::vector<double> values) {
   return values[values.size() / 2];
 }
 
-// Peak resident memory of the command line converting a file, in MB. Asked while this process is
-// small: a child counts what it was forked from.
-double PeakMemory(const std::string& input, const std::string& output) {
-  const pid_t child = fork();
-  if (child == 0) {
-    execl(QUORVEX_TOOL, "quorvex", "convert", input.c_str(), "-o", output.c_str(), nullptr);
-    _exit(127);
-  }
-  int status = 0;
-  struct rusage usage {};
-  wait4(child, &status, 0, &usage);
-  if (status != 0) Fail("the command line failed on " + input);
-  return static_cast<double>(usage.ru_maxrss) / 1024;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -124,8 +107,8 @@ int main(int argc, char** argv) {
   quorvex::samples::MakeAll(folder.string());
   std::printf(
       "| recording | document MB | library MB/s | printf MB/s | libxml2 MB/s | raw write MB/s "
-      "| library : printf | library : libxml2 | library's time : raw write's | peak MB |\n"
-      "|---|---|---|---|---|---|---|---|---|---|\n");
+      "| library : printf | library : libxml2 | library's time : raw write's|\n"
+      "|---|---|---|---|---|---|---|---|---|\n");
   std::vector<std::string> seen;
   std::vector<fs::path> samples;
   for (const auto& entry : fs::directory_iterator(folder)) samples.push_back(entry.path());
@@ -146,7 +129,6 @@ int main(int argc, char** argv) {
     contenders[0].convert(sample.c_str(), output.c_str(), nullptr);
     const size_t copies = megabytes * 1000000 / fs::file_size(output) + 1;
     WriteFile(input, Multiplied(recording, copies));
-    const double peak = PeakMemory(input, output);
     contenders[0].convert(input.c_str(), output.c_str(), nullptr);
     const Bytes document = ReadFile(output);
     for (auto& contender : contenders) {
@@ -170,9 +152,9 @@ int main(int argc, char** argv) {
     const double own = Median(contenders[0].seconds);
     const double printf_time = Median(contenders[1].seconds);
     const double libxml2_time = Median(contenders[2].seconds);
-    std::printf("| %s | %.0f | %.0f | %.0f | %.0f | %.0f | %.1f | %.1f | %.2f | %.1f |\n",
-                label.c_str(), mb, mb / own, mb / printf_time, mb / libxml2_time, mb / Median(raw),
-                printf_time / own, libxml2_time / own, own / Median(raw), peak);
+    std::printf("| %s | %.0f | %.0f | %.0f | %.0f | %.0f | %.1f | %.1f | %.2f |\n", label.c_str(),
+                mb, mb / own, mb / printf_time, mb / libxml2_time, mb / Median(raw),
+                printf_time / own, libxml2_time / own, own / Median(raw));
     std::fflush(stdout);
   }
   fs::remove_all(folder);

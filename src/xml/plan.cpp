@@ -236,11 +236,11 @@ void Plan::Render(XmlWriter* to, const void* record, const RenderInputs& inputs)
 void Plan::Run(XmlWriter* to, uint32_t from, uint32_t end, const uint8_t* base, uint32_t repetition,
                const RenderInputs& inputs) const {
   const char* text = text_->buffer;
-  char* out = nullptr;
+  char* out = to->buffer + to->position;
   for (uint32_t i = from; i < end; ++i) {
     const PlanStep& s = steps_[i];
     if (s.room != 0) {
-      if (out != nullptr) Advance(to, out);
+      Advance(to, out);
       out = Reserve(to, s.room);
     }
     out = CopyText(text + s.text_at, s.text_size, out);
@@ -252,11 +252,11 @@ void Plan::Run(XmlWriter* to, uint32_t from, uint32_t end, const uint8_t* base, 
       continue;
     }
     Advance(to, out);
-    out = nullptr;
     RunLoop(to, i, at, inputs);
+    out = to->buffer + to->position;
     i = s.loop_end - 1;
   }
-  if (out != nullptr) Advance(to, out);
+  Advance(to, out);
 }
 
 void Plan::RunLoop(XmlWriter* to, uint32_t loop, const uint8_t* place,
