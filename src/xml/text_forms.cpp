@@ -7,14 +7,17 @@ namespace quorvex {
 namespace {
 
 // Twelve bits are two characters.
-constexpr auto kBase64Pairs = [] {
+constexpr std::array<uint16_t, 4096> Base64Pairs() {
   constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
   std::array<uint16_t, 4096> pairs{};
-  for (size_t i = 0; i < pairs.size(); ++i) {
-    pairs[i] = static_cast<uint16_t>(kAlphabet[i >> 6] | kAlphabet[i & 63] << 8);
+  uint32_t twelve_bits = 0;
+  for (uint16_t& pair : pairs) {
+    pair = static_cast<uint16_t>(kAlphabet[twelve_bits / 64] | kAlphabet[twelve_bits % 64] << 8);
+    ++twelve_bits;
   }
   return pairs;
-}();
+}
+constexpr std::array<uint16_t, 4096> kBase64Pairs = Base64Pairs();
 
 bool IsKept(char c) {
   const bool letter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
