@@ -29,18 +29,16 @@ struct PlanStep {
 namespace {
 
 // Texts are copied in pieces of this size, up to one piece too far; both sides have room for that.
-constexpr uint32_t kCopyPiece = 16;
+// Most texts are one piece.
+constexpr uint32_t kCopyPiece = 32;
 // A buffer is asked for room once for many steps.
 constexpr uint32_t kMostRoom = 16384;
 
 char* CopyText(const char* from, uint32_t size, char* to) {
-  char* const end = to + size;
-  do {
-    std::memcpy(to, from, kCopyPiece);
-    to += kCopyPiece;
-    from += kCopyPiece;
-  } while (to < end);
-  return end;
+  std::memcpy(to, from, kCopyPiece);
+  if (size > kCopyPiece) [[unlikely]]
+    std::memcpy(to + kCopyPiece, from + kCopyPiece, size - kCopyPiece);
+  return to + size;
 }
 
 uint32_t MostSteps(const Field& f) {
