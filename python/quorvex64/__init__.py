@@ -1,0 +1,21 @@
+"""Recordings of a power-quality analyser: converted into XML documents, and read from them."""
+
+from ._documents import DocumentError, frame, head, read, records
+from ._library import LibraryError, QuorvexError, load
+from ._recordings import Cancelled, ConversionError, RecordInfo, convert, info
+
+__all__ = [
+    "Cancelled",
+    "ConversionError",
+    "DocumentError",
+    "LibraryError",
+    "QuorvexError",
+    "RecordInfo",
+    "convert",
+    "frame",
+    "head",
+    "info",
+    "load",
+    "read",
+    "records",
+]

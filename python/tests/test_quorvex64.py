@@ -1,0 +1,236 @@
+"""The package over sample recordings of every type. QUORVEX64_LIBRARY names the library, beside
+which the command line lies and the program that makes the samples."""
+
+import _ctypes
+import doctest
+import importlib.util
+import os
+import re
+import shutil
+import struct
+import subprocess
+import sys
+import tempfile
+import threading
+import tracemalloc
+import unittest
+from collections import Counter
+from concurrent.futures import ThreadPoolExecutor
+from datetime import datetime, timedelta
+from pathlib import Path
+from typing import Any
+from unittest import mock
+from xml.etree import ElementTree
+
+import quorvex64 as q
+from quorvex64 import _documents, _library
+
+NEEDS_PANDAS = unittest.skipUnless(importlib.util.find_spec("pandas"), "pandas is not installed")
+LIBRARY = Path(os.environ["QUORVEX64_LIBRARY"]).resolve()
+PACKAGE = Path(q.__file__).resolve().parent
+MARKER = struct.pack("<f", -1e37)  # a float without a value
+
+# Where values lie: sample, place of its first record, size of a record; number of a record, way to
+# the value, format, offset in the record. T is a date-time; numbers make lists, or texts of s.
+VALUES = """
+R0001GEN 3072 40448 143  VOLTAGES/U[u2]/rms/max             f     256
+R0001GEN 3072 40448 0    HARMONICS_U/HARM_U[u2h]            102f  12624
+R0002SNP 3072 42148 1    RESULTS/RMS12/Vrms12/29/TIME_STAMP T     1812
+R0003RDG 3072 32    23   timeEnd                            T     0
+R0005WAV 3072 64000 0    VOLTAGES/U[u2]/v                   2000f 8000
+R0006LIV 3072 79516 0    TIME_START                         T     78528
+R0007ALA 3364 864   5    QUANTITY_VALUE                     f     840
+R0008EVE 3224 264   3    RMS_12_AT_TRANSITION               f     4
+R0009SIG 3072 3448  0    SIGNALLING_DATA/END_TIMES/END_TIME/1 T   64
+R0010RVC 3072 4088  1    RMS12_VALUES/RMS12/199/TIME_STAMP  T     4040
+R0011AVG 3072 7688  0    L1/MOTOR/Ep                        d     40
+R0012TRA 3072 3164  2    name                               16s   0
+R0013INR 3072 24    2    MAX_I                              f     20
+R0014RDG 3072 32    9    type                               B     16
+R0015SES 8    96    0    ELEMENT/2/num                      i     84
+R0016VQ  3072 536   1007 HARMONICS_U/HARM_U[u3h]            41f   356
+R0017WSR 3072 24032 1    timeStart                          T     0
+R0018EME 3072 144   4    PFm                                f     132
+"""
+
+
+def stored(data: bytes, form: str, offset: int, exact: bool = False) -> Any:
+    """What the bytes are; floats with the digits of their texts."""
+    if form == "T":
+        *whole, seconds = struct.unpack_from("<HBBBBxxd", data, offset)
+        return datetime(*whole) + timedelta(microseconds=int(seconds * 1e6))
+    values = list(struct.unpack_from("<" + form, data, offset))
+    if form.endswith("s"):
+        return values[0].decode()
+    if form.endswith(("d", "f")):
+        values = [float(v if exact else f"{v:.6E}") for v in values]
+        values = [None if struct.pack("<f", v) == MARKER else v for v in values]
+    return values if len(form) > 1 else values[0]
+
+
+class Package(unittest.TestCase):
+    folder: Path
+
+    @classmethod
+    def setUpClass(cls) -> None:
+        scratch = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(scratch.cleanup)
+        cls.folder = Path(scratch.name, "Messgeräte Ω")
+        cls.folder.mkdir()
+        subprocess.run([LIBRARY.with_name("make_samples"), cls.folder], check=True)
+        for recording in cls.folder.glob("*.REC"):
+            q.convert(recording)
+
+    def test_values_are_those_of_the_recording(self) -> None:
+        rows = [line.split() for line in VALUES.strip().splitlines()]
+        documents = {row[0]: q.read(self.folder / f"{row[0]}.xml") for row in rows}
+        for name, start, size, record, way, form, offset in rows:
+            data = (self.folder / f"{name}.REC").read_bytes()
+            if name != "R0015SES":  # sessions differ in size
+                self.assertEqual((len(data) - int(start)) // int(size), len(documents[name]), name)
+            value: Any = documents[name][int(record)]
+            for step in way.split("/"):
+                value = value[int(step) if isinstance(value, list) else step]
+            place = int(start) + int(record) * int(size) + int(offset)
+            expected = stored(data, form, place, exact="HARM_U[" in way or "HARM_I[" in way)
+            self.assertEqual(expected, value, (name, way))
+
+    def test_missing_values_the_head_and_damage(self) -> None:
+        data = bytearray((self.folder / "R0201GEN.REC").read_bytes())
+        data[3072 + 24 : 3072 + 40] = bytes(16)  # a date-time that was never set
+        data[3072 + 3104 + 4 * 5 : 3072 + 3104 + 4 * 6] = MARKER  # a fifth harmonic
+        (self.folder / "missing.bin").write_bytes(data)
+        record = q.read(q.convert(self.folder / "missing.bin", records=(1, 1)))[0]
+        orders = record["HARMONICS_U"]["HARM_U[u1h]"]
+        self.assertEqual((5, 1), (orders.index(None), orders.count(None)))
+        self.assertIsNone(record["START_TIME"])
+        settings = q.head(self.folder / "R0004SET.xml")["UIF_PARAMS"]
+        self.assertEqual("Flexible clamp 1000 A", settings["CLAMP_N"]["NAME"])
+        cut = (self.folder / "R0010RVC.xml").read_text()[:40000]
+        spectrum = "<Project><RECORDS><R><H>\n" + "A" * 13 + "</H></R></RECORDS></Project>"
+        for text in (cut, "", "<other/>", spectrum):
+            (self.folder / "damaged.txt").write_text(text)
+            self.assertRaises(q.DocumentError, q.read, self.folder / "damaged.txt")
+
+    def test_what_can_repeat_is_a_list_even_alone(self) -> None:
+        never_alone = {"N", "avg", "RMS12", "Project", "RECORDS", "TRANSITIONS"}
+        repeats = {("RMS12", "Vrms12")}
+        for document in self.folder.glob("R*.xml"):
+            for parent in ElementTree.parse(document).iter():
+                tags = Counter((child.tag, child.get("phase")) for child in parent)
+                pairs = [(parent.tag, tag) for (tag, _), times in tags.items() if times > 1]
+                repeats |= {pair for pair in pairs if not never_alone & set(pair)}
+        self.assertGreater(len(repeats), 20)
+        for tag, name in repeats:
+            parent = ElementTree.fromstring(f"<{tag}><{name}>1</{name}></{tag}>")
+            self.assertEqual({name: [1]}, _documents._group(parent))
+
+    def test_memory_holds_one_record(self) -> None:
+        tracemalloc.start()
+        self.addCleanup(tracemalloc.stop)
+        self.assertEqual(144, sum(1 for _ in q.records(self.folder / "R0201GEN.xml")))
+        self.assertLess(tracemalloc.get_traced_memory()[1], 2_000_000)
+
+    @NEEDS_PANDAS
+    def test_frame(self) -> None:
+        data = (self.folder / "R0018EME.REC").read_bytes()
+        meter = q.frame(self.folder / "R0018EME.xml")
+        starts = [stored(data, "T", 3072 + 144 * i) for i in range(5)]
+        self.assertEqual(starts, list(meter["START_TIME"]))
+        self.assertTrue(meter["PFm"].isna().all())
+        data = (self.folder / "R0010RVC.REC").read_bytes()
+        change = q.frame(self.folder / "R0010RVC.xml").iloc[1]
+        self.assertEqual(stored(data, "200f", 3072 + 4088 + 56), change["RMS12_VALUES/RMS12/U"])
+        with mock.patch.dict(sys.modules, pandas=None):
+            self.assertRaisesRegex(ImportError, "needs pandas", q.frame, "R0010RVC.xml")
+
+    def test_info_is_what_the_command_line_tells(self) -> None:
+        for path in self.folder.glob("R*.REC"):
+            command = [str(LIBRARY.with_name("quorvex")), "info", str(path)]
+            answer = subprocess.run(command, check=True, capture_output=True, text=True).stdout
+            told = {label: text.strip() for label, text in re.findall("(.+?): (.+)", answer)}
+            told["start"] = told.pop("time", told.get("start", "None"))
+            info = q.info(path)
+            self.assertEqual((told["type"], told["version"]), (f"{info.type}, {info.name}", "5"))
+            for time, label in ((info.start, "start"), (info.end, "end")):
+                shown = f"{time:%d.%b.%Y %H:%M:%S.%f}"[:-3] if time else "None"
+                self.assertEqual(told.get(label, "None"), shown)
+            self.assertEqual("interval" in told, info.interval == timedelta(minutes=10))
+            self.assertEqual({label: told.get(label) for label in info.fields}, info.fields)
+            self.assertEqual("trigger" in told, "trigger" in info.fields)
+        self.assertEqual(144, q.info(self.folder / "R0001GEN.REC").records)
+
+    def test_failures_say_why_and_leave_nothing(self) -> None:
+        (self.folder / "three.bin").write_bytes(b"\5\0\0")
+        (self.folder / "unknown.bin").write_bytes(struct.pack("<II", 5, 25))
+        shutil.copy(self.folder / "R0015SES.REC", self.folder / "itself.xml")
+        before = sorted(self.folder.iterdir())
+        cases: list[tuple[str, Any, type[Exception], str]] = [
+            ("missing.REC", None, FileNotFoundError, "missing"),
+            ("three.bin", None, q.ConversionError, "3 of 8 bytes"),
+            ("unknown.bin", None, q.ConversionError, "unknown record type 25"),
+            (".", None, q.ConversionError, "folder"),
+            ("itself.xml", None, q.ConversionError, "itself"),
+            ("R0010RVC.REC", self.folder, q.ConversionError, "no regular file"),
+            ("R0010RVC.REC", self.folder / "none/out.xml", FileNotFoundError, "none"),
+        ]
+        for name, document, error, reason in cases:
+            with self.assertRaisesRegex(error, reason, msg=name):
+                q.convert(self.folder / name, document)
+        self.assertRaises(ValueError, q.convert, self.folder / "R0001GEN.REC", records=(5, 3))
+        self.assertRaisesRegex(OSError, "longer than 511", _library.path_bytes, Path("a" * 512))
+        self.assertEqual(before, sorted(self.folder.iterdir()))
+
+    def test_progress_cancels(self) -> None:
+        seen: list[float] = []
+        recording = self.folder / "R0007ALA.REC"
+        document = q.convert(recording, progress=seen.append)
+        self.assertEqual((6, 1.0, sorted(seen)), (len(seen), seen[-1], seen))
+        before = document.read_bytes()
+        self.assertRaises(q.Cancelled, q.convert, recording, progress=lambda _: False)
+        self.assertRaises(ZeroDivisionError, q.convert, recording, progress=lambda _: 1 / 0)
+        self.assertEqual(before, document.read_bytes())
+        # Of an unknown profile all record numbers would be counted through, for the callback only.
+        data = bytearray((self.folder / "R0101GEN.REC").read_bytes())
+        data[8 + 976] = 9
+        (self.folder / "profile.bin").write_bytes(data)
+        self.assertEqual([], q.read(q.convert(self.folder / "profile.bin", progress=self.fail)))
+
+    def test_threads_convert_at_once(self) -> None:
+        names = ["R0002SNP", "R0003RDG", "R0007ALA", os.fsdecode(b"\xff")]
+        for end in (".REC", ".xml"):
+            shutil.copy(self.folder / f"R0016VQ{end}", self.folder / f"{names[-1]}{end}")
+        under_way = threading.Barrier(len(names), timeout=60)
+
+        def convert(name: str) -> Path:
+            waits = iter([under_way.wait])
+            document = self.folder / f"{name}.again"
+            return q.convert(self.folder / f"{name}.REC", document, lambda _: next(waits, int)())
+
+        with ThreadPoolExecutor(len(names)) as threads:
+            for document in threads.map(convert, names):
+                once = document.with_suffix(".xml").read_bytes()
+                self.assertEqual(once, document.read_bytes())
+
+    @NEEDS_PANDAS
+    def test_the_example_of_the_documentation(self) -> None:
+        self.addCleanup(os.chdir, os.getcwd())
+        os.chdir(self.folder)
+        readme = str(PACKAGE.parent / "README.md")
+        result = doctest.testfile(readme, module_relative=False, optionflags=doctest.ELLIPSIS)
+        self.assertEqual((0, True), (result.failed, result.attempted > 3))
+
+    def test_finds_the_right_library(self) -> None:
+        for path in ("/none.so", __file__, _ctypes.__file__):
+            self.assertRaisesRegex(q.LibraryError, "cannot be loaded|has no Quorvex", q.load, path)
+        with mock.patch.object(_library, "VERSION", 1):
+            self.assertRaisesRegex(q.LibraryError, "version 3744", q.load, LIBRARY)
+        package = self.folder / "lib/python3/dist-packages/quorvex64"
+        shutil.copytree(PACKAGE, package)
+        command = [sys.executable, "-c", "import quorvex64; quorvex64.load()"]
+        environment = {"PYTHONPATH": str(package.parent), "LANG": "C.UTF-8"}
+        for place, code in ((self.folder, 1), (package, 0), (self.folder / "lib", 0)):
+            beside = shutil.copy(LIBRARY, place / _library.FILE_NAME)
+            done = subprocess.run(command, env=environment, cwd="/", stderr=subprocess.DEVNULL)
+            self.assertEqual(code, done.returncode, place)
+            os.remove(beside)
