@@ -20,19 +20,28 @@ target_include_directories(quorvex_static PUBLIC ${CMAKE_SOURCE_DIR}/src ${CMAKE
 target_compile_definitions(quorvex_static INTERFACE QUORVEX_STATIC)
 
 add_library(Quorvex64 SHARED $<TARGET_OBJECTS:quorvex_objects>)
-target_include_directories(Quorvex64 INTERFACE ${CMAKE_SOURCE_DIR}/include)
+target_include_directories(Quorvex64 INTERFACE $<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}/include>)
 if(WIN32)
   configure_file(${CMAKE_SOURCE_DIR}/cmake/version.rc.in ${CMAKE_BINARY_DIR}/version.rc)
   target_sources(Quorvex64 PRIVATE ${CMAKE_SOURCE_DIR}/cmake/Quorvex64.def
                                    ${CMAKE_BINARY_DIR}/version.rc)
-  set_target_properties(Quorvex64 PROPERTIES PREFIX "")
+  # One import library for every compiler: the short form, which MinGW reads as well as MSVC. The
+  # linker's own is for MinGW only.
+  set_target_properties(Quorvex64 PROPERTIES PREFIX "" IMPORT_PREFIX "" IMPORT_SUFFIX .lib)
+  find_program(LLVM_DLLTOOL llvm-dlltool NO_CMAKE_FIND_ROOT_PATH)
+  if(LLVM_DLLTOOL)
+    add_custom_command(TARGET Quorvex64 POST_BUILD VERBATIM
+      COMMAND ${LLVM_DLLTOOL} -m i386:x86-64 -d ${CMAKE_SOURCE_DIR}/cmake/Quorvex64.def
+              -l $<TARGET_LINKER_FILE:Quorvex64>)
+  endif()
   # The DLL imports nothing but what Windows has: the C++ runtime is linked in.
   target_link_options(Quorvex64 PRIVATE -static)
 else()
   # Exactly the exports: template instantiations of the C++ library stay inside.
   set(export_map ${CMAKE_SOURCE_DIR}/cmake/exports.map)
   target_link_options(Quorvex64 PRIVATE -Wl,--version-script=${export_map} -Wl,--no-undefined)
-  set_target_properties(Quorvex64 PROPERTIES LINK_DEPENDS ${export_map})
+  set_target_properties(Quorvex64 PROPERTIES LINK_DEPENDS ${export_map} VERSION ${PROJECT_VERSION}
+                                             SOVERSION ${PROJECT_VERSION_MAJOR})
   if(QUORVEX_SANITIZE)
     target_link_options(Quorvex64 PRIVATE -Wl,--undefined-version)
   endif()

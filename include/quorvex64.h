@@ -6,18 +6,19 @@
  *
  *  1. Calls are synchronous and work from a cold library: there is nothing to initialise, and
  *     nothing is kept between calls but a count of the bytes handed out.
- *  2. Paths are NUL-terminated 8-bit strings: the active code page on Windows, the file system's
- * own bytes elsewhere. Both '/' and '\' separate directories. A path longer than 511 bytes counts
- * as a file that cannot be opened.
+ *  2. Paths are NUL-terminated 8-bit strings: the active code page on Windows, the file
+ *     system's own bytes elsewhere. Both '/' and '\' separate directories. A path longer than
+ *     511 bytes counts as a file that cannot be opened.
  *  3. Nothing reports an error. A file that cannot be opened, a file of an unknown type and an
- * output that cannot be created all leave no document behind, without a message. A null path does
- *     nothing; queries then answer 0. A host that wants to explain looks at the files itself.
+ *     output that cannot be created all leave no document behind, without a message. A null path
+ *     does nothing; queries then answer 0. A host that wants to explain looks at the files
+ *     itself.
  *  4. Damaged files: whatever a file holds, a call ends, stays inside its memory and gives back
  * what it took. A recording that is cut short converts as far as it goes, into a well-formed
  * document as long as its free texts are.
  *  5. Threads: functions may run on several threads at once, for different files. Two conversions
- *     into the same document at once are the caller's mistake. A progress callback runs on the
- * thread of its conversion.
+ *     into the same document at once are the caller's mistake. A progress callback runs on
+ *     the thread of its conversion.
  *  6. Ownership: only the two buffer functions hand out memory, and only the two destroy functions
  *     take it back. Every other pointer stays the caller's and is not kept.
  *
@@ -29,6 +30,9 @@
 #define QUORVEX64_H
 
 #include <stdint.h>
+
+/* The version of this header. The build takes its own from here: 3744 is release 3.7.44. */
+#define QUORVEX_VERSION 3744
 
 #if defined(_WIN32)
 #define QUORVEX_CALL __cdecl
@@ -58,7 +62,7 @@ extern "C" {
  */
 typedef int32_t(QUORVEX_CALL* QuorvexProgress)(float fraction);
 
-/* The version of this library: 3744. */
+/* The version of the library that runs: QUORVEX_VERSION of the header it was built with. */
 QUORVEX_API int32_t QUORVEX_CALL QuorvexGetVersion(void);
 
 /*

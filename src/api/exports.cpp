@@ -9,7 +9,6 @@ namespace {
 
 using namespace quorvex;
 
-constexpr int32_t kLibraryVersion = 3744;
 constexpr uint32_t kHeadParamsBuffer = 30720;  // room for a head-and-settings document
 constexpr uint32_t kGenRecBuffer = 404480;     // ten times the full general record
 constexpr uint32_t kGeneralType = 1;
@@ -24,7 +23,7 @@ void Convert(const Request& request) {
 
 }  // namespace
 
-int32_t QuorvexGetVersion(void) { return kLibraryVersion; }
+int32_t QuorvexGetVersion(void) { return QUORVEX_VERSION; }
 
 int32_t QuorvexGetFileVersion(const char* path) {
   FileHeader header{};

@@ -1,0 +1,54 @@
+# What `cmake --install` lays out: for Linux as Debian expects it, for Windows as a folder to unpack.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+if(WIN32)
+  set(data_dir .)
+  set(doc_dir .)
+else()
+  set(data_dir ${CMAKE_INSTALL_DATADIR}/quorvex64)
+  set(doc_dir ${CMAKE_INSTALL_DATADIR}/doc/quorvex64)
+endif()
+
+target_include_directories(Quorvex64 INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+install(TARGETS Quorvex64 EXPORT Quorvex64)
+install(TARGETS quorvex)
+install(FILES include/quorvex64.h TYPE INCLUDE)
+
+# find_package(Quorvex64): the library needs nothing else, so the exported targets are all there is.
+set(cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Quorvex64)
+install(EXPORT Quorvex64 NAMESPACE Quorvex64:: FILE Quorvex64Config.cmake DESTINATION ${cmake_dir})
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/Quorvex64ConfigVersion.cmake
+                                 COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_BINARY_DIR}/Quorvex64ConfigVersion.cmake DESTINATION ${cmake_dir})
+
+install(DIRECTORY examples docs DESTINATION ${doc_dir} PATTERN windows.txt EXCLUDE)
+install(DIRECTORY schema DESTINATION ${data_dir} OPTIONAL)
+
+# Builds all of it, without the tests.
+add_custom_target(installed_files DEPENDS Quorvex64 quorvex)
+
+if(WIN32)
+  install(FILES docs/windows.txt DESTINATION . RENAME README.txt)
+  install(FILES cmake/Quorvex64.def TYPE LIB)
+else()
+  install(FILES README.md DESTINATION ${doc_dir})
+  install(FILES tools/quorvex/completion.bash RENAME quorvex
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+  file(RELATIVE_PATH up /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+  configure_file(cmake/quorvex64.pc.in ${CMAKE_BINARY_DIR}/quorvex64.pc @ONLY)
+  install(FILES ${CMAKE_BINARY_DIR}/quorvex64.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+  # The manual page is what the command says of itself.
+  find_program(HELP2MAN help2man)
+  if(HELP2MAN)
+    add_custom_command(
+      OUTPUT quorvex.1.gz
+      COMMAND bash ${CMAKE_SOURCE_DIR}/cmake/manual_page $<TARGET_FILE:quorvex> ${PROJECT_VERSION}
+              quorvex.1.gz
+      DEPENDS quorvex ${CMAKE_SOURCE_DIR}/cmake/manual_page VERBATIM)
+    add_custom_target(manual_page ALL DEPENDS quorvex.1.gz)
+    add_dependencies(installed_files manual_page)
+    install(FILES ${CMAKE_BINARY_DIR}/quorvex.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  endif()
+endif()
