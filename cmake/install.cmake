@@ -5,9 +5,11 @@ include(CMakePackageConfigHelpers)
 if(WIN32)
   set(data_dir .)
   set(doc_dir .)
+  set(python_dir python)
 else()
   set(data_dir ${CMAKE_INSTALL_DATADIR}/quorvex64)
   set(doc_dir ${CMAKE_INSTALL_DATADIR}/doc/quorvex64)
+  set(python_dir lib/python3/dist-packages)
 endif()
 
 target_include_directories(Quorvex64 INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
@@ -24,6 +26,8 @@ install(FILES ${CMAKE_BINARY_DIR}/Quorvex64ConfigVersion.cmake DESTINATION ${cma
 
 install(DIRECTORY examples docs DESTINATION ${doc_dir} PATTERN windows.txt EXCLUDE)
 install(DIRECTORY schema DESTINATION ${data_dir} OPTIONAL)
+install(DIRECTORY python/quorvex64 DESTINATION ${python_dir}
+        FILES_MATCHING PATTERN "*.py" PATTERN py.typed)
 
 # Builds all of it, without the tests.
 add_custom_target(installed_files DEPENDS Quorvex64 quorvex)

@@ -111,6 +111,8 @@ def _places() -> Iterator[Path]:
     package = Path(__file__).resolve().parent
     yield package
     yield package.parent
+    if sys.platform == "win32":
+        yield package.parent.parent / "bin"  # the unpacked zip: python\\quorvex64 and bin
     prefixes = [Path(sys.prefix)]
     if package.parent.name in ("dist-packages", "site-packages"):
         # PREFIX/lib/python3/dist-packages/quorvex64, PREFIX\Lib\site-packages\quorvex64
