@@ -131,6 +131,22 @@ TEST(ElementWriter, Base64) {
     const auto* from = reinterpret_cast<const uint8_t*>(bytes.data());
     EXPECT_EQ(text, std::string(to, Base64Encode(from, static_cast<uint32_t>(bytes.size()), to)));
   }
+  // Every six bits in every place of a long text.
+  const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  for (uint32_t first = 0; first < 64; ++first) {
+    std::string bytes, text;
+    for (uint32_t i = 0; i < 64; i += 4) {
+      uint32_t three_bytes = 0;
+      for (uint32_t k = i; k < i + 4; ++k) {
+        three_bytes = three_bytes << 6 | (first + k) % 64;
+        text += alphabet[(first + k) % 64];
+      }
+      for (const int shift : {16, 8, 0}) bytes += static_cast<char>(three_bytes >> shift);
+    }
+    char to[64];
+    const auto* from = reinterpret_cast<const uint8_t*>(bytes.data());
+    EXPECT_EQ(text, std::string(to, Base64Encode(from, 48, to)));
+  }
 }
 
 constexpr Field kPairRows[] = {U8("a", 0), Gap(1, 1), U16("b", 2)};
