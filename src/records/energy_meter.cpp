@@ -60,6 +60,10 @@ static_assert(Tiles(kResult));
 const RecordType kEnergyMeter = {
     .type = 18,
     .name = "energy meter tests",
+    .about =
+        "What is written follows the connection; of an unknown one only the error of the meter "
+        "is told. A last record that is cut short is written with the bytes of the one before "
+        "in the place of those that it lacks.",
     .list = "RECORDS",
     .record = &kResult,
     .write = WriteCountedRecords,

@@ -1,6 +1,7 @@
 // Type 6: one copy of the live results, every channel position of the instrument whatever the
 // connection.
 #include "records/channel_groups.h"
+#include "records/channels.h"
 #include "records/record_types.h"
 #include "records/sample_scales.h"
 #include "support/loads.h"
@@ -20,7 +21,6 @@ constexpr uint32_t kFurtherAt = 79392;
 constexpr uint32_t kCheckAt = kFurtherAt + 64;
 constexpr uint32_t kLiveResultsSize = kCheckAt + 60;
 
-constexpr Cases kInverter = Connections({6, 7});
 constexpr Cases kNoInverter = NotConnections({6, 7});
 
 constexpr Field kRms12ListRows[] = {
@@ -96,10 +96,18 @@ void WriteLiveResults(const Conversion& c) {
 const RecordType kLiveResults = {
     .type = 6,
     .name = "live results",
+    .about =
+        "One copy of what the instrument shows: every channel position, whatever the "
+        "connection. Pairs of phases are scaled as their first phase. Values of an inverter "
+        "stand in the block of the channel that measures its input: in its tail and behind its "
+        "first energies. What a file cut short lacks is zero. Samples are raw steps of the "
+        "converter, written in volts and amperes: times the step of the range, its calibration "
+        "and the ratios of the transformers.",
     .list = nullptr,
     .record = &kLiveResultsRecord,
     .write = WriteLiveResults,
     .state = true,
+    .once = true,
 };
 
 }  // namespace quorvex

@@ -7,6 +7,7 @@ namespace quorvex {
 const RecordType kSettingsOnly = {
     .type = 4,
     .name = "settings",
+    .about = "The settings and nothing else: there is not even an empty list of records.",
     .list = nullptr,
     .record = nullptr,
     .write = nullptr,

@@ -130,6 +130,11 @@ void WriteIntervals(const Conversion& c) {
 const RecordType kVoltageQuality = {
     .type = 16,
     .name = "voltage quality",
+    .about =
+        "RMS, distortion, flicker and the spectrum of three voltages, an interval a record. The "
+        "recording interval chooses one of three layouts for the whole file. An inverter at a "
+        "three-phase network (connection 7) counts as line-to-line, unlike in general "
+        "recordings. A last record that is cut short is left out.",
     .list = "RECORDS",
     .record = nullptr,
     .write = WriteIntervals,
