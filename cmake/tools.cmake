@@ -5,7 +5,7 @@ find_path(CLI11_INCLUDE CLI/CLI.hpp REQUIRED PATHS /usr/include NO_CMAKE_FIND_RO
 file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/header-only)
 file(CREATE_LINK ${CLI11_INCLUDE}/CLI ${CMAKE_BINARY_DIR}/header-only/CLI SYMBOLIC)
 
-file(GLOB tool_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/quorvex/*.cpp)
+file(GLOB_RECURSE tool_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/quorvex/*.cpp)
 add_executable(quorvex ${tool_sources})
 target_include_directories(quorvex SYSTEM PRIVATE ${CMAKE_BINARY_DIR}/header-only)
 target_link_libraries(quorvex PRIVATE quorvex_static quorvex_flags)

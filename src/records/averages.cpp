@@ -82,17 +82,17 @@ constexpr uint32_t kSummarySize = 7688;
 constexpr Field kAverageRows[] = {
     I32("NUM", 0, "values summed up"),
     Gap(4, 4),
-    Group("L1", 8 + 0 * kLineSize, kLineRows),
-    Group("L2", 8 + 1 * kLineSize, kLineRows),
-    Group("L3", 8 + 2 * kLineSize, kLineRows),
+    Group("L1", 8 + 0 * kLineSize, kLineRows, "phase 1"),
+    Group("L2", 8 + 1 * kLineSize, kLineRows, "phase 2"),
+    Group("L3", 8 + 2 * kLineSize, kLineRows, "phase 3"),
     Group("TN", 8 + 3 * kLineSize, kLineRows, "total and neutral"),
 };
 constexpr Field kExtremeRows[] = {
     I32("NUM", 0, "values summed up"),
     Gap(4, 4),
-    Group("L1", 8 + 0 * kLineSize, kLineWithoutSpectraRows),
-    Group("L2", 8 + 1 * kLineSize, kLineWithoutSpectraRows),
-    Group("L3", 8 + 2 * kLineSize, kLineWithoutSpectraRows),
+    Group("L1", 8 + 0 * kLineSize, kLineWithoutSpectraRows, "phase 1"),
+    Group("L2", 8 + 1 * kLineSize, kLineWithoutSpectraRows, "phase 2"),
+    Group("L3", 8 + 2 * kLineSize, kLineWithoutSpectraRows, "phase 3"),
     Group("TN", 8 + 3 * kLineSize, kLineWithoutSpectraRows, "total and neutral"),
 };
 

@@ -9,7 +9,7 @@ namespace quorvex {
 
 // A value with the code of its kind (inductive or capacitive, import or export).
 inline constexpr auto kTypedRows = Shared({"typed value"}, {
-                                                               F32("value", 0),
+                                                               F32("value", 0, "value"),
                                                                I32("type", 4, "kind of the value"),
                                                            });
 constexpr Field Typed(const char* name, uint32_t at, const char* meaning = "") {
@@ -99,9 +99,11 @@ inline constexpr auto kMomentaryTotalPowerRows =
 
 // The accumulation periods: since the start, the one that runs, the one before.
 inline constexpr Field kTotalsRows[] = {
-    Group("POWER_ENERGY_TOTAL", 0, kMomentaryTotalPowerRows),
-    Group("POWER_ENERGY_TOTAL_CURRENT", kMomentaryTotalPowerSize, kMomentaryTotalPowerRows),
-    Group("POWER_ENERGY_TOTAL_LAST", 2 * kMomentaryTotalPowerSize, kMomentaryTotalPowerRows),
+    Group("POWER_ENERGY_TOTAL", 0, kMomentaryTotalPowerRows, "powers and energies in total"),
+    Group("POWER_ENERGY_TOTAL_CURRENT", kMomentaryTotalPowerSize, kMomentaryTotalPowerRows,
+          "powers and energies of the running period"),
+    Group("POWER_ENERGY_TOTAL_LAST", 2 * kMomentaryTotalPowerSize, kMomentaryTotalPowerRows,
+          "powers and energies of the last period"),
 };
 
 inline constexpr auto kMomentarySymmetryRows = Shared(
@@ -132,7 +134,7 @@ constexpr uint32_t kRms12Size = 32;
 constexpr uint32_t kRms12Room = 90;
 constexpr uint32_t kRms12LongRoom = 330;
 constexpr Field Rms12List(uint32_t room) {
-  return Each("Vrms12", 4, room, kRms12Size, kRms12Rows).CountAt(0);
+  return Each("Vrms12", 4, room, kRms12Size, kRms12Rows, "a reading").CountAt(0);
 }
 constexpr uint32_t Rms12ListSize(uint32_t room) { return 4 + room * kRms12Size; }
 
@@ -182,11 +184,12 @@ inline constexpr Field kScopesRows[] = {
 
 constexpr uint32_t kChannelPowerAt = 8272;
 inline constexpr Field kChannelPowersRows[] = {
-    Group("POWER_ENERGY", kChannelPowerAt, kMomentaryPhasePowerRows),
+    Group("POWER_ENERGY", kChannelPowerAt, kMomentaryPhasePowerRows,
+          "powers and energies in total"),
     Group("POWER_ENERGY_CURRENT", kChannelPowerAt + kMomentaryPhasePowerSize,
-          kMomentaryPhasePowerRows),
+          kMomentaryPhasePowerRows, "powers and energies of the running period"),
     Group("POWER_ENERGY_LAST", kChannelPowerAt + 2 * kMomentaryPhasePowerSize,
-          kMomentaryPhasePowerRows),
+          kMomentaryPhasePowerRows, "powers and energies of the last period"),
 };
 
 inline constexpr auto kSpectrumRows =
@@ -198,13 +201,12 @@ inline constexpr Field kChannelSpectraRows[] = {
     Group("INTER_HARM_I", 9316, kSpectrumRows, "current interharmonics"),
 };
 
-inline constexpr auto kFlickerRows =
-    Shared({"flicker"}, {
-                            F32("P_INST", 9520, "instantaneous flicker"),
-                            F32("P_ST", 9524, "short-term flicker"),
-                            F32("P_LT", 9528, "long-term flicker"),
-                            F32("P_ST_1MIN", 9532, "flicker over one minute"),
-                        });
+inline constexpr Field kFlickerRows[] = {
+    F32("P_INST", 9520, "instantaneous flicker"),
+    F32("P_ST", 9524, "short-term flicker"),
+    F32("P_LT", 9528, "long-term flicker"),
+    F32("P_ST_1MIN", 9532, "flicker over one minute"),
+};
 
 // A channel of a snapshot.
 inline constexpr auto kSnapshotChannelRows =
@@ -215,7 +217,7 @@ inline constexpr auto kSnapshotChannelRows =
                                      Rows(0, kScopesRows<0>),
                                      Rows(0, kChannelPowersRows),
                                      Rows(0, kChannelSpectraRows),
-                                     Group("FLICKER", kFlickerRows),
+                                     Group("FLICKER", kFlickerRows, "flicker"),
                                      Gap(9536, 64),
                                  });
 inline constexpr Field kSnapshotChannel = Record("", kChannelBlockSize, kSnapshotChannelRows);
@@ -235,7 +237,7 @@ inline constexpr auto kLiveChannelRows =
                Rows(0, kScopesRows<channel>),
                Rows(0, kChannelPowersRows),
                Rows(0, kChannelSpectraRows),
-               Group("FLICKER", kFlickerRows).In(kFullLists),
+               Group("FLICKER", kFlickerRows, "flicker").In(kFullLists),
                Gap(9536, 40),
                Gap(9580, 20),
            });

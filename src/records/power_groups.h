@@ -153,8 +153,9 @@ inline constexpr auto kTotalPowerRows =
 static_assert(Tiles(Record("pt", kTotalPowerSize, kTotalPowerRows)));
 
 // Averages count in floats. Factors keep a second value that is not written.
-inline constexpr auto kAvgAPairRows = Shared(
-    {"single avgA of a pair", "The second value is not written."}, {F32("avgA", 0), Gap(4, 4)});
+inline constexpr auto kAvgAPairRows =
+    Shared({"single avgA of a pair", "The second value is not written."},
+           {F32("avgA", 0, "mean"), Gap(4, 4)});
 constexpr Field Avg(const char* name, uint32_t index, const char* meaning, const char* unit = "") {
   return Quantity(name, index * 4, kAvgRows, meaning, unit);
 }

@@ -20,41 +20,46 @@ constexpr Field Quantity(const char* name, uint32_t at, const Table& table, cons
 
 // Statistics over an interval. `avgA` and `rmsA` are kept by the instrument beside the plain mean.
 inline constexpr auto kMinMaxRmsRows =
-    Shared({"extremes and RMS"}, {F32("min", 0), F32("max", 4), F32("rms", 8)});
+    Shared({"extremes and RMS"},
+           {F32("min", 0, "smallest"), F32("max", 4, "largest"), F32("rms", 8, "RMS")});
 inline constexpr auto kMinMaxAvgRows =
-    Shared({"extremes and average"}, {F32("min", 0), F32("max", 4), F32("avg", 8)});
-inline constexpr auto kMaxRmsRows = Shared({"maximum and RMS"}, {F32("max", 0), F32("rms", 4)});
+    Shared({"extremes and average"},
+           {F32("min", 0, "smallest"), F32("max", 4, "largest"), F32("avg", 8, "mean")});
+inline constexpr auto kMaxRmsRows =
+    Shared({"maximum and RMS"}, {F32("max", 0, "largest"), F32("rms", 4, "RMS")});
 inline constexpr auto kMinMaxRmsARows = Shared(
-    {"extremes and two RMS"}, {F32("min", 0), F32("max", 4), F32("rms", 8), F32("rmsA", 12)});
+    {"extremes and two RMS"}, {F32("min", 0, "smallest"), F32("max", 4, "largest"),
+                               F32("rms", 8, "RMS"), F32("rmsA", 12, "kept beside the RMS")});
 inline constexpr auto kMaxRmsARows =
-    Shared({"maximum and two RMS"}, {F32("max", 0), F32("rms", 4), F32("rmsA", 8)});
+    Shared({"maximum and two RMS"},
+           {F32("max", 0, "largest"), F32("rms", 4, "RMS"), F32("rmsA", 8, "kept beside the RMS")});
 // Six values are stored, four written: avgA is the fifth, not the fourth.
 inline constexpr auto kSixValueRows =
     Shared({"six-value statistic",
             "Six values are stored, four written: `avgA` is the fifth, not the fourth."},
            {
-               F32("min", 0),
-               F32("max", 4),
-               F32("avg", 8),
+               F32("min", 0, "smallest"),
+               F32("max", 4, "largest"),
+               F32("avg", 8, "mean"),
                Gap(12, 4),
-               F32("avgA", 16),
+               F32("avgA", 16, "kept beside the mean"),
                Gap(20, 4),
            });
 inline constexpr auto kFrequencyRows = Shared(
     {"frequency statistic", "Stored like a six-value statistic; its average is not written."},
     {
-        F32("min", 0),
-        F32("max", 4),
+        F32("min", 0, "smallest"),
+        F32("max", 4, "largest"),
         Gap(8, 8),
-        F32("avgA", 16),
+        F32("avgA", 16, "kept beside the mean"),
         Gap(20, 4),
     });
 
 // Single values, each in an element of its own.
-inline constexpr auto kRmsRows = Shared({"single RMS"}, {F32("rms", 0)});
+inline constexpr auto kRmsRows = Shared({"single RMS"}, {F32("rms", 0, "the value")});
 inline constexpr Field kNoRmsRows[] = {NoValue("rms")};
-inline constexpr auto kAvgRows = Shared({"single average"}, {F32("avg", 0)});
-inline constexpr auto kAvgARows = Shared({"single avgA"}, {F32("avgA", 0)});
+inline constexpr auto kAvgRows = Shared({"single average"}, {F32("avg", 0, "mean")});
+inline constexpr auto kAvgARows = Shared({"single avgA"}, {F32("avgA", 0, "kept beside the mean")});
 
 constexpr Field Six(const char* name, uint32_t at, const char* meaning, const char* unit = "") {
   return Quantity(name, at, kSixValueRows, meaning, unit);
@@ -75,8 +80,8 @@ inline constexpr auto kSignalInOutRows =
                                         I32("OUT", 4, "3-second values beyond the limit"),
                                     });
 inline constexpr Field kVoltageSignaling3sRows[] = {
-    Group("SIGNAL1", 144, kSignalInOutRows),
-    Group("SIGNAL2", 152, kSignalInOutRows),
+    Group("SIGNAL1", 144, kSignalInOutRows, "signalling frequency 1"),
+    Group("SIGNAL2", 152, kSignalInOutRows, "signalling frequency 2"),
 };
 inline constexpr Field kUnderOverRows[] = {
     F32("under", 0, "underdeviation"),
@@ -197,28 +202,28 @@ constexpr uint32_t kOrders = 51;
 constexpr uint32_t kVoltageSpectrumSize = kOrders * 2 * 4;
 constexpr uint32_t kCurrentSpectrumSize = kOrders * 4 * 4;
 constexpr Field VoltageHarmonics(const char* phase, uint32_t at) {
-  return Spectrum("HARM_U", phase, at, kOrders, 2, 2);
+  return Spectrum("HARM_U", phase, at, kOrders, 2, 2, "voltage harmonics");
 }
 constexpr Field CurrentHarmonics(const char* phase, uint32_t at) {
-  return Spectrum("HARM_I", phase, at, kOrders, 4, 3);
+  return Spectrum("HARM_I", phase, at, kOrders, 4, 3, "current harmonics");
 }
 constexpr Field VoltageInterharmonics(const char* phase, uint32_t at) {
-  return Spectrum("IHARM_U", phase, at, kOrders, 2, 2);
+  return Spectrum("IHARM_U", phase, at, kOrders, 2, 2, "voltage interharmonics");
 }
 constexpr Field CurrentInterharmonics(const char* phase, uint32_t at) {
-  return Spectrum("IHARM_I", phase, at, kOrders, 4, 3);
+  return Spectrum("IHARM_I", phase, at, kOrders, 4, 3, "current interharmonics");
 }
 // Of powers only the first float of an order is written.
 constexpr Field PowerHarmonics(const char* phase, uint32_t at) {
-  return Spectrum("HARM_THD", phase, at, kOrders, 2, 1);
+  return Spectrum("HARM_THD", phase, at, kOrders, 2, 1, "power harmonics");
 }
 // One float an order.
 constexpr uint32_t kPlainSpectrumSize = kOrders * 4;
 constexpr Field PlainVoltageHarmonics(const char* phase, uint32_t at, uint32_t orders = kOrders) {
-  return Spectrum("HARM_U", phase, at, orders, 1, 1);
+  return Spectrum("HARM_U", phase, at, orders, 1, 1, "voltage harmonics");
 }
 constexpr Field PlainCurrentHarmonics(const char* phase, uint32_t at) {
-  return Spectrum("HARM_I", phase, at, kOrders, 1, 1);
+  return Spectrum("HARM_I", phase, at, kOrders, 1, 1, "current harmonics");
 }
 
 }  // namespace quorvex::intervals

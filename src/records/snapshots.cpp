@@ -24,7 +24,7 @@ constexpr Field kRms12ListRows[] = {
 constexpr Field kResultsRows[] = {
     Gap(0, 8),
     Rows(8, kTotalsRows),
-    Group("SYM", 632, kMomentarySymmetryRows),
+    Group("SYM", 632, kMomentarySymmetryRows, "symmetrical components"),
     Group("RMS12", kResultsSize, kRms12ListRows, "latest half-cycle readings"),
     F32("TEMP", 696, "instrument temperature", "degC"),
     Gap(700, 124),
@@ -36,26 +36,26 @@ constexpr Field kResultsRows[] = {
 // the same one.
 constexpr Field kFrontRows[] = {
     Rows(0, kRecordStartRows),
-    Group("RESULTS", kResultsAt, kResultsRows),
+    Group("RESULTS", kResultsAt, kResultsRows, "results of the whole system"),
 };
 constexpr Field kFront = Record("", kRms12At + Rms12ListSize(kRms12LongRoom), kFrontRows);
 static_assert(Tiles(kFront));
 
-constexpr Field Channel(const char* label, Cases in) {
-  Field f = Group(label, kSnapshotChannelRows, "results of a channel").In(in).Behind();
+constexpr Field Channel(const char* label, Cases in, const char* meaning) {
+  Field f = Group(label, kSnapshotChannelRows, meaning).In(in).Behind();
   f.size = kChannelBlockSize;
   return f;
 }
 // Connections of an unknown code have no channels.
 constexpr Field kChannelRows[] = {
-    Channel("L1", Connections({1, 3, 5, 6})),
-    Channel("L2", kPhase2),
-    Channel("L3", kPhase3),
-    Channel("N", Connections({1, 3, 5})),
-    Channel("L12", kLineToLine),
-    Channel("L23", kLineToLine),
-    Channel("L31", kLineToLine),
-    Channel("INV", kInverter),
+    Channel("L1", Connections({1, 3, 5, 6}), "phase 1"),
+    Channel("L2", kPhase2, "phase 2"),
+    Channel("L3", kPhase3, "phase 3"),
+    Channel("N", Connections({1, 3, 5}), "the neutral"),
+    Channel("L12", kLineToLine, "lines 1 and 2"),
+    Channel("L23", kLineToLine, "lines 2 and 3"),
+    Channel("L31", kLineToLine, "lines 3 and 1"),
+    Channel("INV", kInverter, "the input of an inverter"),
 };
 constexpr Field kSnapshotRows[] = {
     kFront,

@@ -70,7 +70,8 @@ constexpr Field kOtherIntervalRows[] = {
     Group("VOLTAGES", kVoltagesRmsRows<532>),
     Group("HARMONICS_U", 40, kSpectraRows<kOrders40>, "voltage harmonics"),
 };
-constexpr Field kOtherInterval = Record("RECORD_RESULTS", 544, kOtherIntervalRows, "an interval");
+constexpr Field kOtherInterval =
+    Record("RECORD_RESULTS", 544, kOtherIntervalRows, "an interval of any other length");
 static_assert(Tiles(kOtherInterval));
 
 constexpr Field kQuarterHourRows[] = {
@@ -79,7 +80,8 @@ constexpr Field kQuarterHourRows[] = {
     Group("HARMONICS_U", 40, kSpectraRows<kOrders15>, "voltage harmonics"),
     Gap(244, 4),
 };
-constexpr Field kQuarterHour = Record("RECORD_RESULTS", 248, kQuarterHourRows, "an interval");
+constexpr Field kQuarterHour =
+    Record("RECORD_RESULTS", 248, kQuarterHourRows, "an interval of 900 s");
 static_assert(Tiles(kQuarterHour));
 
 // No RMS voltage is kept here: the first array is the distortion.
@@ -89,7 +91,8 @@ constexpr Field kTenMinutesRows[] = {
     Group("HARMONICS_U", 28, kSpectraRows<kOrders40>, "voltage harmonics"),
     Gap(532, 4),
 };
-constexpr Field kTenMinutes = Record("RECORD_RESULTS", 536, kTenMinutesRows, "an interval");
+constexpr Field kTenMinutes =
+    Record("RECORD_RESULTS", 536, kTenMinutesRows, "an interval of 600 s");
 static_assert(Tiles(kTenMinutes));
 
 constexpr const Field* kLayouts[] = {&kOtherInterval, &kTenMinutes, &kQuarterHour};

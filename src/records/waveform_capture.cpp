@@ -13,7 +13,7 @@ namespace {
 // A capture is read and written in pieces, so its length does not matter to memory.
 constexpr uint32_t kPieceSamples = 4096;
 constexpr uint32_t kSampleSize = 4;
-constexpr char kLength[] = "TRANSIENTS_RECORD_PARAMS/NUM";
+constexpr char kLength[] = "NUM";
 constexpr Field kVoltageSamples[] = {
     ScaledF32("v", 0, 0, "sample", "V").Times(kPieceSamples).CountInput(0, kLength).InPieces(),
 };
@@ -174,11 +174,11 @@ const RecordType kWaveformCapture = {
     .type = 5,
     .name = "waveform capture",
     .about =
-        "Eight slots of samples, four of voltages and four of currents, each as long as the "
-        "settings say, in use or not. Samples are floats, written behind the transformers of "
-        "the settings. Where `SELECT_N_GND` is 1, the voltages of connections 2 and 4 are named "
-        "u1, u2 and u3. With two phases the current of the neutral moves up into the slot that "
-        "phase 3 leaves free; its voltage does not.",
+        "Eight slots of samples, four of voltages and four of currents, each of as many samples "
+        "as `NUM` of `TRANSIENTS_RECORD_PARAMS` says, in use or not. Samples are floats, "
+        "written behind the transformers of the settings. Where `SELECT_N_GND` is 1, the "
+        "voltages of connections 2 and 4 are named u1, u2 and u3. With two phases the current "
+        "of the neutral moves up into the slot that phase 3 leaves free; its voltage does not.",
     .list = "RECORDS",
     .record = &kRecord,
     .write = WriteCapture,

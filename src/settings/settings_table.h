@@ -54,7 +54,7 @@ inline constexpr auto kQuantityRows =
 inline constexpr auto kAlarmSettingRows = Shared(
     {"alarm setting"},
     {
-        Group("QUANTITY", 0, kQuantityRows),
+        Group("QUANTITY", 0, kQuantityRows, "the watched quantity"),
         I32("CONDITION_ID", offsetof(AlarmSetting, condition_id), "condition (above, below, ...)"),
         F32("QUANTITY_VALUE", offsetof(AlarmSetting, quantity_value), "threshold"),
         F32("TRIGGER_DURATION", offsetof(AlarmSetting, trigger_duration), "minimum duration"),
@@ -67,7 +67,7 @@ inline constexpr auto kAlarmSettingsRows = Shared(
     {
         I32("NUM", 0, "alarm settings in use").AtMost(kMaxAlarmSettings),
         Each("SETTINGS", offsetof(AlarmSettings, settings), kMaxAlarmSettings, sizeof(AlarmSetting),
-             kAlarmSettingRows)
+             kAlarmSettingRows, "an alarm setting")
             .CountAt(0),
     });
 
@@ -81,8 +81,8 @@ inline constexpr Field kSignal2Rows[] = {
     F32("limit", AT(signal[1].limit), "signalling limit 2"),
 };
 inline constexpr Field kSignalingRows[] = {
-    Group("SIGNAL1", kSignal1Rows),
-    Group("SIGNAL2", kSignal2Rows),
+    Group("SIGNAL1", kSignal1Rows, "first signalling frequency"),
+    Group("SIGNAL2", kSignal2Rows, "second signalling frequency"),
 };
 
 inline constexpr Field kInrushParamsRows[] = {
@@ -136,7 +136,7 @@ inline constexpr Field kRecordParamsRows[] = {
     I32("EVENTS_WF_DURATION", AT(events_wf_duration), "event waveform duration"),
     I32("EVENTS_WF_PRETRIGGER", AT(events_wf_pretrigger), "event waveform pretrigger"),
     Gap(AT(reserved13), 4),
-    Group("INRUSH_PARAMS", kInrushParamsRows),
+    Group("INRUSH_PARAMS", kInrushParamsRows, "inrush recording"),
     Gap(AT(reserved11), 124),
     I32("RECORD_START_TYPE", AT(record_start_type), "start type, 0 or 1"),
     U8("START_CAUSE", AT(start_cause), "cause of the recording's start"),
@@ -207,7 +207,7 @@ inline constexpr Field kEmeterParamsRows[] = {
     I32("CT_SEC", AT(emeter.ct_sec), "current transformer, secondary"),
     I32("VT_PRIM", AT(emeter.vt_prim), "voltage transformer, primary"),
     I32("VT_SEC", AT(emeter.vt_sec), "voltage transformer, secondary"),
-    Group("EMETER_INFO", kEmeterInfoRows),
+    Group("EMETER_INFO", kEmeterInfoRows, "the meter under test"),
 };
 
 inline constexpr Field kInstrumentDataRows[] = {
@@ -226,24 +226,24 @@ inline constexpr Field kInstrumentDataRows[] = {
 };
 
 // The calibration constants, gains and then offsets, one per input and range.
-#define QUORVEX_CALIBRATION(prefix, at)                                    \
-  F32(prefix "U1_150V", (at) + 0), F32(prefix "U1_300V", (at) + 4),        \
-      F32(prefix "U1_1000V", (at) + 8), F32(prefix "U2_150V", (at) + 12),  \
-      F32(prefix "U2_300V", (at) + 16), F32(prefix "U2_1000V", (at) + 20), \
-      F32(prefix "U3_150V", (at) + 24), F32(prefix "U3_300V", (at) + 28),  \
-      F32(prefix "U3_1000V", (at) + 32), F32(prefix "Ue_150V", (at) + 36), \
-      F32(prefix "Ue_300V", (at) + 40), F32(prefix "Ue_1000V", (at) + 44), \
-      F32(prefix "Un_150V", (at) + 48), F32(prefix "Un_300V", (at) + 52),  \
-      F32(prefix "Un_1000V", (at) + 56), F32(prefix "Us_150V", (at) + 60), \
-      F32(prefix "Us_300V", (at) + 64), F32(prefix "Us_1000V", (at) + 68), \
-      F32(prefix "I1_10P", (at) + 72), F32(prefix "I1_100P", (at) + 76),   \
-      F32(prefix "I2_10P", (at) + 80), F32(prefix "I2_100P", (at) + 84),   \
-      F32(prefix "I3_10P", (at) + 88), F32(prefix "I3_100P", (at) + 92),   \
-      F32(prefix "In_10P", (at) + 96), F32(prefix "In_100P", (at) + 100),  \
-      F32(prefix "Is_10P", (at) + 104), F32(prefix "Is_100P", (at) + 108)
+#define QUORVEX_CALIBRATION(prefix, at, meaning)                                             \
+  F32(prefix "U1_150V", (at) + 0, meaning), F32(prefix "U1_300V", (at) + 4, meaning),        \
+      F32(prefix "U1_1000V", (at) + 8, meaning), F32(prefix "U2_150V", (at) + 12, meaning),  \
+      F32(prefix "U2_300V", (at) + 16, meaning), F32(prefix "U2_1000V", (at) + 20, meaning), \
+      F32(prefix "U3_150V", (at) + 24, meaning), F32(prefix "U3_300V", (at) + 28, meaning),  \
+      F32(prefix "U3_1000V", (at) + 32, meaning), F32(prefix "Ue_150V", (at) + 36, meaning), \
+      F32(prefix "Ue_300V", (at) + 40, meaning), F32(prefix "Ue_1000V", (at) + 44, meaning), \
+      F32(prefix "Un_150V", (at) + 48, meaning), F32(prefix "Un_300V", (at) + 52, meaning),  \
+      F32(prefix "Un_1000V", (at) + 56, meaning), F32(prefix "Us_150V", (at) + 60, meaning), \
+      F32(prefix "Us_300V", (at) + 64, meaning), F32(prefix "Us_1000V", (at) + 68, meaning), \
+      F32(prefix "I1_10P", (at) + 72, meaning), F32(prefix "I1_100P", (at) + 76, meaning),   \
+      F32(prefix "I2_10P", (at) + 80, meaning), F32(prefix "I2_100P", (at) + 84, meaning),   \
+      F32(prefix "I3_10P", (at) + 88, meaning), F32(prefix "I3_100P", (at) + 92, meaning),   \
+      F32(prefix "In_10P", (at) + 96, meaning), F32(prefix "In_100P", (at) + 100, meaning),  \
+      F32(prefix "Is_10P", (at) + 104, meaning), F32(prefix "Is_100P", (at) + 108, meaning)
 inline constexpr Field kInstrumentCalRows[] = {
-    QUORVEX_CALIBRATION("ee_konst_", AT(ee_konst)),
-    QUORVEX_CALIBRATION("ee_ofs_", AT(ee_ofs)),
+    QUORVEX_CALIBRATION("ee_konst_", AT(ee_konst), "gain of an input and range"),
+    QUORVEX_CALIBRATION("ee_ofs_", AT(ee_ofs), "offset of an input and range"),
     F32("ee_konst_Vbat", AT(ee_konst_vbat), "battery voltage calibration gain"),
 };
 #undef QUORVEX_CALIBRATION
@@ -258,13 +258,15 @@ inline constexpr auto kSettingsRows = Shared(
         U8("CONNECTION", AT(connection), "wiring code, 1 to 7"),
         U8("SYNCHRONIZATION", AT(synchronization), "synchronisation channel code, 1 or 2"),
         Gap(AT(reserved2), 1),
-        I32("SYSTEM_FREQUENCY", AT(system_frequency), "nominal system frequency code"),
+        I32("SYSTEM_FREQUENCY", AT(system_frequency),
+            "nominal system frequency code: 50, 55, 60 or 400"),
         F32("NOMINAL_VOLTAGE", AT(nominal_voltage), "nominal voltage", "V"),
         I32("VOLTAGE_RATIO_PRIM", AT(voltage_ratio_prim), "voltage transformer ratio, primary"),
         I32("VOLTAGE_RATIO_SEC", AT(voltage_ratio_sec), "voltage transformer ratio, secondary"),
         Made("PV_PROBE_RATIO", AT(pv_probe_ratio), 4, Kind::kI32, ProbeRatioText,
              "probe ratio, whole part"),
-        U8("TRIKOT_STAR_FACTOR_ID", AT(trikot_star_factor_id), "delta/star factor selector"),
+        U8("TRIKOT_STAR_FACTOR_ID", AT(trikot_star_factor_id),
+           "delta or star factor of the voltage ratio, 0 to 2"),
         U8("UN_RANGE", AT(un_range), "nominal voltage range selector"),
         Gap(AT(reserved3), 3),
         F32("SWELL", AT(swell), "swell threshold"),
@@ -279,26 +281,26 @@ inline constexpr auto kSettingsRows = Shared(
         U8("CAPTURE_EVENTS", AT(capture_events), "events captured"),
         U8("CAPTURE_ALARMS", AT(capture_alarms), "alarms captured"),
         Gap(AT(reserved4), 2),
-        Group("CLAMP_PH1", AT(clamp[0]), kClampRows),
-        Group("CLAMP_PH2", AT(clamp[1]), kClampRows),
-        Group("CLAMP_PH3", AT(clamp[2]), kClampRows),
-        Group("CLAMP_N", AT(clamp[3]), kClampRows),
-        Group("ALARMS", AT(alarms), kAlarmSettingsRows),
+        Group("CLAMP_PH1", AT(clamp[0]), kClampRows, "current clamp of phase 1"),
+        Group("CLAMP_PH2", AT(clamp[1]), kClampRows, "current clamp of phase 2"),
+        Group("CLAMP_PH3", AT(clamp[2]), kClampRows, "current clamp of phase 3"),
+        Group("CLAMP_N", AT(clamp[3]), kClampRows, "current clamp of the neutral"),
+        Group("ALARMS", AT(alarms), kAlarmSettingsRows, "alarm settings"),
         I32("RANGE_I", AT(range_i), "current measuring range, phases"),
         I32("RANGE_IN", AT(range_in), "current measuring range, neutral"),
         I32("RANGE_IS", AT(range_is), "current measuring range, earth"),
         I32("RANGE_US", AT(range_us), "voltage measuring range, earth"),
-        Group("SIGNALING", kSignalingRows),
+        Group("SIGNALING", kSignalingRows, "mains signalling"),
         U8("CLOCK_TYPE", AT(clock_type), "clock source code"),
         Gap(AT(reserved5), 5),
-        Group("RECORD_PARAMS", kRecordParamsRows),
-        Group("WAVE_RECORD_PARAMS", kWaveParamsRows),
-        Group("TRANSIENTS_RECORD_PARAMS", kTransientsParamsRows),
+        Group("RECORD_PARAMS", kRecordParamsRows, "recording"),
+        Group("WAVE_RECORD_PARAMS", kWaveParamsRows, "waveform recording"),
+        Group("TRANSIENTS_RECORD_PARAMS", kTransientsParamsRows, "transient recording"),
         Gap(AT(reserved15), 508),
-        Group("EMETER_PARAMS", kEmeterParamsRows),
+        Group("EMETER_PARAMS", kEmeterParamsRows, "energy meter test"),
         Gap(AT(reserved24), 4),
-        Group("INSTRUMENT_DATA", kInstrumentDataRows),
-        Group("INSTRUMENT_CAL", kInstrumentCalRows),
+        Group("INSTRUMENT_DATA", kInstrumentDataRows, "the instrument"),
+        Group("INSTRUMENT_CAL", kInstrumentCalRows, "calibration constants"),
         I32("rand_mark", AT(rand_mark), "random mark of the recording"),
         Gap(AT(checked_flag), 1),
         Made("cname", AT(cname_short), 7, Kind::kText, RecordingNameText,
