@@ -1,5 +1,4 @@
-// Type 7: alarms. A record is the start or the end of an alarm, with the running serial numbers of
-// all groups of alarms.
+// Type 7: alarms.
 #include "records/record_types.h"
 #include "settings/settings_table.h"
 

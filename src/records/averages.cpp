@@ -15,7 +15,6 @@ constexpr auto kPeakRows = Shared({"power peak"}, {
                                                       Gap(4, 4),
                                                       DateTime("DATE_TIME", 8, "time of the peak"),
                                                   });
-// Capacitive power is written before inductive power, but stored behind it.
 constexpr auto kPowerRows = Shared(
     {"summed powers", "Capacitive power is written before inductive power, but stored behind it."},
     {
@@ -37,14 +36,12 @@ constexpr auto kHarmonicRows = Shared(
                                F32("thd", 0, "total harmonic distortion"),
                                F32("avg", 4, "average of an order, 0 to 50").Times(kOrderCount),
                            });
-// Interharmonics are stored alike, but their distortion is not written.
 constexpr auto kInterharmonicRows = Shared(
     {"average interharmonics", "Stored like harmonics, but their distortion is not written."},
     {
         Gap(0, 4),
         F32("avg", 4, "average of an order, 0 to 50").Times(kOrderCount),
     });
-// The four of harmonics lie before the four of interharmonics, but are written in turn.
 constexpr Field kSpectraRows[] = {
     Group("uh", 256, kHarmonicRows, "voltage harmonics"),
     Group("uhPr", 464, kHarmonicRows, "voltage harmonics in percent"),
@@ -68,7 +65,6 @@ constexpr auto kLineRows =
                Group("GENERATOR", 144, kPowerRows, "energy given to the network"),
                Group("HARMONICS", kSpectraRows),
            });
-// Maxima and last values have the room for spectra, but nothing in it.
 constexpr auto kLineWithoutSpectraRows =
     Shared({"line of extremes", "There is room for spectra, but nothing in it."},
            {

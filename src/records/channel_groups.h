@@ -174,7 +174,7 @@ template <uint8_t scale>
 inline constexpr Field kScopeRows[] = {
     ScaledI16("v", 0, scale, "sample", scale % 2 == 0 ? "V" : "A")
         .Times(kScopeRoom)
-        .CountInput(kScopeCount, "the record's number of samples"),
+        .CountInput(kScopeCount, "the samples of the record"),
 };
 template <uint8_t channel>
 inline constexpr Field kScopesRows[] = {

@@ -1,5 +1,4 @@
-// Type 18: tests of an energy meter, a record a metering interval. What is written follows the
-// wiring; an unknown wiring tells only the meter's error.
+// Type 18: tests of an energy meter, a record a metering interval.
 #include "records/record_types.h"
 
 namespace quorvex {

@@ -196,8 +196,7 @@ inline constexpr Field kCompactCombinedRows[] = {
 inline constexpr Field kCompactTotalRows[] = {
     Group("COMBINED", kCompactCombinedRows, "powers of all frequencies"),
 };
-// A compact array is 25 orders long, but all spectra are written with 51: each runs on into the
-// arrays behind it, on purpose. Readers take the first 25.
+// Of the 51 orders written 25 are an array's own, on purpose.
 constexpr uint32_t kCompactArray = 100;
 inline constexpr Field kCompactVoltageHarmonicsRows[] = {
     PlainVoltageHarmonics("u1h", 0 * kCompactArray).RunsOn(kCompactArray),

@@ -36,8 +36,7 @@ constexpr Field kConnectionCheckRows[] = {
     I32("Uinv", 48), I32("Iinv", 52), I32("Pinv", 56),
 };
 
-// Values of an inverter stand in the block of the channel that measures its input: beside what
-// every channel has, in its tail and behind its first energies.
+// In the block of the channel that measures the inverter's input.
 constexpr Field kInverterRows[] = {
     F32("Urms", 4, "RMS voltage", "V").Again(),
     F32("Udc", 9584, "DC voltage", "V").Again(),
@@ -52,7 +51,6 @@ constexpr Field kInverterRows[] = {
     F32("rf", 9596, "ripple factor").Again(),
 };
 
-// Pairs of phases are scaled as their first phase.
 constexpr Field kLiveResultsRows[] = {
     Group("L1", PositionAt(0), kLiveChannelRows<0>, "phase 1"),
     Group("L2", PositionAt(1), kLiveChannelRows<1>, "phase 2"),

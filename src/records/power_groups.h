@@ -1,6 +1,5 @@
 // Powers of one phase, of the whole system and of an inverter: as statistics (full records) and as
-// averages (standard records). Signs: p is consumed, m is generated; Qi is inductive, Qc
-// capacitive.
+// averages (standard records).
 #pragma once
 
 #include "records/result_groups.h"
@@ -67,7 +66,7 @@ constexpr Field PhasePower(const char* phase, uint32_t at) {
   return Group("P", at, kPhasePowerRows, "powers of a phase").Phase(phase);
 }
 
-// Statistics of the whole system; _e effective, _v vector, _a arithmetic, _p positive-sequence.
+// Statistics of the whole system.
 constexpr uint32_t kTotalPowerSize = 1576;
 inline constexpr Field kTotalCombinedRows[] = {
     Six("Pp", 0, "active power", "W"),
@@ -340,8 +339,6 @@ inline constexpr auto kInverterAveragesRows = Shared(
                            });
 static_assert(Tiles(Record("inverter", kInverterAveragesSize, kInverterAveragesRows)));
 
-// The DC side is measured on phase 2's inputs, so its energies are that phase's: these rows read
-// them there a second time.
 inline constexpr auto kInverterEnergyRows =
     Shared({"inverter energies",
             "The DC side is measured on the inputs of phase 2, so its energies are that phase's, "

@@ -1,4 +1,4 @@
-// Type 10: rapid voltage changes (RVC), each with the half-cycle RMS voltages around it.
+// Type 10: rapid voltage changes (RVC).
 #include "records/record_types.h"
 
 namespace quorvex {

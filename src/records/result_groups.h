@@ -33,7 +33,6 @@ inline constexpr auto kMinMaxRmsARows = Shared(
 inline constexpr auto kMaxRmsARows =
     Shared({"maximum and two RMS"},
            {F32("max", 0, "largest"), F32("rms", 4, "RMS"), F32("rmsA", 8, "kept beside the RMS")});
-// Six values are stored, four written: avgA is the fifth, not the fourth.
 inline constexpr auto kSixValueRows =
     Shared({"six-value statistic",
             "Six values are stored, four written: `avgA` is the fifth, not the fourth."},
@@ -87,7 +86,6 @@ inline constexpr Field kUnderOverRows[] = {
     F32("under", 0, "underdeviation"),
     F32("over", 4, "overdeviation"),
 };
-// Recordings with reduced lists keep flicker and signalling to themselves.
 inline constexpr auto kVoltageRows = Shared(
     {"voltage results", "Recordings with reduced lists keep flicker and signalling to themselves."},
     {
@@ -161,7 +159,6 @@ inline constexpr Field kFrequenciesRows[] = {
 };
 inline constexpr Field kZeroCrossingsRows[] = {I32("ZCnum", 0, "zero crossings counted")};
 
-// Symmetrical components. The written order is positive, negative, zero; the stored one is not.
 constexpr uint32_t kSymmetrySize = 180;
 inline constexpr auto kSymmetryRows =
     Shared({"symmetrical components",

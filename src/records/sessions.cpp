@@ -1,5 +1,4 @@
-// Type 15: the log of operating sessions. It carries no settings, and its elements are named in
-// lower camel case, unlike those of every other type.
+// Type 15: the log of operating sessions.
 #include "records/record_types.h"
 #include "support/loads.h"
 #include "xml/plan.h"
@@ -18,12 +17,13 @@ constexpr Field kSessionHeaderRows[] = {
 constexpr Field kSessionHeader = Record("SESSION_HEADER", 40, kSessionHeaderRows);
 static_assert(Tiles(kSessionHeader));
 
-constexpr Field kElementRows[] = {
-    I32("elementType", 0, "kind of the change"),
-    I32("fromScreen", 4, "screen before"),
-    I32("toScreen", 8, "screen after"),
-    I32("num", 12, "number"),
-};
+constexpr auto kElementRows =
+    Shared({"session element"}, {
+                                    I32("elementType", 0, "kind of the change"),
+                                    I32("fromScreen", 4, "screen before"),
+                                    I32("toScreen", 8, "screen after"),
+                                    I32("num", 12, "number"),
+                                });
 constexpr Field kElement = Record("ELEMENT", 16, kElementRows, "a change of screens");
 static_assert(Tiles(kElement));
 

@@ -1,5 +1,4 @@
-// Type 4: the instrument's settings and nothing else. They come from the file alone, and there is
-// not even an empty list of records.
+// Type 4: the instrument's settings and nothing else.
 #include "records/record_types.h"
 
 namespace quorvex {

@@ -1,6 +1,5 @@
-// Type 9: mains signalling. Recordings of any length stand back to back: a head, then fourteen
-// arrays with an entry a packet. The arrays are read and written in pieces, so that memory does not
-// grow with a recording.
+// Type 9: mains signalling. The arrays of a recording are read and written in pieces, so that
+// memory does not grow with it.
 #include <algorithm>
 #include <cstring>
 

@@ -1,5 +1,4 @@
-// Type 12: an index of transient captures. Each entry names a capture, whose waveforms are a file
-// of their own, and carries the settings that were in force for it.
+// Type 12: an index of transient captures.
 #include "records/record_types.h"
 #include "settings/settings_table.h"
 

@@ -1,5 +1,4 @@
-// Type 8: voltage events. A record is a transition between dips, swells, interruptions and normal
-// voltage, with the running counts of all of them.
+// Type 8: voltage events: dips, swells, interruptions.
 #include "records/record_types.h"
 
 namespace quorvex {

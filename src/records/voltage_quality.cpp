@@ -1,5 +1,4 @@
-// Type 16: voltage quality, an interval a record: RMS, distortion, flicker and the spectrum of
-// three voltages. How much is kept depends on the recording interval.
+// Type 16: voltage quality, an interval a record.
 #include <iterator>
 
 #include "records/record_types.h"

@@ -23,7 +23,6 @@ constexpr Field kCurrentSamples[] = {
 constexpr Field kPiece = Record("", kPieceSamples* kSampleSize, kVoltageSamples);
 static_assert(Tiles(kPiece));
 
-// Four slots of voltages and four of currents lie behind one another, in use or not.
 constexpr Field Voltage(const char* label, Cases in) {
   return Group("U", kVoltageSamples, "voltage waveform").Phase(label).In(in).Behind();
 }
@@ -46,7 +45,6 @@ constexpr Field kVoltageSlots[] = {
     Voltage("uinv", kInverter),
     FreeSlot(Connections({2, 4})),
 };
-// The neutral's current moves up into the slot that phase 3 leaves free; its voltage does not.
 constexpr Cases kTwoPhases = Connections({5});
 constexpr Field kCurrentSlots[] = {
     Current("i1", kAllCases),
@@ -175,10 +173,10 @@ const RecordType kWaveformCapture = {
     .name = "waveform capture",
     .about =
         "Eight slots of samples, four of voltages and four of currents, each of as many samples "
-        "as `NUM` of `TRANSIENTS_RECORD_PARAMS` says, in use or not. Samples are floats, "
-        "written behind the transformers of the settings. Where `SELECT_N_GND` is 1, the "
-        "voltages of connections 2 and 4 are named u1, u2 and u3. With two phases the current "
-        "of the neutral moves up into the slot that phase 3 leaves free; its voltage does not.",
+        "as `NUM` of `TRANSIENTS_RECORD_PARAMS` says, in use or not. Samples are floats, scaled "
+        "by the transformer ratios of the settings. Where `SELECT_N_GND` is 1, the voltages of "
+        "connections 2 and 4 are named u1, u2 and u3. With two phases the current of the "
+        "neutral moves up into the slot that phase 3 leaves free; its voltage does not.",
     .list = "RECORDS",
     .record = &kRecord,
     .write = WriteCapture,

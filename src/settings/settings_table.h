@@ -60,7 +60,6 @@ inline constexpr auto kAlarmSettingRows = Shared(
         F32("TRIGGER_DURATION", offsetof(AlarmSetting, trigger_duration), "minimum duration"),
     });
 
-// A count outside the room for settings is shown as the room; a negative one as it is.
 inline constexpr auto kAlarmSettingsRows = Shared(
     {"alarm settings",
      "A count above the room of seven is shown as 7; a negative one as it is, without settings."},

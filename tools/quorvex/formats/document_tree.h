@@ -3,10 +3,10 @@
 #pragma once
 
 #include <array>
-#include <compare>
 #include <cstdint>
 #include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "records/recording.h"
@@ -21,7 +21,9 @@ struct ValueForm {
   Kind kind;
   uint32_t size = 0;
   int32_t most = INT32_MAX;
-  auto operator<=>(const ValueForm&) const = default;
+  bool operator<(const ValueForm& other) const {
+    return std::tie(kind, size, most) < std::tie(other.kind, other.size, other.most);
+  }
 };
 
 // An element, or, without a name, a sequence of elements.

@@ -92,8 +92,8 @@ std::string TypeText(const Field& f) {
     case Kind::kMade:
       return "computed";
     case Kind::kSpectrum: {
-      const std::string floats = std::to_string(f.size / f.entry_floats / 4) + " × " +
-                                 std::to_string(f.entry_floats) + " f32";
+      std::string floats = std::to_string(f.size / f.entry_floats / 4) + " × " +
+                           std::to_string(f.entry_floats) + " f32";
       if (f.entry_floats == f.written_floats) return floats;
       return floats + ", " + std::to_string(f.written_floats) + " written";
     }
@@ -129,7 +129,10 @@ bool HasPartsBehind(const Field& group) {
 // What a count in the record stands in: an element, or bytes that none shows.
 std::string CountText(const Field& f, const Field& enclosing, uint32_t place) {
   if (f.count_from == CountFrom::kTable) return "";
-  if (f.count_from == CountFrom::kInput) return Code(f.counted_by) + " of them";
+  if (f.count_from == CountFrom::kInput) {
+    const std::string from = f.counted_by;
+    return from.find(' ') == std::string::npos ? Code(from) + " of them" : "as many as " + from;
+  }
   for (uint32_t r = 0; r < enclosing.row_count; ++r) {
     const Field& row = enclosing.rows[r];
     const bool shown = row.kind != Kind::kGap && row.name[0] != '\0';
