@@ -232,6 +232,15 @@ class Schema {
     Line(depth, "</xs:attribute>");
   }
 
+  // No phase stands twice among elements of one name.
+  void OncePerPhase(const Node& node, int depth) {
+    for (const Node& child : node.children) {
+      if (child.phases.empty() || child.most == 1) continue;
+      Line(depth, "<xs:unique name=\"" + node.name + "-" + child.name + "\"><xs:selector xpath=\"" +
+                      child.name + "\"/><xs:field xpath=\"@phase\"/></xs:unique>");
+    }
+  }
+
   // Content with an attribute extends a type, or is a type of its own.
   void WithPhases(const Node& node, int depth) {
     Line(depth, "<xs:complexType>");
@@ -264,6 +273,7 @@ class Schema {
       Line(depth + 1, "<xs:complexType>");
       Sequence(node, depth + 2);
       Line(depth + 1, "</xs:complexType>");
+      OncePerPhase(node, depth + 1);
     }
     Line(depth, "</xs:element>");
   }
