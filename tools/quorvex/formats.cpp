@@ -1,10 +1,9 @@
 // quorvex schema and formats.
-#include "../commands.h"
-
 #include <cstdio>
 
-#include "../host.h"
-#include "generate.h"
+#include "commands.h"
+#include "formats/generate.h"
+#include "host.h"
 #include "records/record_types.h"
 
 namespace quorvex::tool {
