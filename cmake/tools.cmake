@@ -5,10 +5,16 @@ find_path(CLI11_INCLUDE CLI/CLI.hpp REQUIRED PATHS /usr/include NO_CMAKE_FIND_RO
 file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/header-only)
 file(CREATE_LINK ${CLI11_INCLUDE}/CLI ${CMAKE_BINARY_DIR}/header-only/CLI SYMBOLIC)
 
+# What is made from the layout tables: a library, for its tests too.
+file(GLOB format_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/quorvex/formats/*.cpp)
+add_library(quorvex_formats STATIC ${format_sources})
+target_include_directories(quorvex_formats PUBLIC ${CMAKE_SOURCE_DIR}/tools/quorvex)
+target_link_libraries(quorvex_formats PUBLIC quorvex_static PRIVATE quorvex_flags)
+
 file(GLOB tool_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/quorvex/*.cpp)
 add_executable(quorvex ${tool_sources})
 target_include_directories(quorvex SYSTEM PRIVATE ${CMAKE_BINARY_DIR}/header-only)
-target_link_libraries(quorvex PRIVATE quorvex_static quorvex_flags)
+target_link_libraries(quorvex PRIVATE quorvex_formats quorvex_flags)
 
 if(WIN32)
   target_link_options(quorvex PRIVATE -static)

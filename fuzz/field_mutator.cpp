@@ -112,7 +112,7 @@ void FieldMutator::Gather(const Field& group, uint32_t place, std::vector<Place>
   for (uint32_t r = 0; r < group.row_count; ++r) {
     const Field& f = group.rows[r];
     if (f.kind == Kind::kGroup) {
-      Gather(f, place + f.offset, places);
+      Gather(f, f.behind ? type_.record->size : place + f.offset, places);
       if (f.count_from == CountFrom::kRecord) places->push_back({place + f.count_ref, Kind::kI32});
     } else {
       places->push_back({place + f.offset, f.kind});

@@ -5,7 +5,7 @@
 
 #include "network.h"
 #include "records/channel_groups.h"
-#include "records/connection_modes.h"
+#include "records/channels.h"
 #include "records/record_types.h"
 
 namespace quorvex::samples {

@@ -4,7 +4,7 @@
 
 #include "network.h"
 #include "records/channel_groups.h"
-#include "records/connection_modes.h"
+#include "records/channels.h"
 #include "records/record_types.h"
 #include "support/loads.h"
 
@@ -80,7 +80,6 @@ void MakeWaveformSeries(const std::string& folder) {
   const UifParams settings = WaveformSettings(7);
   float scales[2 * kMeasuredChannels];
   SampleScales(settings, NeutralRange::kOwn, scales);
-  const WaveformMode& mode = WaveformModeOf(settings.connection);
   constexpr const char* kLabels[] = {"L12", "L23", "L31", "INV"};
   RecordingFile file(17, &settings);
   for (int number = 0; number < 2; ++number) {
@@ -90,9 +89,9 @@ void MakeWaveformSeries(const std::string& folder) {
     start.Set("numUsedSamples", kUsed);
     file.Append(start);
     for (const bool current : {false, true}) {
-      for (int slot = 0; slot < kWaveformSlots; ++slot) {
-        const int channel = ChannelOf((current ? mode.currents : mode.voltages)[slot]);
-        const Channel c = ChannelOfNetwork(network, kLabels[slot]);
+      for (const char* label : kLabels) {
+        const int channel = ChannelOf(label);
+        const Channel c = ChannelOfNetwork(network, label);
         for (int i = 0; i < kRoom; ++i) {
           const double value = (current ? c.i : c.u).At(i * kTimeStep);
           const float scale = scales[2 * channel + (current ? 1 : 0)];

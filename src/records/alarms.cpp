@@ -1,5 +1,4 @@
-// Type 7: alarms. A record is the start or the end of an alarm, with the running serial numbers of
-// all groups of alarms.
+// Type 7: alarms.
 #include "records/record_types.h"
 #include "settings/settings_table.h"
 
@@ -57,6 +56,10 @@ static_assert(Tiles(kTransition));
 const RecordType kAlarms = {
     .type = 7,
     .name = "alarms",
+    .about =
+        "A record is the start or the end of an alarm, with the running serial numbers of all "
+        "groups of alarms. The head is longer than that of other types, and the alarm settings "
+        "of the recording follow it. A last record that is cut short is left out.",
     .list = "TRANSITIONS",
     .record = &kTransition,
     .write = WriteRecordsToEnd,

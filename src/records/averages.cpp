@@ -10,36 +10,38 @@ namespace {
 
 constexpr uint32_t kOrderCount = 51;
 
-constexpr Field kPeakRows[] = {
-    F32("P", 0, "power", "W"),
-    Gap(4, 4),
-    DateTime("DATE_TIME", 8, "time of the peak"),
-};
-// Capacitive power is written before inductive power, but stored behind it.
-constexpr Field kPowerRows[] = {
-    F64("Ep", 0, "active energy", "Wh"),
-    F64("Eq", 8, "reactive energy", "varh"),
-    F32("P", 16, "active power", "W"),
-    F32("Qc", 24, "capacitive reactive power", "var"),
-    F32("Qi", 20, "inductive reactive power", "var"),
-    F32("Sn", 28, "non-fundamental apparent power", "VA"),
-    F32("SfundU", 32, "unbalanced fundamental apparent power", "VA"),
-    Gap(36, 4),
-    Group("MAX_POWER_1", 40, kPeakRows, "largest peak"),
-    Group("MAX_POWER_2", 64, kPeakRows, "second largest peak"),
-    Group("MAX_POWER_3", 88, kPeakRows, "third largest peak"),
-};
+constexpr auto kPeakRows = Shared({"power peak"}, {
+                                                      F32("P", 0, "power", "W"),
+                                                      Gap(4, 4),
+                                                      DateTime("DATE_TIME", 8, "time of the peak"),
+                                                  });
+constexpr auto kPowerRows = Shared(
+    {"summed powers", "Capacitive power is written before inductive power, but stored behind it."},
+    {
+        F64("Ep", 0, "active energy", "Wh"),
+        F64("Eq", 8, "reactive energy", "varh"),
+        F32("P", 16, "active power", "W"),
+        F32("Qc", 24, "capacitive reactive power", "var"),
+        F32("Qi", 20, "inductive reactive power", "var"),
+        F32("Sn", 28, "non-fundamental apparent power", "VA"),
+        F32("SfundU", 32, "unbalanced fundamental apparent power", "VA"),
+        Gap(36, 4),
+        Group("MAX_POWER_1", 40, kPeakRows, "largest peak"),
+        Group("MAX_POWER_2", 64, kPeakRows, "second largest peak"),
+        Group("MAX_POWER_3", 88, kPeakRows, "third largest peak"),
+    });
 
-constexpr Field kHarmonicRows[] = {
-    F32("thd", 0, "total harmonic distortion"),
-    F32("avg", 4, "average of an order, 0 to 50").Times(kOrderCount),
-};
-// Interharmonics are stored alike, but their distortion is not written.
-constexpr Field kInterharmonicRows[] = {
-    Gap(0, 4),
-    F32("avg", 4, "average of an order, 0 to 50").Times(kOrderCount),
-};
-// The four of harmonics lie before the four of interharmonics, but are written in turn.
+constexpr auto kHarmonicRows = Shared(
+    {"average harmonics"}, {
+                               F32("thd", 0, "total harmonic distortion"),
+                               F32("avg", 4, "average of an order, 0 to 50").Times(kOrderCount),
+                           });
+constexpr auto kInterharmonicRows = Shared(
+    {"average interharmonics", "Stored like harmonics, but their distortion is not written."},
+    {
+        Gap(0, 4),
+        F32("avg", 4, "average of an order, 0 to 50").Times(kOrderCount),
+    });
 constexpr Field kSpectraRows[] = {
     Group("uh", 256, kHarmonicRows, "voltage harmonics"),
     Group("uhPr", 464, kHarmonicRows, "voltage harmonics in percent"),
@@ -53,35 +55,40 @@ constexpr Field kSpectraRows[] = {
 
 constexpr uint32_t kLineSize = 1920;
 constexpr uint32_t kSpectraAt = 256;
-constexpr Field kLineRows[] = {
-    Gap(0, 32),
-    Group("MOTOR", 32, kPowerRows, "energy taken from the network"),
-    Group("GENERATOR", 144, kPowerRows, "energy given to the network"),
-    Group("HARMONICS", kSpectraRows),
-};
-// Maxima and last values have the room for spectra, but nothing in it.
-constexpr Field kLineWithoutSpectraRows[] = {
-    Gap(0, 32),
-    Group("MOTOR", 32, kPowerRows, "energy taken from the network"),
-    Group("GENERATOR", 144, kPowerRows, "energy given to the network"),
-    Gap(kSpectraAt, kLineSize - kSpectraAt),
-};
+constexpr auto kLineRows =
+    Shared({"line of averages",
+            "The four spectra of harmonics lie before the four of interharmonics, but are written "
+            "in turn."},
+           {
+               Gap(0, 32),
+               Group("MOTOR", 32, kPowerRows, "energy taken from the network"),
+               Group("GENERATOR", 144, kPowerRows, "energy given to the network"),
+               Group("HARMONICS", kSpectraRows),
+           });
+constexpr auto kLineWithoutSpectraRows =
+    Shared({"line of extremes", "There is room for spectra, but nothing in it."},
+           {
+               Gap(0, 32),
+               Group("MOTOR", 32, kPowerRows, "energy taken from the network"),
+               Group("GENERATOR", 144, kPowerRows, "energy given to the network"),
+               Gap(kSpectraAt, kLineSize - kSpectraAt),
+           });
 
 constexpr uint32_t kSummarySize = 7688;
 constexpr Field kAverageRows[] = {
     I32("NUM", 0, "values summed up"),
     Gap(4, 4),
-    Group("L1", 8 + 0 * kLineSize, kLineRows),
-    Group("L2", 8 + 1 * kLineSize, kLineRows),
-    Group("L3", 8 + 2 * kLineSize, kLineRows),
+    Group("L1", 8 + 0 * kLineSize, kLineRows, "phase 1"),
+    Group("L2", 8 + 1 * kLineSize, kLineRows, "phase 2"),
+    Group("L3", 8 + 2 * kLineSize, kLineRows, "phase 3"),
     Group("TN", 8 + 3 * kLineSize, kLineRows, "total and neutral"),
 };
 constexpr Field kExtremeRows[] = {
     I32("NUM", 0, "values summed up"),
     Gap(4, 4),
-    Group("L1", 8 + 0 * kLineSize, kLineWithoutSpectraRows),
-    Group("L2", 8 + 1 * kLineSize, kLineWithoutSpectraRows),
-    Group("L3", 8 + 2 * kLineSize, kLineWithoutSpectraRows),
+    Group("L1", 8 + 0 * kLineSize, kLineWithoutSpectraRows, "phase 1"),
+    Group("L2", 8 + 1 * kLineSize, kLineWithoutSpectraRows, "phase 2"),
+    Group("L3", 8 + 2 * kLineSize, kLineWithoutSpectraRows, "phase 3"),
     Group("TN", 8 + 3 * kLineSize, kLineWithoutSpectraRows, "total and neutral"),
 };
 
@@ -111,9 +118,13 @@ void WriteSummaries(const Conversion& c) {
 const RecordType kAverages = {
     .type = 11,
     .name = "averages",
+    .about =
+        "A recording summed up three times, for each phase and in total. Energies are doubles. "
+        "What a summary of a file cut short lacks is taken from the one before.",
     .list = nullptr,
     .record = &kSummariesRecord,
     .write = WriteSummaries,
+    .once = true,
 };
 
 }  // namespace quorvex

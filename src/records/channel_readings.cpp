@@ -14,8 +14,8 @@ constexpr uint32_t kCurrentAt = 24;
 constexpr Field kReadingRows[] = {
     DateTime("timeEnd", 0, "end of the interval"),
     U8("type", kChannelAt, "channel: 1 to 3 the phases, 4 the neutral"),
-    ScaledF32("U", 20, 0),
-    ScaledF32("I", kCurrentAt, 1),
+    ScaledF32("U", 20, 0, "voltage", "V"),
+    ScaledF32("I", kCurrentAt, 1, "current", "A"),
     Gap(17, 3),
     Gap(28, 4),
 };
@@ -50,6 +50,11 @@ void WriteReadings(const Conversion& c) {
 const RecordType kChannelReadings = {
     .type = 3,
     .name = "channel readings",
+    .about =
+        "Each reading is a voltage and a current of one channel, scaled like the samples of a "
+        "waveform; of unknown channels they stay raw. Scaling takes no notice of missing "
+        "values, which then no longer read as such; only the current of a neutral without a "
+        "clamp stays missing. A last record that is cut short is left out.",
     .list = "RECORDS",
     .record = &kReading,
     .write = WriteReadings,
@@ -61,6 +66,11 @@ const RecordType kChannelReadings = {
 const RecordType kMoreChannelReadings = {
     .type = 14,
     .name = "channel readings (second list)",
+    .about =
+        "Each reading is a voltage and a current of one channel, scaled like the samples of a "
+        "waveform; of unknown channels they stay raw. Scaling takes no notice of missing "
+        "values, which then no longer read as such; only the current of a neutral without a "
+        "clamp stays missing. A last record that is cut short is left out.",
     .list = "RECORDS",
     .record = &kReading,
     .write = WriteReadings,

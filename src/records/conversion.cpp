@@ -13,13 +13,6 @@
 namespace quorvex {
 namespace {
 
-constexpr Field kFileHeaderRows[] = {
-    I32("FILE_VERSION", offsetof(FileHeader, version), "version of the file format"),
-    I32("FILE_TYPE", offsetof(FileHeader, type), "record type, 1 to 18"),
-};
-constexpr Field kFileHeader = Record("FILE_HEADER", sizeof(FileHeader), kFileHeaderRows);
-static_assert(Tiles(kFileHeader));
-
 constexpr uint32_t kInformationRoom = 256;
 
 // False where the file cannot be opened. Bytes that a short file lacks stay as they are.

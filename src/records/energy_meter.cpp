@@ -1,5 +1,4 @@
-// Type 18: tests of an energy meter, a record a metering interval. What is written follows the
-// wiring; an unknown wiring tells only the meter's error.
+// Type 18: tests of an energy meter, a record a metering interval.
 #include "records/record_types.h"
 
 namespace quorvex {
@@ -60,6 +59,10 @@ static_assert(Tiles(kResult));
 const RecordType kEnergyMeter = {
     .type = 18,
     .name = "energy meter tests",
+    .about =
+        "What is written follows the connection; of an unknown one only the error of the meter "
+        "is told. A last record that is cut short is written with the bytes of the one before "
+        "in the place of those that it lacks.",
     .list = "RECORDS",
     .record = &kResult,
     .write = WriteCountedRecords,

@@ -75,6 +75,12 @@ void WriteIntervals(const Conversion& c) {
 const RecordType kGeneral = {
     .type = 1,
     .name = "general records",
+    .about =
+        "An interval a record. The recording profile chooses one of three layouts for the whole "
+        "file; other profiles have none, and documents without records. Values stand as they "
+        "are stored. An array of a compact record holds 25 orders, yet 51 are written: each "
+        "runs on into what lies behind it, and readers take the first 25. A last record that is "
+        "cut short is left out.",
     .list = "RECORDS",
     .record = nullptr,
     .write = WriteIntervals,

@@ -114,16 +114,16 @@ inline constexpr Field kFullInverterRows[] = {
 
 inline constexpr Field kFullRows[] = {
     Rows(0, kIntervalRows),
-    Group("VOLTAGES", 72, kSevenVoltagesRows),
-    Group("CURRENTS", 1332, kFourCurrentsRows),
+    Group("VOLTAGES", 72, kSevenVoltagesRows, "voltages"),
+    Group("CURRENTS", 1332, kFourCurrentsRows, "currents"),
     Rows(1844, kFrequenciesRows),
     Gap(1916, 4),
     Gap(kFrequencyCountAt, 4),
     Group("freq10s", kTenSecondFrequencyRows, "frequency every 10 s"),
     Gap(7940, 4),
-    Group("zero_crossings", 12208, kZeroCrossingsRows),
+    Group("zero_crossings", 12208, kZeroCrossingsRows, "zero crossings"),
     Gap(12212, 4),
-    Group("PHASE_POWERS", kFullPhasePowersAt, kThreePhasePowersRows),
+    Group("PHASE_POWERS", kFullPhasePowersAt, kThreePhasePowersRows, "powers of each phase"),
     Group("pt", 10440, kTotalPowerRows, "powers of the whole system"),
     Group("HARMONICS_U", kVoltageHarmonicsRows, "voltage harmonics"),
     Group("HARMONICS_I", 15480, kCurrentHarmonicsRows, "current harmonics"),
@@ -143,7 +143,8 @@ inline constexpr Field kFullRows[] = {
     Group("inverter", kFullInverterRows, "results of an inverter").In(Connections({6, 7})),
     Gap(40296, 152),
 };
-inline constexpr Field kFullRecord = Record("RECORD_RESULTS", 40448, kFullRows, "an interval");
+inline constexpr Field kFullRecord =
+    Record("RECORD_RESULTS", 40448, kFullRows, "an interval in full (profile 0)");
 static_assert(Tiles(kFullRecord));
 
 // Compact: one averaged value a quantity.
@@ -157,12 +158,12 @@ inline constexpr Field kCompactVoltageRows[] = {
     OneRms("Pst1m", 120 + 12 * kIndex, "one-minute flicker"),
 };
 inline constexpr Field kCompactVoltagesRows[] = {
-    Group("U", kCompactVoltageRows<0>).Phase("u1"),
-    Group("U", kCompactVoltageRows<1>).Phase("u2"),
-    Group("U", kCompactVoltageRows<2>).Phase("u3"),
-    Group("U", kCompactVoltageRows<3>).Phase("u12"),
-    Group("U", kCompactVoltageRows<4>).Phase("u23"),
-    Group("U", kCompactVoltageRows<5>).Phase("u31"),
+    Group("U", kCompactVoltageRows<0>, "results of a voltage").Phase("u1"),
+    Group("U", kCompactVoltageRows<1>, "results of a voltage").Phase("u2"),
+    Group("U", kCompactVoltageRows<2>, "results of a voltage").Phase("u3"),
+    Group("U", kCompactVoltageRows<3>, "results of a voltage").Phase("u12"),
+    Group("U", kCompactVoltageRows<4>, "results of a voltage").Phase("u23"),
+    Group("U", kCompactVoltageRows<5>, "results of a voltage").Phase("u31"),
 };
 template <uint32_t kIndex>
 inline constexpr Field kCompactCurrentRows[] = {
@@ -172,13 +173,13 @@ inline constexpr Field kCompactCurrentRows[] = {
 // The distortion of the neutral current is not kept.
 inline constexpr Field kCompactNeutralRows[] = {
     OneRms("rms", 108, "RMS current", "A"),
-    Group("thdPr", kNoRmsRows),
+    Group("thdPr", kNoRmsRows, "total harmonic distortion"),
 };
 inline constexpr Field kCompactCurrentsRows[] = {
-    Group("I", kCompactCurrentRows<0>).Phase("i1"),
-    Group("I", kCompactCurrentRows<1>).Phase("i2"),
-    Group("I", kCompactCurrentRows<2>).Phase("i3"),
-    Group("I", kCompactNeutralRows).Phase("in"),
+    Group("I", kCompactCurrentRows<0>, "results of a current").Phase("i1"),
+    Group("I", kCompactCurrentRows<1>, "results of a current").Phase("i2"),
+    Group("I", kCompactCurrentRows<2>, "results of a current").Phase("i3"),
+    Group("I", kCompactNeutralRows, "results of a current").Phase("in"),
 };
 // Stored in the order Qip, Qcm, Qim, Qcp.
 inline constexpr Field kCompactCombinedRows[] = {
@@ -195,8 +196,7 @@ inline constexpr Field kCompactCombinedRows[] = {
 inline constexpr Field kCompactTotalRows[] = {
     Group("COMBINED", kCompactCombinedRows, "powers of all frequencies"),
 };
-// A compact array is 25 orders long, but all spectra are written with 51: each runs on into the
-// arrays behind it, on purpose. Readers take the first 25.
+// Of the 51 orders written 25 are an array's own, on purpose.
 constexpr uint32_t kCompactArray = 100;
 inline constexpr Field kCompactVoltageHarmonicsRows[] = {
     PlainVoltageHarmonics("u1h", 0 * kCompactArray).RunsOn(kCompactArray),
@@ -214,8 +214,8 @@ inline constexpr Field kCompactCurrentHarmonicsRows[] = {
 
 inline constexpr Field kCompactRows[] = {
     Rows(0, kIntervalRows),
-    Group("VOLTAGES", kCompactVoltagesRows),
-    Group("CURRENTS", kCompactCurrentsRows),
+    Group("VOLTAGES", kCompactVoltagesRows, "voltages"),
+    Group("CURRENTS", kCompactCurrentsRows, "currents"),
     Gap(184, 12),
     Quantity("f_200ms", 196, kAvgARows, "frequency over 200 ms", "Hz"),
     Quantity("f_10s", 200, kAvgARows, "frequency over 10 s", "Hz"),
@@ -227,7 +227,8 @@ inline constexpr Field kCompactRows[] = {
     Group("HARMONICS_I", 916, kCompactCurrentHarmonicsRows, "current harmonics"),
     Gap(1216, 320),
 };
-inline constexpr Field kCompactRecord = Record("RECORD_RESULTS", 1536, kCompactRows, "an interval");
+inline constexpr Field kCompactRecord =
+    Record("RECORD_RESULTS", 1536, kCompactRows, "an interval in short (profile 1)");
 static_assert(Tiles(kCompactRecord));
 
 // Standard: statistics of voltages and currents, averages of powers, plain spectra.
@@ -263,12 +264,12 @@ inline constexpr Field kStandardInverterRows[] = {
 
 inline constexpr Field kStandardRows[] = {
     Rows(0, kIntervalRows),
-    Group("VOLTAGES", 72, kSevenVoltagesRows),
-    Group("CURRENTS", 1332, kFourCurrentsRows),
+    Group("VOLTAGES", 72, kSevenVoltagesRows, "voltages"),
+    Group("CURRENTS", 1332, kFourCurrentsRows, "currents"),
     Rows(1844, kFrequenciesRows),
-    Group("zero_crossings", 3096, kZeroCrossingsRows),
+    Group("zero_crossings", 3096, kZeroCrossingsRows, "zero crossings"),
     Gap(3100, 4),
-    Group("PHASE_POWERS", kStandardPhasePowersAt, kThreePhaseAveragesRows),
+    Group("PHASE_POWERS", kStandardPhasePowersAt, kThreePhaseAveragesRows, "powers of each phase"),
     Group("pt", 2516, kTotalAveragesRows, "powers of the whole system"),
     Group("HARMONICS_U", 3104, kStandardVoltageHarmonicsRows, "voltage harmonics"),
     Group("HARMONICS_I", 3716, kStandardCurrentHarmonicsRows, "current harmonics"),
@@ -280,7 +281,7 @@ inline constexpr Field kStandardRows[] = {
     Gap(4596, 12),
 };
 inline constexpr Field kStandardRecord =
-    Record("RECORD_RESULTS", 4608, kStandardRows, "an interval");
+    Record("RECORD_RESULTS", 4608, kStandardRows, "a standard interval (profiles 2 and 5)");
 static_assert(Tiles(kStandardRecord));
 
 }  // namespace quorvex::intervals

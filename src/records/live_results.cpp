@@ -1,6 +1,7 @@
 // Type 6: one copy of the live results, every channel position of the instrument whatever the
 // connection.
 #include "records/channel_groups.h"
+#include "records/channels.h"
 #include "records/record_types.h"
 #include "records/sample_scales.h"
 #include "support/loads.h"
@@ -20,7 +21,6 @@ constexpr uint32_t kFurtherAt = 79392;
 constexpr uint32_t kCheckAt = kFurtherAt + 64;
 constexpr uint32_t kLiveResultsSize = kCheckAt + 60;
 
-constexpr Cases kInverter = Connections({6, 7});
 constexpr Cases kNoInverter = NotConnections({6, 7});
 
 constexpr Field kRms12ListRows[] = {
@@ -36,8 +36,7 @@ constexpr Field kConnectionCheckRows[] = {
     I32("Uinv", 48), I32("Iinv", 52), I32("Pinv", 56),
 };
 
-// Values of an inverter stand in the block of the channel that measures its input: beside what
-// every channel has, in its tail and behind its first energies.
+// In the block of the channel that measures the inverter's input.
 constexpr Field kInverterRows[] = {
     F32("Urms", 4, "RMS voltage", "V").Again(),
     F32("Udc", 9584, "DC voltage", "V").Again(),
@@ -52,26 +51,25 @@ constexpr Field kInverterRows[] = {
     F32("rf", 9596, "ripple factor").Again(),
 };
 
-// Pairs of phases are scaled as their first phase.
 constexpr Field kLiveResultsRows[] = {
-    Group("L1", PositionAt(0), kLiveChannelRows<0>),
-    Group("L2", PositionAt(1), kLiveChannelRows<1>),
-    Group("L3", PositionAt(2), kLiveChannelRows<2>),
-    Group("N", kNeutralAt, kLiveChannelRows<3>).In(kNoInverter),
-    Group("INV", kNeutralAt, kLiveChannelRows<3>).In(kInverter),
-    Group("L12", PositionAt(4), kLiveChannelRows<0>),
-    Group("L23", PositionAt(5), kLiveChannelRows<1>),
-    Group("L31", PositionAt(6), kLiveChannelRows<2>),
+    Group("L1", PositionAt(0), kLiveChannelRows<0>, "phase 1"),
+    Group("L2", PositionAt(1), kLiveChannelRows<1>, "phase 2"),
+    Group("L3", PositionAt(2), kLiveChannelRows<2>, "phase 3"),
+    Group("N", kNeutralAt, kLiveChannelRows<3>, "the neutral").In(kNoInverter),
+    Group("INV", kNeutralAt, kLiveChannelRows<3>, "the input of an inverter").In(kInverter),
+    Group("L12", PositionAt(4), kLiveChannelRows<0>, "lines 1 and 2"),
+    Group("L23", PositionAt(5), kLiveChannelRows<1>, "lines 2 and 3"),
+    Group("L31", PositionAt(6), kLiveChannelRows<2>, "lines 3 and 1"),
     Rows(kTotalsAt, kTotalsRows),
-    Group("SYM", 67832, kMomentarySymmetryRows),
+    Group("SYM", 67832, kMomentarySymmetryRows, "symmetrical components"),
     Group("RMS12", 67900, kRms12ListRows, "latest half-cycle readings"),
     DateTime("TIME_START", 78528, "time of the first sample"),
     F32("TIME_STEP", 78548, "time between samples", "s"),
     I32("numUsedSamples", 0, "number of used samples"),
     F32("TEMP", 67896, "instrument temperature", "degC"),
     I32("FLAG", 78584, "flags"),
-    Group("CONNECTION_CHECK", kCheckAt, kConnectionCheckRows),
-    Group("INVERTER", kNeutralAt, kInverterRows).In(kInverter),
+    Group("CONNECTION_CHECK", kCheckAt, kConnectionCheckRows, "check of the connection"),
+    Group("INVERTER", kNeutralAt, kInverterRows, "values of an inverter").In(kInverter),
     Gap(4, 4),
     Gap(78464, 64),
     Gap(78544, 4),
@@ -96,10 +94,18 @@ void WriteLiveResults(const Conversion& c) {
 const RecordType kLiveResults = {
     .type = 6,
     .name = "live results",
+    .about =
+        "One copy of what the instrument shows: every channel position, whatever the "
+        "connection. Pairs of phases are scaled as their first phase. Values of an inverter "
+        "stand in the block of the channel that measures its input: in its tail and behind its "
+        "first energies. What a file cut short lacks is zero. Samples are raw steps of the "
+        "converter, written in volts and amperes: times the step of the range, its calibration "
+        "and the ratios of the transformers.",
     .list = nullptr,
     .record = &kLiveResultsRecord,
     .write = WriteLiveResults,
     .state = true,
+    .once = true,
 };
 
 }  // namespace quorvex

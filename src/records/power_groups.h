@@ -1,18 +1,18 @@
 // Powers of one phase, of the whole system and of an inverter: as statistics (full records) and as
-// averages (standard records). Signs: p is consumed, m is generated; Qi is inductive, Qc
-// capacitive.
+// averages (standard records).
 #pragma once
 
 #include "records/result_groups.h"
 
 namespace quorvex::intervals {
 
-inline constexpr Field kEnergyRows[] = {
-    F32("EPp", 0, "active energy consumed", "Wh"),
-    F32("EPm", 4, "active energy generated", "Wh"),
-    F32("EQp", 8, "reactive energy consumed", "varh"),
-    F32("EQm", 12, "reactive energy generated", "varh"),
-};
+inline constexpr auto kEnergyRows =
+    Shared({"interval energies"}, {
+                                      F32("EPp", 0, "active energy consumed", "Wh"),
+                                      F32("EPm", 4, "active energy generated", "Wh"),
+                                      F32("EQp", 8, "reactive energy consumed", "varh"),
+                                      F32("EQm", 12, "reactive energy generated", "varh"),
+                                  });
 
 // Statistics of one phase.
 constexpr uint32_t kPhasePowerSize = 832;
@@ -52,19 +52,21 @@ inline constexpr Field kPhaseHarmonicRows[] = {
     Six("Dh", 480, "harmonic distortion power", "var"),
     Six("HP", 504, "harmonic pollution"),
 };
-inline constexpr Field kPhasePowerRows[] = {
-    Group("COMBINED", kPhaseCombinedRows, "powers of all frequencies"),
-    Group("FUNDAMENTAL", kPhaseFundamentalRows, "powers of the fundamental"),
-    Group("HARMONIC", kPhaseHarmonicRows, "powers beyond the fundamental"),
-    Group("ENERGY", kPhaseEnergyAt, kEnergyRows, "energies of the interval"),
-};
+inline constexpr auto kPhasePowerRows = Shared(
+    {"phase powers", "Signs: p is consumed, m is generated; Qi is inductive, Qc capacitive."},
+    {
+        Group("COMBINED", kPhaseCombinedRows, "powers of all frequencies"),
+        Group("FUNDAMENTAL", kPhaseFundamentalRows, "powers of the fundamental"),
+        Group("HARMONIC", kPhaseHarmonicRows, "powers beyond the fundamental"),
+        Group("ENERGY", kPhaseEnergyAt, kEnergyRows, "energies of the interval"),
+    });
 static_assert(Tiles(Record("P", kPhasePowerSize, kPhasePowerRows)));
 
 constexpr Field PhasePower(const char* phase, uint32_t at) {
   return Group("P", at, kPhasePowerRows, "powers of a phase").Phase(phase);
 }
 
-// Statistics of the whole system; _e effective, _v vector, _a arithmetic, _p positive-sequence.
+// Statistics of the whole system.
 constexpr uint32_t kTotalPowerSize = 1576;
 inline constexpr Field kTotalCombinedRows[] = {
     Six("Pp", 0, "active power", "W"),
@@ -137,16 +139,22 @@ inline constexpr Field kTotalHarmonicRows[] = {
     Six("SeN", 264, "effective non-fundamental apparent power", "VA"),
     Six("SeH", 288, "effective harmonic apparent power", "VA"),
 };
-inline constexpr Field kTotalPowerRows[] = {
-    Group("COMBINED", kTotalCombinedRows, "powers of all frequencies"),
-    Group("FUNDAMENTAL", kTotalFundamentalRows, "powers of the fundamental"),
-    Group("HARMONIC", kTotalHarmonicRows, "powers beyond the fundamental"),
-    Group("ENERGY", 1560, kEnergyRows, "energies of the interval"),
-};
+inline constexpr auto kTotalPowerRows =
+    Shared({"total powers",
+            "Suffixes: _e effective, _v vector, _a arithmetic, _p positive-sequence; signs as in "
+            "phase powers."},
+           {
+               Group("COMBINED", kTotalCombinedRows, "powers of all frequencies"),
+               Group("FUNDAMENTAL", kTotalFundamentalRows, "powers of the fundamental"),
+               Group("HARMONIC", kTotalHarmonicRows, "powers beyond the fundamental"),
+               Group("ENERGY", 1560, kEnergyRows, "energies of the interval"),
+           });
 static_assert(Tiles(Record("pt", kTotalPowerSize, kTotalPowerRows)));
 
 // Averages count in floats. Factors keep a second value that is not written.
-inline constexpr Field kAvgAPairRows[] = {F32("avgA", 0), Gap(4, 4)};
+inline constexpr auto kAvgAPairRows =
+    Shared({"single avgA of a pair", "The second value is not written."},
+           {F32("avgA", 0, "mean"), Gap(4, 4)});
 constexpr Field Avg(const char* name, uint32_t index, const char* meaning, const char* unit = "") {
   return Quantity(name, index * 4, kAvgRows, meaning, unit);
 }
@@ -192,12 +200,14 @@ inline constexpr Field kPhaseHarmonicAvgRows[] = {
     Avg("Dh", 20, "harmonic distortion power", "var"),
     Avg("HP", 21, "harmonic pollution"),
 };
-inline constexpr Field kPhaseAveragesRows[] = {
-    Group("COMBINED", kPhaseCombinedAvgRows, "powers of all frequencies"),
-    Group("FUNDAMENTAL", kPhaseFundamentalAvgRows, "powers of the fundamental"),
-    Group("HARMONIC", kPhaseHarmonicAvgRows, "powers beyond the fundamental"),
-    Group("ENERGY", kPhaseAveragesEnergyAt, kEnergyRows, "energies of the interval"),
-};
+inline constexpr auto kPhaseAveragesRows =
+    Shared({"phase power averages"},
+           {
+               Group("COMBINED", kPhaseCombinedAvgRows, "powers of all frequencies"),
+               Group("FUNDAMENTAL", kPhaseFundamentalAvgRows, "powers of the fundamental"),
+               Group("HARMONIC", kPhaseHarmonicAvgRows, "powers beyond the fundamental"),
+               Group("ENERGY", kPhaseAveragesEnergyAt, kEnergyRows, "energies of the interval"),
+           });
 static_assert(Tiles(Record("P", kPhaseAveragesSize, kPhaseAveragesRows)));
 
 constexpr Field PhaseAverages(const char* phase, uint32_t at) {
@@ -277,58 +287,65 @@ inline constexpr Field kTotalHarmonicAvgRows[] = {
     Avg("SeN", 11, "effective non-fundamental apparent power", "VA"),
     Avg("SeH", 12, "effective harmonic apparent power", "VA"),
 };
-inline constexpr Field kTotalAveragesRows[] = {
-    Group("COMBINED", kTotalCombinedAvgRows, "powers of all frequencies"),
-    Group("FUNDAMENTAL", kTotalFundamentalAvgRows, "powers of the fundamental"),
-    Group("HARMONIC", kTotalHarmonicAvgRows, "powers beyond the fundamental"),
-    Group("ENERGY", 93 * 4, kEnergyRows, "energies of the interval"),
-};
+inline constexpr auto kTotalAveragesRows =
+    Shared({"total power averages"},
+           {
+               Group("COMBINED", kTotalCombinedAvgRows, "powers of all frequencies"),
+               Group("FUNDAMENTAL", kTotalFundamentalAvgRows, "powers of the fundamental"),
+               Group("HARMONIC", kTotalHarmonicAvgRows, "powers beyond the fundamental"),
+               Group("ENERGY", 93 * 4, kEnergyRows, "energies of the interval"),
+           });
 static_assert(Tiles(Record("pt", kTotalAveragesSize, kTotalAveragesRows)));
 
 // An inverter: its DC side, its AC side and what is lost between them.
 constexpr uint32_t kInverterSize = 300;
-inline constexpr Field kInverterRows[] = {
-    Quantity("Urms", 0, kMinMaxAvgRows, "RMS voltage of the DC side", "V"),
-    Quantity("Udc", 12, kMinMaxAvgRows, "direct voltage", "V"),
-    Quantity("Uac", 24, kMinMaxAvgRows, "alternating part of the voltage", "V"),
-    Six("Irms", 36, "RMS current of the DC side", "A"),
-    Six("Idc", 60, "direct current", "A"),
-    Six("Iac", 84, "alternating part of the current", "A"),
-    Six("Pp", 108, "active power", "W"),
-    Six("Pm", 132, "active power", "W"),
-    Six("Pdcp", 156, "power of the direct parts", "W"),
-    Six("Pdcm", 180, "power of the direct parts", "W"),
-    Six("Sacp", 204, "apparent power of the alternating parts", "VA"),
-    Six("Sacm", 228, "apparent power of the alternating parts", "VA"),
-    Six("efficiency", 252, "efficiency of the conversion", "%"),
-    Six("rf", 276, "ripple factor", "%"),
-};
+inline constexpr auto kInverterRows =
+    Shared({"inverter results"},
+           {
+               Quantity("Urms", 0, kMinMaxAvgRows, "RMS voltage of the DC side", "V"),
+               Quantity("Udc", 12, kMinMaxAvgRows, "direct voltage", "V"),
+               Quantity("Uac", 24, kMinMaxAvgRows, "alternating part of the voltage", "V"),
+               Six("Irms", 36, "RMS current of the DC side", "A"),
+               Six("Idc", 60, "direct current", "A"),
+               Six("Iac", 84, "alternating part of the current", "A"),
+               Six("Pp", 108, "active power", "W"),
+               Six("Pm", 132, "active power", "W"),
+               Six("Pdcp", 156, "power of the direct parts", "W"),
+               Six("Pdcm", 180, "power of the direct parts", "W"),
+               Six("Sacp", 204, "apparent power of the alternating parts", "VA"),
+               Six("Sacm", 228, "apparent power of the alternating parts", "VA"),
+               Six("efficiency", 252, "efficiency of the conversion", "%"),
+               Six("rf", 276, "ripple factor", "%"),
+           });
 static_assert(Tiles(Record("inverter", kInverterSize, kInverterRows)));
 
 constexpr uint32_t kInverterAveragesSize = 56;
-inline constexpr Field kInverterAveragesRows[] = {
-    Avg("Urms", 0, "RMS voltage of the DC side", "V"),
-    Avg("Udc", 1, "direct voltage", "V"),
-    Avg("Uac", 2, "alternating part of the voltage", "V"),
-    Avg("Irms", 3, "RMS current of the DC side", "A"),
-    Avg("Idc", 4, "direct current", "A"),
-    Avg("Iac", 5, "alternating part of the current", "A"),
-    Avg("Pp", 6, "active power", "W"),
-    Avg("Pm", 7, "active power", "W"),
-    Avg("Pdcp", 8, "power of the direct parts", "W"),
-    Avg("Pdcm", 9, "power of the direct parts", "W"),
-    Avg("Sacp", 10, "apparent power of the alternating parts", "VA"),
-    Avg("Sacm", 11, "apparent power of the alternating parts", "VA"),
-    Avg("efficiency", 12, "efficiency of the conversion", "%"),
-    Avg("rf", 13, "ripple factor", "%"),
-};
+inline constexpr auto kInverterAveragesRows = Shared(
+    {"inverter averages"}, {
+                               Avg("Urms", 0, "RMS voltage of the DC side", "V"),
+                               Avg("Udc", 1, "direct voltage", "V"),
+                               Avg("Uac", 2, "alternating part of the voltage", "V"),
+                               Avg("Irms", 3, "RMS current of the DC side", "A"),
+                               Avg("Idc", 4, "direct current", "A"),
+                               Avg("Iac", 5, "alternating part of the current", "A"),
+                               Avg("Pp", 6, "active power", "W"),
+                               Avg("Pm", 7, "active power", "W"),
+                               Avg("Pdcp", 8, "power of the direct parts", "W"),
+                               Avg("Pdcm", 9, "power of the direct parts", "W"),
+                               Avg("Sacp", 10, "apparent power of the alternating parts", "VA"),
+                               Avg("Sacm", 11, "apparent power of the alternating parts", "VA"),
+                               Avg("efficiency", 12, "efficiency of the conversion", "%"),
+                               Avg("rf", 13, "ripple factor", "%"),
+                           });
 static_assert(Tiles(Record("inverter", kInverterAveragesSize, kInverterAveragesRows)));
 
-// The DC side is measured on phase 2's inputs, so its energies are that phase's: these rows read
-// them there a second time.
-inline constexpr Field kInverterEnergyRows[] = {
-    F32("EPp", 0, "active energy consumed", "Wh").Again(),
-    F32("EPm", 4, "active energy generated", "Wh").Again(),
-};
+inline constexpr auto kInverterEnergyRows =
+    Shared({"inverter energies",
+            "The DC side is measured on the inputs of phase 2, so its energies are that phase's, "
+            "read a second time."},
+           {
+               F32("EPp", 0, "active energy consumed", "Wh").Again(),
+               F32("EPm", 4, "active energy generated", "Wh").Again(),
+           });
 
 }  // namespace quorvex::intervals

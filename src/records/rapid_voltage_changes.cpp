@@ -1,4 +1,4 @@
-// Type 10: rapid voltage changes (RVC), each with the half-cycle RMS voltages around it.
+// Type 10: rapid voltage changes (RVC).
 #include "records/record_types.h"
 
 namespace quorvex {
@@ -38,6 +38,10 @@ static_assert(Tiles(kChange));
 const RecordType kRapidVoltageChanges = {
     .type = 10,
     .name = "rapid voltage changes",
+    .about =
+        "Each change comes with the 200 half-cycle voltages around it. A last record that is "
+        "cut short is written with the bytes of the one before in the place of those that it "
+        "lacks.",
     .list = "RECORDS",
     .record = &kChange,
     .write = WriteCountedRecords,

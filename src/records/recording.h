@@ -29,6 +29,12 @@ struct FileHeader {
   uint32_t type;
 };
 static_assert(sizeof(FileHeader) == kFileHeaderSize);
+inline constexpr Field kFileHeaderRows[] = {
+    I32("FILE_VERSION", offsetof(FileHeader, version), "version of the file format"),
+    I32("FILE_TYPE", offsetof(FileHeader, type), "record type, 1 to 18"),
+};
+inline constexpr Field kFileHeader = Record("FILE_HEADER", sizeof(FileHeader), kFileHeaderRows);
+static_assert(Tiles(kFileHeader));
 
 struct RecordType;
 
@@ -53,9 +59,12 @@ struct LayoutChoice {
 // One row of the table of record types. The differences between types are its columns.
 struct RecordType {
   uint32_t type;
-  const char* name;                        // in words
-  const char* list;                        // element around the records, null for none
-  const Field* record;                     // layout of a record, where every record has the same
+  const char* name;   // in words
+  const char* about;  // what one must know about its files, for documentation
+  const char* list;   // element around the records, null for none
+  // A record with all its elements, where every record has the same layout. Its size is that of
+  // what stands in front of the parts that lie behind.
+  const Field* record;
   void (*write)(const Conversion&);        // writes the records
   uint32_t settings_at = kFileHeaderSize;  // 0: the file carries no settings
   uint32_t records_at = kHeadSize;
@@ -65,6 +74,7 @@ struct RecordType {
   bool progress = false;               // reports progress and can be stopped
   const Field* information = nullptr;  // block behind the settings, written before the list
   uint32_t record_settings_at = 0;     // where a record carries settings of its own, 0: nowhere
+  bool once = false;                   // one record a file, whether it is all there or not
   // In the place of `record`, where there are several layouts.
   const LayoutChoice* choice = nullptr;
 };

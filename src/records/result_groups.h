@@ -10,34 +10,55 @@
 namespace quorvex::intervals {
 
 // A group whose values share a unit.
-template <size_t N>
-constexpr Field Quantity(const char* name, uint32_t at, const Field (&rows)[N], const char* meaning,
+template <typename Table>
+constexpr Field Quantity(const char* name, uint32_t at, const Table& table, const char* meaning,
                          const char* unit = "") {
-  Field f = Group(name, at, rows, meaning);
+  Field f = Group(name, at, table, meaning);
   f.unit = unit;
   return f;
 }
 
 // Statistics over an interval. `avgA` and `rmsA` are kept by the instrument beside the plain mean.
-inline constexpr Field kMinMaxRmsRows[] = {F32("min", 0), F32("max", 4), F32("rms", 8)};
-inline constexpr Field kMinMaxAvgRows[] = {F32("min", 0), F32("max", 4), F32("avg", 8)};
-inline constexpr Field kMaxRmsRows[] = {F32("max", 0), F32("rms", 4)};
-inline constexpr Field kMinMaxRmsARows[] = {F32("min", 0), F32("max", 4), F32("rms", 8),
-                                            F32("rmsA", 12)};
-inline constexpr Field kMaxRmsARows[] = {F32("max", 0), F32("rms", 4), F32("rmsA", 8)};
-// Six values are stored, four written: avgA is the fifth, not the fourth.
-inline constexpr Field kSixValueRows[] = {
-    F32("min", 0), F32("max", 4), F32("avg", 8), Gap(12, 4), F32("avgA", 16), Gap(20, 4),
-};
-inline constexpr Field kFrequencyRows[] = {
-    F32("min", 0), F32("max", 4), Gap(8, 8), F32("avgA", 16), Gap(20, 4),
-};
+inline constexpr auto kMinMaxRmsRows =
+    Shared({"extremes and RMS"},
+           {F32("min", 0, "smallest"), F32("max", 4, "largest"), F32("rms", 8, "RMS")});
+inline constexpr auto kMinMaxAvgRows =
+    Shared({"extremes and average"},
+           {F32("min", 0, "smallest"), F32("max", 4, "largest"), F32("avg", 8, "mean")});
+inline constexpr auto kMaxRmsRows =
+    Shared({"maximum and RMS"}, {F32("max", 0, "largest"), F32("rms", 4, "RMS")});
+inline constexpr auto kMinMaxRmsARows = Shared(
+    {"extremes and two RMS"}, {F32("min", 0, "smallest"), F32("max", 4, "largest"),
+                               F32("rms", 8, "RMS"), F32("rmsA", 12, "kept beside the RMS")});
+inline constexpr auto kMaxRmsARows =
+    Shared({"maximum and two RMS"},
+           {F32("max", 0, "largest"), F32("rms", 4, "RMS"), F32("rmsA", 8, "kept beside the RMS")});
+inline constexpr auto kSixValueRows =
+    Shared({"six-value statistic",
+            "Six values are stored, four written: `avgA` is the fifth, not the fourth."},
+           {
+               F32("min", 0, "smallest"),
+               F32("max", 4, "largest"),
+               F32("avg", 8, "mean"),
+               Gap(12, 4),
+               F32("avgA", 16, "kept beside the mean"),
+               Gap(20, 4),
+           });
+inline constexpr auto kFrequencyRows = Shared(
+    {"frequency statistic", "Stored like a six-value statistic; its average is not written."},
+    {
+        F32("min", 0, "smallest"),
+        F32("max", 4, "largest"),
+        Gap(8, 8),
+        F32("avgA", 16, "kept beside the mean"),
+        Gap(20, 4),
+    });
 
 // Single values, each in an element of its own.
-inline constexpr Field kRmsRows[] = {F32("rms", 0)};
+inline constexpr auto kRmsRows = Shared({"single RMS"}, {F32("rms", 0, "the value")});
 inline constexpr Field kNoRmsRows[] = {NoValue("rms")};
-inline constexpr Field kAvgRows[] = {F32("avg", 0)};
-inline constexpr Field kAvgARows[] = {F32("avgA", 0)};
+inline constexpr auto kAvgRows = Shared({"single average"}, {F32("avg", 0, "mean")});
+inline constexpr auto kAvgARows = Shared({"single avgA"}, {F32("avgA", 0, "kept beside the mean")});
 
 constexpr Field Six(const char* name, uint32_t at, const char* meaning, const char* unit = "") {
   return Quantity(name, at, kSixValueRows, meaning, unit);
@@ -52,39 +73,42 @@ inline constexpr Field kVoltageSignalingRows[] = {
     Group("SIGNAL1", 108, kMinMaxAvgRows, "voltage at signalling frequency 1"),
     Group("SIGNAL2", 120, kMinMaxAvgRows, "voltage at signalling frequency 2"),
 };
-inline constexpr Field kSignalInOutRows[] = {
-    I32("IN", 0, "3-second values within the limit"),
-    I32("OUT", 4, "3-second values beyond the limit"),
-};
+inline constexpr auto kSignalInOutRows =
+    Shared({"signalling verdicts"}, {
+                                        I32("IN", 0, "3-second values within the limit"),
+                                        I32("OUT", 4, "3-second values beyond the limit"),
+                                    });
 inline constexpr Field kVoltageSignaling3sRows[] = {
-    Group("SIGNAL1", 144, kSignalInOutRows),
-    Group("SIGNAL2", 152, kSignalInOutRows),
+    Group("SIGNAL1", 144, kSignalInOutRows, "signalling frequency 1"),
+    Group("SIGNAL2", 152, kSignalInOutRows, "signalling frequency 2"),
 };
 inline constexpr Field kUnderOverRows[] = {
     F32("under", 0, "underdeviation"),
     F32("over", 4, "overdeviation"),
 };
-// Recordings with reduced lists keep flicker and signalling to themselves.
-inline constexpr Field kVoltageRows[] = {
-    Quantity("rms", 0, kMinMaxRmsRows, "RMS voltage", "V"),
-    Gap(12, 4),
-    Quantity("thd", 16, kMaxRmsRows, "total harmonic distortion", "V"),
-    Quantity("thdPr", 24, kMaxRmsRows, "total harmonic distortion", "%"),
-    Quantity("tdd", 32, kMaxRmsRows, "total demand distortion", "V"),
-    Quantity("tddPr", 40, kMaxRmsRows, "total demand distortion", "%"),
-    Group("cf", 48, kMinMaxAvgRows, "crest factor"),
-    Group("Pst", kPstRows, "short-term flicker").In(kFullLists),
-    Gap(72, 4),
-    Group("Plt", kPltRows, "long-term flicker").In(kFullLists),
-    Gap(88, 4),
-    Group("Pst1m", kPst1mRows, "one-minute flicker").In(kFullLists),
-    Gap(104, 4),
-    Group("SIGNALING", kVoltageSignalingRows, "mains signalling").In(kFullLists),
-    Gap(132, 12),
-    Group("SIGNALING_3s", kVoltageSignaling3sRows, "mains signalling against its limits")
-        .In(kFullLists),
-    Quantity("UNDER_OVER_VOLTAGE", 160, kUnderOverRows, "deviation from the nominal voltage", "%"),
-};
+inline constexpr auto kVoltageRows = Shared(
+    {"voltage results", "Recordings with reduced lists keep flicker and signalling to themselves."},
+    {
+        Quantity("rms", 0, kMinMaxRmsRows, "RMS voltage", "V"),
+        Gap(12, 4),
+        Quantity("thd", 16, kMaxRmsRows, "total harmonic distortion", "V"),
+        Quantity("thdPr", 24, kMaxRmsRows, "total harmonic distortion", "%"),
+        Quantity("tdd", 32, kMaxRmsRows, "total demand distortion", "V"),
+        Quantity("tddPr", 40, kMaxRmsRows, "total demand distortion", "%"),
+        Group("cf", 48, kMinMaxAvgRows, "crest factor"),
+        Group("Pst", kPstRows, "short-term flicker").In(kFullLists),
+        Gap(72, 4),
+        Group("Plt", kPltRows, "long-term flicker").In(kFullLists),
+        Gap(88, 4),
+        Group("Pst1m", kPst1mRows, "one-minute flicker").In(kFullLists),
+        Gap(104, 4),
+        Group("SIGNALING", kVoltageSignalingRows, "mains signalling").In(kFullLists),
+        Gap(132, 12),
+        Group("SIGNALING_3s", kVoltageSignaling3sRows, "mains signalling against its limits")
+            .In(kFullLists),
+        Quantity("UNDER_OVER_VOLTAGE", 160, kUnderOverRows, "deviation from the nominal voltage",
+                 "%"),
+    });
 static_assert(Tiles(Record("U", kVoltageSize, kVoltageRows)));
 
 constexpr Field Voltage(const char* phase, uint32_t at) {
@@ -93,21 +117,22 @@ constexpr Field Voltage(const char* phase, uint32_t at) {
 
 // Results of one current.
 constexpr uint32_t kCurrentSize = 128;
-inline constexpr Field kCurrentRows[] = {
-    Quantity("rms", 0, kMinMaxRmsARows, "RMS current", "A"),
-    Gap(16, 4),
-    Quantity("thd", 20, kMaxRmsARows, "total harmonic distortion", "A"),
-    Gap(32, 4),
-    Quantity("thdPr", 36, kMaxRmsARows, "total harmonic distortion", "%"),
-    Gap(48, 4),
-    Quantity("tdd", 52, kMaxRmsARows, "total demand distortion", "A"),
-    Gap(64, 4),
-    Quantity("tddPr", 68, kMaxRmsARows, "total demand distortion", "%"),
-    Gap(80, 4),
-    Six("cf", 84, "crest factor"),
-    Group("k", 108, kMinMaxRmsARows, "K factor of transformer losses"),
-    Gap(124, 4),
-};
+inline constexpr auto kCurrentRows = Shared(
+    {"current results"}, {
+                             Quantity("rms", 0, kMinMaxRmsARows, "RMS current", "A"),
+                             Gap(16, 4),
+                             Quantity("thd", 20, kMaxRmsARows, "total harmonic distortion", "A"),
+                             Gap(32, 4),
+                             Quantity("thdPr", 36, kMaxRmsARows, "total harmonic distortion", "%"),
+                             Gap(48, 4),
+                             Quantity("tdd", 52, kMaxRmsARows, "total demand distortion", "A"),
+                             Gap(64, 4),
+                             Quantity("tddPr", 68, kMaxRmsARows, "total demand distortion", "%"),
+                             Gap(80, 4),
+                             Six("cf", 84, "crest factor"),
+                             Group("k", 108, kMinMaxRmsARows, "K factor of transformer losses"),
+                             Gap(124, 4),
+                         });
 static_assert(Tiles(Record("I", kCurrentSize, kCurrentRows)));
 
 constexpr Field Current(const char* phase, uint32_t at) {
@@ -134,30 +159,32 @@ inline constexpr Field kFrequenciesRows[] = {
 };
 inline constexpr Field kZeroCrossingsRows[] = {I32("ZCnum", 0, "zero crossings counted")};
 
-// Symmetrical components. The written order is positive, negative, zero; the stored one is not.
 constexpr uint32_t kSymmetrySize = 180;
-inline constexpr Field kSymmetryRows[] = {
-    Quantity("Up", 36, kMinMaxRmsRows, "positive-sequence voltage", "V"),
-    Gap(48, 4),
-    Quantity("Um", 72, kMinMaxRmsRows, "negative-sequence voltage", "V"),
-    Gap(84, 4),
-    Quantity("Uo", 0, kMinMaxRmsRows, "zero-sequence voltage", "V"),
-    Gap(12, 4),
-    Quantity("Ip", 52, kMinMaxRmsARows, "positive-sequence current", "A"),
-    Gap(68, 4),
-    Quantity("Im", 88, kMinMaxRmsARows, "negative-sequence current", "A"),
-    Gap(104, 4),
-    Quantity("Io", 16, kMinMaxRmsARows, "zero-sequence current", "A"),
-    Gap(32, 4),
-    Quantity("um", 108, kMinMaxRmsRows, "negative-sequence voltage ratio", "%"),
-    Gap(120, 4),
-    Quantity("u0", 124, kMinMaxRmsRows, "zero-sequence voltage ratio", "%"),
-    Gap(136, 4),
-    Quantity("im", 140, kMinMaxRmsARows, "negative-sequence current ratio", "%"),
-    Gap(156, 4),
-    Quantity("i0", 160, kMinMaxRmsARows, "zero-sequence current ratio", "%"),
-    Gap(176, 4),
-};
+inline constexpr auto kSymmetryRows =
+    Shared({"symmetrical components",
+            "The written order is positive, negative, zero; the stored one is not."},
+           {
+               Quantity("Up", 36, kMinMaxRmsRows, "positive-sequence voltage", "V"),
+               Gap(48, 4),
+               Quantity("Um", 72, kMinMaxRmsRows, "negative-sequence voltage", "V"),
+               Gap(84, 4),
+               Quantity("Uo", 0, kMinMaxRmsRows, "zero-sequence voltage", "V"),
+               Gap(12, 4),
+               Quantity("Ip", 52, kMinMaxRmsARows, "positive-sequence current", "A"),
+               Gap(68, 4),
+               Quantity("Im", 88, kMinMaxRmsARows, "negative-sequence current", "A"),
+               Gap(104, 4),
+               Quantity("Io", 16, kMinMaxRmsARows, "zero-sequence current", "A"),
+               Gap(32, 4),
+               Quantity("um", 108, kMinMaxRmsRows, "negative-sequence voltage ratio", "%"),
+               Gap(120, 4),
+               Quantity("u0", 124, kMinMaxRmsRows, "zero-sequence voltage ratio", "%"),
+               Gap(136, 4),
+               Quantity("im", 140, kMinMaxRmsARows, "negative-sequence current ratio", "%"),
+               Gap(156, 4),
+               Quantity("i0", 160, kMinMaxRmsARows, "zero-sequence current ratio", "%"),
+               Gap(176, 4),
+           });
 static_assert(Tiles(Record("sym", kSymmetrySize, kSymmetryRows)));
 
 // Voltages of the compact record and of voltage quality are single values.
@@ -172,28 +199,28 @@ constexpr uint32_t kOrders = 51;
 constexpr uint32_t kVoltageSpectrumSize = kOrders * 2 * 4;
 constexpr uint32_t kCurrentSpectrumSize = kOrders * 4 * 4;
 constexpr Field VoltageHarmonics(const char* phase, uint32_t at) {
-  return Spectrum("HARM_U", phase, at, kOrders, 2, 2);
+  return Spectrum("HARM_U", phase, at, kOrders, 2, 2, "voltage harmonics");
 }
 constexpr Field CurrentHarmonics(const char* phase, uint32_t at) {
-  return Spectrum("HARM_I", phase, at, kOrders, 4, 3);
+  return Spectrum("HARM_I", phase, at, kOrders, 4, 3, "current harmonics");
 }
 constexpr Field VoltageInterharmonics(const char* phase, uint32_t at) {
-  return Spectrum("IHARM_U", phase, at, kOrders, 2, 2);
+  return Spectrum("IHARM_U", phase, at, kOrders, 2, 2, "voltage interharmonics");
 }
 constexpr Field CurrentInterharmonics(const char* phase, uint32_t at) {
-  return Spectrum("IHARM_I", phase, at, kOrders, 4, 3);
+  return Spectrum("IHARM_I", phase, at, kOrders, 4, 3, "current interharmonics");
 }
 // Of powers only the first float of an order is written.
 constexpr Field PowerHarmonics(const char* phase, uint32_t at) {
-  return Spectrum("HARM_THD", phase, at, kOrders, 2, 1);
+  return Spectrum("HARM_THD", phase, at, kOrders, 2, 1, "power harmonics");
 }
 // One float an order.
 constexpr uint32_t kPlainSpectrumSize = kOrders * 4;
 constexpr Field PlainVoltageHarmonics(const char* phase, uint32_t at, uint32_t orders = kOrders) {
-  return Spectrum("HARM_U", phase, at, orders, 1, 1);
+  return Spectrum("HARM_U", phase, at, orders, 1, 1, "voltage harmonics");
 }
 constexpr Field PlainCurrentHarmonics(const char* phase, uint32_t at) {
-  return Spectrum("HARM_I", phase, at, kOrders, 1, 1);
+  return Spectrum("HARM_I", phase, at, kOrders, 1, 1, "current harmonics");
 }
 
 }  // namespace quorvex::intervals

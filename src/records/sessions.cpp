@@ -1,5 +1,4 @@
-// Type 15: the log of operating sessions. It carries no settings, and its elements are named in
-// lower camel case, unlike those of every other type.
+// Type 15: the log of operating sessions.
 #include "records/record_types.h"
 #include "support/loads.h"
 #include "xml/plan.h"
@@ -18,14 +17,24 @@ constexpr Field kSessionHeaderRows[] = {
 constexpr Field kSessionHeader = Record("SESSION_HEADER", 40, kSessionHeaderRows);
 static_assert(Tiles(kSessionHeader));
 
-constexpr Field kElementRows[] = {
-    I32("elementType", 0, "kind of the change"),
-    I32("fromScreen", 4, "screen before"),
-    I32("toScreen", 8, "screen after"),
-    I32("num", 12, "number"),
-};
+constexpr auto kElementRows =
+    Shared({"session element"}, {
+                                    I32("elementType", 0, "kind of the change"),
+                                    I32("fromScreen", 4, "screen before"),
+                                    I32("toScreen", 8, "screen after"),
+                                    I32("num", 12, "number"),
+                                });
 constexpr Field kElement = Record("ELEMENT", 16, kElementRows, "a change of screens");
 static_assert(Tiles(kElement));
+
+constexpr Field kSessionRows[] = {
+    kSessionHeader,
+    Each(kElement.name, 0, 1, kElement.size, kElementRows, kElement.meaning)
+        .CountInput(0, "elementsNum")
+        .InPieces()
+        .Behind(),
+};
+constexpr Field kSession = Record("SESSION", kSessionHeader.size, kSessionRows, "a session");
 
 // Sessions stand back to back, each a header and its elements, up to the first that is cut short.
 void WriteSessions(const Conversion& c) {
@@ -33,7 +42,7 @@ void WriteSessions(const Conversion& c) {
   const Plan element_plan(kElement, kAllCases);
   uint8_t header[kSessionHeader.size];
   while (ReadBytes(c.input, header, sizeof header) == sizeof header) {
-    OpenElement(c.document, "SESSION");
+    OpenElement(c.document, kSession.name);
     header_plan.Render(c.document, header);
     const auto elements = Load<int32_t>(header + kElementsNumAt);
     for (int32_t i = 0; i < elements; ++i) {
@@ -50,8 +59,12 @@ void WriteSessions(const Conversion& c) {
 const RecordType kSessions = {
     .type = 15,
     .name = "sessions",
+    .about =
+        "Sessions stand back to back, each a header and its elements, up to the first that is "
+        "cut short. The file carries no settings and its document no list element; elements are "
+        "named in lower camel case, unlike those of every other type.",
     .list = nullptr,
-    .record = nullptr,
+    .record = &kSession,
     .write = WriteSessions,
     .settings_at = 0,
     .records_at = kFileHeaderSize,

@@ -1,5 +1,4 @@
-// Type 4: the instrument's settings and nothing else. They come from the file alone, and there is
-// not even an empty list of records.
+// Type 4: the instrument's settings and nothing else.
 #include "records/record_types.h"
 
 namespace quorvex {
@@ -7,6 +6,7 @@ namespace quorvex {
 const RecordType kSettingsOnly = {
     .type = 4,
     .name = "settings",
+    .about = "The settings and nothing else: there is not even an empty list of records.",
     .list = nullptr,
     .record = nullptr,
     .write = nullptr,

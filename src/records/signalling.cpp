@@ -1,6 +1,5 @@
-// Type 9: mains signalling. Recordings of any length stand back to back: a head, then fourteen
-// arrays with an entry a packet. The arrays are read and written in pieces, so that memory does not
-// grow with a recording.
+// Type 9: mains signalling. The arrays of a recording are read and written in pieces, so that
+// memory does not grow with it.
 #include <algorithm>
 #include <cstring>
 
@@ -30,35 +29,45 @@ constexpr Field kHead = Record("SIGNALLING_PARAMS", 48, kHeadRows, "head of a re
 static_assert(Tiles(kHead));
 
 constexpr uint32_t kPiecePackets = 1024;
+constexpr char kPerPacket[] = "PACKETS_NUM";
 
 constexpr Field kEndTimes[] = {
     Each("END_TIME", 0, kPiecePackets, kDateTimeSize, kDateTimeRows, "end of a packet")
-        .CountInput(0),
+        .CountInput(0, kPerPacket)
+        .InPieces(),
 };
 constexpr Field kLevels[] = {
-    F32("U", 0, "level in a packet").Times(kPiecePackets).CountInput(0),
+    F32("U", 0, "level in a packet").Times(kPiecePackets).CountInput(0, kPerPacket).InPieces(),
 };
 constexpr Field kFlags[] = {
-    I32("FLAG", 0, "flag of a packet").Times(kPiecePackets).CountInput(0),
+    I32("FLAG", 0, "flag of a packet").Times(kPiecePackets).CountInput(0, kPerPacket).InPieces(),
 };
 
 // Behind the head, in this order on disk too: an array of an entry a packet each.
 constexpr Field kArrays[] = {
-    Group("END_TIMES", kEndTimes, "end of each packet"),
-    Group("U1_SIG1", kLevels, "phase 1, first frequency"),
-    Group("U1_SIG2", kLevels, "phase 1, second frequency"),
-    Group("U2_SIG1", kLevels, "phase 2, first frequency"),
-    Group("U2_SIG2", kLevels, "phase 2, second frequency"),
-    Group("U3_SIG1", kLevels, "phase 3, first frequency"),
-    Group("U3_SIG2", kLevels, "phase 3, second frequency"),
-    Group("U12_SIG1", kLevels, "lines 1 and 2, first frequency"),
-    Group("U12_SIG2", kLevels, "lines 1 and 2, second frequency"),
-    Group("U23_SIG1", kLevels, "lines 2 and 3, first frequency"),
-    Group("U23_SIG2", kLevels, "lines 2 and 3, second frequency"),
-    Group("U31_SIG1", kLevels, "lines 3 and 1, first frequency"),
-    Group("U31_SIG2", kLevels, "lines 3 and 1, second frequency"),
-    Group("flags", kFlags, "flag of each packet"),
+    Group("END_TIMES", kEndTimes, "end of each packet").Behind(),
+    Group("U1_SIG1", kLevels, "phase 1, first frequency").Behind(),
+    Group("U1_SIG2", kLevels, "phase 1, second frequency").Behind(),
+    Group("U2_SIG1", kLevels, "phase 2, first frequency").Behind(),
+    Group("U2_SIG2", kLevels, "phase 2, second frequency").Behind(),
+    Group("U3_SIG1", kLevels, "phase 3, first frequency").Behind(),
+    Group("U3_SIG2", kLevels, "phase 3, second frequency").Behind(),
+    Group("U12_SIG1", kLevels, "lines 1 and 2, first frequency").Behind(),
+    Group("U12_SIG2", kLevels, "lines 1 and 2, second frequency").Behind(),
+    Group("U23_SIG1", kLevels, "lines 2 and 3, first frequency").Behind(),
+    Group("U23_SIG2", kLevels, "lines 2 and 3, second frequency").Behind(),
+    Group("U31_SIG1", kLevels, "lines 3 and 1, first frequency").Behind(),
+    Group("U31_SIG2", kLevels, "lines 3 and 1, second frequency").Behind(),
+    Group("flags", kFlags, "flag of each packet").Behind(),
 };
+
+constexpr Field kRecordingRows[] = {
+    kHead,
+    Group("SIGNALLING_DATA", kArrays, "the packets"),
+};
+constexpr Field kData = kRecordingRows[1];
+constexpr Field kRecording =
+    Record("SIGNALLING_RECORD", kHead.size, kRecordingRows, "a signalling recording");
 
 constexpr uint32_t EntrySize(const Field& array) { return array.rows[0].step; }
 
@@ -110,7 +119,7 @@ void ReadPiece(Writer& w, const Piece& piece) {
 
 // Writes the arrays of `packets` entries that begin at byte `at`.
 void WriteData(Writer& w, uint64_t at, uint32_t packets) {
-  OpenElement(w.c.document, "SIGNALLING_DATA");
+  OpenElement(w.c.document, kData.name);
   uint32_t levels_before = 0;
   for (const Field& array : kArrays) {
     const uint32_t entry = EntrySize(array);
@@ -141,7 +150,7 @@ void WriteSignalling(const Conversion& c) {
     // No file holds more packets than bytes: such a count is damage, and what follows it is lost.
     const bool plausible = announced <= 0 || static_cast<uint32_t>(announced) <= c.whole_size;
     const uint32_t packets = announced > 0 && plausible ? static_cast<uint32_t>(announced) : 0;
-    OpenElement(c.document, "SIGNALLING_RECORD");
+    OpenElement(c.document, kRecording.name);
     w.head.Render(c.document, head);
     WriteData(w, kHeadSize + position, packets);
     CloseElement(c.document);
@@ -155,8 +164,11 @@ void WriteSignalling(const Conversion& c) {
 const RecordType kSignalling = {
     .type = 9,
     .name = "signalling",
+    .about =
+        "Recordings of any length stand back to back: a head, then fourteen arrays with an "
+        "entry for each packet. A negative number of packets means none.",
     .list = "RECORDS",
-    .record = nullptr,
+    .record = &kRecording,
     .write = WriteSignalling,
 };
 

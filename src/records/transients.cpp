@@ -1,5 +1,4 @@
-// Type 12: an index of transient captures. Each entry names a capture, whose waveforms are a file
-// of their own, and carries the settings that were in force for it.
+// Type 12: an index of transient captures.
 #include "records/record_types.h"
 #include "settings/settings_table.h"
 
@@ -10,7 +9,7 @@ constexpr uint32_t kNameSize = 100;
 
 constexpr Field kEntryRows[] = {
     Text("name", 0, kNameSize, "name of the capture"),
-    Group("UIF_PARAMS", kNameSize, kSettingsRows, "settings of the capture"),
+    Group(kSettingsBlock.name, kNameSize, kSettingsRows, "settings of the capture"),
 };
 constexpr Field kEntry =
     Record("TRANSIENT_RECORD", kNameSize + kSettingsSize, kEntryRows, "a captured transient");
@@ -21,6 +20,11 @@ static_assert(Tiles(kEntry));
 const RecordType kTransients = {
     .type = 12,
     .name = "transients",
+    .about =
+        "Each entry names a capture, whose waveforms are a file of their own, and carries the "
+        "settings that were in force for it. A last record that is cut short is written with "
+        "the bytes of the one before in the place of those that it lacks. What the first one "
+        "lacks of its settings is taken from those of the file.",
     .list = "RECORDS",
     .record = &kEntry,
     .write = WriteCountedRecords,

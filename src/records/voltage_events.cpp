@@ -1,5 +1,4 @@
-// Type 8: voltage events. A record is a transition between dips, swells, interruptions and normal
-// voltage, with the running counts of all of them.
+// Type 8: voltage events: dips, swells, interruptions.
 #include "records/record_types.h"
 
 namespace quorvex {
@@ -90,6 +89,10 @@ static_assert(Tiles(kTransition));
 const RecordType kVoltageEvents = {
     .type = 8,
     .name = "voltage events",
+    .about =
+        "A record is a transition between dips, swells, interruptions and normal voltage, with "
+        "the running counts of all of them. The head is longer than that of other types, and "
+        "the thresholds in force follow it. A last record that is cut short is left out.",
     .list = "TRANSITIONS",
     .record = &kTransition,
     .write = WriteRecordsToEnd,

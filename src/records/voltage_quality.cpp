@@ -1,5 +1,4 @@
-// Type 16: voltage quality, an interval a record: RMS, distortion, flicker and the spectrum of
-// three voltages. How much is kept depends on the recording interval.
+// Type 16: voltage quality, an interval a record.
 #include <iterator>
 
 #include "records/record_types.h"
@@ -70,7 +69,8 @@ constexpr Field kOtherIntervalRows[] = {
     Group("VOLTAGES", kVoltagesRmsRows<532>),
     Group("HARMONICS_U", 40, kSpectraRows<kOrders40>, "voltage harmonics"),
 };
-constexpr Field kOtherInterval = Record("RECORD_RESULTS", 544, kOtherIntervalRows, "an interval");
+constexpr Field kOtherInterval =
+    Record("RECORD_RESULTS", 544, kOtherIntervalRows, "an interval of any other length");
 static_assert(Tiles(kOtherInterval));
 
 constexpr Field kQuarterHourRows[] = {
@@ -79,7 +79,8 @@ constexpr Field kQuarterHourRows[] = {
     Group("HARMONICS_U", 40, kSpectraRows<kOrders15>, "voltage harmonics"),
     Gap(244, 4),
 };
-constexpr Field kQuarterHour = Record("RECORD_RESULTS", 248, kQuarterHourRows, "an interval");
+constexpr Field kQuarterHour =
+    Record("RECORD_RESULTS", 248, kQuarterHourRows, "an interval of 900 s");
 static_assert(Tiles(kQuarterHour));
 
 // No RMS voltage is kept here: the first array is the distortion.
@@ -89,7 +90,8 @@ constexpr Field kTenMinutesRows[] = {
     Group("HARMONICS_U", 28, kSpectraRows<kOrders40>, "voltage harmonics"),
     Gap(532, 4),
 };
-constexpr Field kTenMinutes = Record("RECORD_RESULTS", 536, kTenMinutesRows, "an interval");
+constexpr Field kTenMinutes =
+    Record("RECORD_RESULTS", 536, kTenMinutesRows, "an interval of 600 s");
 static_assert(Tiles(kTenMinutes));
 
 constexpr const Field* kLayouts[] = {&kOtherInterval, &kTenMinutes, &kQuarterHour};
@@ -130,6 +132,11 @@ void WriteIntervals(const Conversion& c) {
 const RecordType kVoltageQuality = {
     .type = 16,
     .name = "voltage quality",
+    .about =
+        "RMS, distortion, flicker and the spectrum of three voltages, an interval a record. The "
+        "recording interval chooses one of three layouts for the whole file. An inverter at a "
+        "three-phase network (connection 7) counts as line-to-line, unlike in general "
+        "recordings. A last record that is cut short is left out.",
     .list = "RECORDS",
     .record = nullptr,
     .write = WriteIntervals,

@@ -1,7 +1,7 @@
 // Type 5: one capture of voltages and currents, as long as the memory of the instrument allows.
 #include <algorithm>
 
-#include "records/connection_modes.h"
+#include "records/channels.h"
 #include "records/record_types.h"
 #include "records/waveform_element.h"
 #include "support/memory.h"
@@ -13,16 +13,74 @@ namespace {
 // A capture is read and written in pieces, so its length does not matter to memory.
 constexpr uint32_t kPieceSamples = 4096;
 constexpr uint32_t kSampleSize = 4;
-constexpr Field kPieceRows[] = {ScaledF32("v", 0, 0).Times(kPieceSamples).CountInput(0)};
-constexpr Field kPiece = Record("", kPieceSamples* kSampleSize, kPieceRows);
+constexpr char kLength[] = "NUM";
+constexpr Field kVoltageSamples[] = {
+    ScaledF32("v", 0, 0, "sample", "V").Times(kPieceSamples).CountInput(0, kLength).InPieces(),
+};
+constexpr Field kCurrentSamples[] = {
+    ScaledF32("v", 0, 0, "sample", "A").Times(kPieceSamples).CountInput(0, kLength).InPieces(),
+};
+constexpr Field kPiece = Record("", kPieceSamples* kSampleSize, kVoltageSamples);
 static_assert(Tiles(kPiece));
+
+constexpr Field Voltage(const char* label, Cases in) {
+  return Group("U", kVoltageSamples, "voltage waveform").Phase(label).In(in).Behind();
+}
+constexpr Field Current(const char* label, Cases in) {
+  return Group("I", kCurrentSamples, "current waveform").Phase(label).In(in).Behind();
+}
+constexpr Field FreeSlot(Cases in) {
+  return Gap(0, kSampleSize).Times(kPieceSamples).CountInput(0, kLength).InPieces().In(in).Behind();
+}
+constexpr Field kVoltageSlots[] = {
+    Voltage("u1", kPhase1),
+    Voltage("u12", kLineToLine),
+    Voltage("u2", kPhase2),
+    Voltage("u23", kLineToLine),
+    FreeSlot(NotConnections({2, 3, 4, 5, 7})),
+    Voltage("u3", kPhase3),
+    Voltage("u31", kLineToLine),
+    FreeSlot(NotConnections({2, 3, 4, 7})),
+    Voltage("un", kNeutralWire),
+    Voltage("uinv", kInverter),
+    FreeSlot(Connections({2, 4})),
+};
+constexpr Cases kTwoPhases = Connections({5});
+constexpr Field kCurrentSlots[] = {
+    Current("i1", kAllCases),
+    Current("i2", kCurrent2),
+    FreeSlot(NotConnections({2, 3, 4, 5, 7})),
+    Current("i3", kCurrent3),
+    Current("in", kTwoPhases),
+    FreeSlot(NotConnections({2, 3, 4, 5, 7})),
+    Current("in", static_cast<Cases>(kNeutralWire & ~kTwoPhases)),
+    Current("iinv", kInverter),
+    FreeSlot(Connections({2, 4, 5})),
+};
+constexpr int kSlots = 4;
+template <size_t N>
+constexpr bool FillEverySlot(const Field (&rows)[N]) {
+  for (unsigned which = 0; which < 16; ++which) {
+    int slots = 0;
+    for (const Field& row : rows) slots += row.cases >> which & 1;
+    if (slots != kSlots) return false;
+  }
+  return true;
+}
+static_assert(FillEverySlot(kVoltageSlots) && FillEverySlot(kCurrentSlots));
+
+constexpr Field kCaptureRows[] = {
+    Group("VOLTAGES", kVoltageSlots, "voltages of the connection"),
+    Group("CURRENTS", kCurrentSlots, "currents of the connection"),
+};
+constexpr Field kRecord = Record("RECORD_RESULTS", 0, kCaptureRows, "the capture");
 
 struct Capture {
   const Conversion& c;
   const Plan& plan;
   uint64_t waveform_size;  // bytes
   uint8_t* piece;
-  uint64_t read_from[2 * kWaveformSlots];  // where the waveforms so far stand in the file
+  uint64_t read_from[2 * kSlots];  // where the waveforms so far stand in the file
   int read_count;
 };
 
@@ -35,23 +93,6 @@ void ReadPiece(Capture* capture, uint64_t from, uint32_t size) {
     got += ReadBytes(capture->c.input, capture->piece + got, size - got);
   }
   std::fill(capture->piece + got, capture->piece + size, uint8_t{0});
-}
-
-void WriteWaveform(Capture* capture, const char* name, const char* label, int slot, float scale) {
-  XmlWriter* document = capture->c.document;
-  capture->read_from[capture->read_count++] =
-      kHeadSize + static_cast<uint64_t>(slot) * capture->waveform_size;
-  OpenWaveform(document, name, label);
-  for (uint64_t from = 0; from < capture->waveform_size; from += kPiece.size) {
-    const auto size =
-        static_cast<uint32_t>(std::min<uint64_t>(kPiece.size, capture->waveform_size - from));
-    ReadPiece(capture, from, size);
-    RenderInputs inputs;
-    inputs.number[0] = static_cast<int32_t>(size / kSampleSize);
-    inputs.scale[0] = scale;
-    capture->plan.Render(document, capture->piece, inputs);
-  }
-  CloseElement(document);
 }
 
 // Captured samples are floats, calibrated by the instrument: what is left is the transformers. The
@@ -77,6 +118,28 @@ const char* VoltageLabel(const UifParams& settings, const char* label) {
   return delta && by_phase && channel < kNeutral ? kPhases[channel] : label;
 }
 
+void WriteWaveform(Capture* capture, const Field& row, int slot) {
+  XmlWriter* document = capture->c.document;
+  const UifParams& settings = capture->c.settings;
+  const bool voltage = row.rows == kVoltageSamples;
+  const char* label = voltage ? VoltageLabel(settings, row.phase) : row.phase;
+  const float scale =
+      voltage ? CaptureVoltageScale(settings) : CaptureCurrentScale(settings, ChannelOf(row.phase));
+  capture->read_from[capture->read_count++] =
+      kHeadSize + static_cast<uint64_t>(slot) * capture->waveform_size;
+  OpenWaveform(document, row.name, label);
+  for (uint64_t from = 0; from < capture->waveform_size; from += kPiece.size) {
+    const auto size =
+        static_cast<uint32_t>(std::min<uint64_t>(kPiece.size, capture->waveform_size - from));
+    ReadPiece(capture, from, size);
+    RenderInputs inputs;
+    inputs.number[0] = static_cast<int32_t>(size / kSampleSize);
+    inputs.scale[0] = scale;
+    capture->plan.Render(document, capture->piece, inputs);
+  }
+  CloseElement(document);
+}
+
 // More samples than the file has bytes are no length but damage.
 uint64_t SamplesOf(const Conversion& c) {
   const auto samples = static_cast<int32_t>(c.settings.transients.num);
@@ -88,24 +151,18 @@ void WriteCapture(const Conversion& c) {
   const Plan plan(kPiece, CaseOf(c.settings));
   Tracked<uint8_t> piece(kPiece.size);
   Capture capture = {c, plan, SamplesOf(c) * kSampleSize, piece.get(), {}, 0};
-  const WaveformMode& mode = WaveformModeOf(c.settings.connection);
-  OpenElement(c.document, "RECORD_RESULTS");
-  OpenElement(c.document, "VOLTAGES");
-  const float voltage_scale = CaptureVoltageScale(c.settings);
-  for (int slot = 0; slot < kWaveformSlots; ++slot) {
-    if (mode.voltages[slot] == nullptr) continue;
-    const char* label = VoltageLabel(c.settings, mode.voltages[slot]);
-    WriteWaveform(&capture, "U", label, slot, voltage_scale);
+  OpenElement(c.document, kRecord.name);
+  int slot = 0;
+  for (const Field& quantity : kCaptureRows) {
+    OpenElement(c.document, quantity.name);
+    for (uint32_t r = 0; r < quantity.row_count; ++r) {
+      const Field& row = quantity.rows[r];
+      if ((row.cases & CaseOf(c.settings)) == 0) continue;
+      if (row.kind != Kind::kGap) WriteWaveform(&capture, row, slot);
+      ++slot;
+    }
+    CloseElement(c.document);
   }
-  CloseElement(c.document);
-  OpenElement(c.document, "CURRENTS");
-  for (int slot = 0; slot < kWaveformSlots; ++slot) {
-    const char* label = mode.currents[slot];
-    if (label == nullptr) continue;
-    WriteWaveform(&capture, "I", label, kWaveformSlots + slot,
-                  CaptureCurrentScale(c.settings, ChannelOf(label)));
-  }
-  CloseElement(c.document);
   CloseElement(c.document);
 }
 
@@ -114,11 +171,18 @@ void WriteCapture(const Conversion& c) {
 const RecordType kWaveformCapture = {
     .type = 5,
     .name = "waveform capture",
+    .about =
+        "Eight slots of samples, four of voltages and four of currents, each of as many samples "
+        "as `NUM` of `TRANSIENTS_RECORD_PARAMS` says, in use or not. Samples are floats, scaled "
+        "by the transformer ratios of the settings. Where `SELECT_N_GND` is 1, the voltages of "
+        "connections 2 and 4 are named u1, u2 and u3. With two phases the current of the "
+        "neutral moves up into the slot that phase 3 leaves free; its voltage does not.",
     .list = "RECORDS",
-    .record = nullptr,
+    .record = &kRecord,
     .write = WriteCapture,
     .companion = true,
     .state = true,
+    .once = true,
 };
 
 }  // namespace quorvex

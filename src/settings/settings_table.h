@@ -22,46 +22,53 @@ char* PositionText(const uint8_t* place, const RenderInputs& inputs, char* to);
 constexpr uint32_t kHarmonicsFlag = 0;
 
 #define CLAMP(member) offsetof(ClampParams, member)
-inline constexpr Field kClampRows[] = {
-    U8("TYPE_IND", CLAMP(type_ind), "clamp type index"),
-    RawText("NAME", CLAMP(name), 100, "clamp name, as it stands"),
-    U8("TYPE", CLAMP(type), "clamp type"),
-    Gap(CLAMP(reserved1), 2),
-    F32("RANGE", CLAMP(range), "clamp range"),
-    F32("A_NA_V", CLAMP(a_na_v), "amperes per volt of the clamp output", "A/V"),
-    Made("CURRENT_RANGE", CLAMP(current_range), 4, CurrentRangeText, "current range, as a float"),
-    U8("PARALLEL_FEEDERS", CLAMP(parallel_feeders), "number of parallel feeders"),
-    Gap(CLAMP(reserved2), 3),
-    I32("WIRES_NUM", CLAMP(wires_num), "number of wires"),
-    U8("TRAFO", CLAMP(trafo), "external current transformer in use"),
-    Gap(CLAMP(reserved3), 3),
-    I32("TRAFO_PRIM_I", CLAMP(trafo_prim_i), "transformer primary current"),
-    I32("TRAFO_SEC_I", CLAMP(trafo_sec_i), "transformer secondary current"),
-    I32("AUTORANGE", CLAMP(autorange), "automatic ranging"),
-    I32("DIRECTION", CLAMP(direction), "current direction"),
-};
+inline constexpr auto kClampRows = Shared(
+    {"clamp"}, {
+                   U8("TYPE_IND", CLAMP(type_ind), "clamp type index"),
+                   RawText("NAME", CLAMP(name), 100, "clamp name, as it stands"),
+                   U8("TYPE", CLAMP(type), "clamp type"),
+                   Gap(CLAMP(reserved1), 2),
+                   F32("RANGE", CLAMP(range), "clamp range"),
+                   F32("A_NA_V", CLAMP(a_na_v), "amperes per volt of the clamp output", "A/V"),
+                   Made("CURRENT_RANGE", CLAMP(current_range), 4, Kind::kF32, CurrentRangeText,
+                        "current range, as a float"),
+                   U8("PARALLEL_FEEDERS", CLAMP(parallel_feeders), "number of parallel feeders"),
+                   Gap(CLAMP(reserved2), 3),
+                   I32("WIRES_NUM", CLAMP(wires_num), "number of wires"),
+                   U8("TRAFO", CLAMP(trafo), "external current transformer in use"),
+                   Gap(CLAMP(reserved3), 3),
+                   I32("TRAFO_PRIM_I", CLAMP(trafo_prim_i), "transformer primary current"),
+                   I32("TRAFO_SEC_I", CLAMP(trafo_sec_i), "transformer secondary current"),
+                   I32("AUTORANGE", CLAMP(autorange), "automatic ranging"),
+                   I32("DIRECTION", CLAMP(direction), "current direction"),
+               });
 #undef CLAMP
 
-inline constexpr Field kQuantityRows[] = {
-    I32("ID", 0, "quantity identifier"),
-    I32("PARAMETER", 4, "parameter of the quantity"),
-    I32("PHASE_ID", 8, "phase"),
-};
+inline constexpr auto kQuantityRows =
+    Shared({"quantity"}, {
+                             I32("ID", 0, "quantity identifier"),
+                             I32("PARAMETER", 4, "parameter of the quantity"),
+                             I32("PHASE_ID", 8, "phase"),
+                         });
 
-inline constexpr Field kAlarmSettingRows[] = {
-    Group("QUANTITY", 0, kQuantityRows),
-    I32("CONDITION_ID", offsetof(AlarmSetting, condition_id), "condition (above, below, ...)"),
-    F32("QUANTITY_VALUE", offsetof(AlarmSetting, quantity_value), "threshold"),
-    F32("TRIGGER_DURATION", offsetof(AlarmSetting, trigger_duration), "minimum duration"),
-};
+inline constexpr auto kAlarmSettingRows = Shared(
+    {"alarm setting"},
+    {
+        Group("QUANTITY", 0, kQuantityRows, "the watched quantity"),
+        I32("CONDITION_ID", offsetof(AlarmSetting, condition_id), "condition (above, below, ...)"),
+        F32("QUANTITY_VALUE", offsetof(AlarmSetting, quantity_value), "threshold"),
+        F32("TRIGGER_DURATION", offsetof(AlarmSetting, trigger_duration), "minimum duration"),
+    });
 
-// A count outside the room for settings is shown as the room; a negative one as it is.
-inline constexpr Field kAlarmSettingsRows[] = {
-    I32("NUM", 0, "alarm settings in use").AtMost(kMaxAlarmSettings),
-    Each("SETTINGS", offsetof(AlarmSettings, settings), kMaxAlarmSettings, sizeof(AlarmSetting),
-         kAlarmSettingRows)
-        .CountAt(0),
-};
+inline constexpr auto kAlarmSettingsRows = Shared(
+    {"alarm settings",
+     "A count above the room of seven is shown as 7; a negative one as it is, without settings."},
+    {
+        I32("NUM", 0, "alarm settings in use").AtMost(kMaxAlarmSettings),
+        Each("SETTINGS", offsetof(AlarmSettings, settings), kMaxAlarmSettings, sizeof(AlarmSetting),
+             kAlarmSettingRows, "an alarm setting")
+            .CountAt(0),
+    });
 
 #define AT(member) offsetof(UifParams, member)
 inline constexpr Field kSignal1Rows[] = {
@@ -73,8 +80,8 @@ inline constexpr Field kSignal2Rows[] = {
     F32("limit", AT(signal[1].limit), "signalling limit 2"),
 };
 inline constexpr Field kSignalingRows[] = {
-    Group("SIGNAL1", kSignal1Rows),
-    Group("SIGNAL2", kSignal2Rows),
+    Group("SIGNAL1", kSignal1Rows, "first signalling frequency"),
+    Group("SIGNAL2", kSignal2Rows, "second signalling frequency"),
 };
 
 inline constexpr Field kInrushParamsRows[] = {
@@ -119,14 +126,16 @@ inline constexpr Field kRecordParamsRows[] = {
     DateTime("TIME_FIRST_PACKET", AT(time_first_packet), "time of the first stored record"),
     DateTime("TIME_LAST_PACKET", AT(time_last_packet), "time of the last stored record"),
     I32("PROFILE", AT(profile), "recording profile, 0 to 5"),
-    Made("HARM_CONTENT", AT(profile), 4, HarmonicContentText, "harmonic content").Again(),
-    Made("HARM_COMPONENTS", AT(profile), 4, HarmonicComponentsText, "mask of stored orders")
+    Made("HARM_CONTENT", AT(profile), 4, Kind::kI32, HarmonicContentText, "harmonic content")
+        .Again(),
+    Made("HARM_COMPONENTS", AT(profile), 4, Kind::kI64, HarmonicComponentsText,
+         "mask of stored orders")
         .Again(),
     DateTime("START_PRESSED_TIME", AT(start_pressed_time), "time the start was pressed"),
     I32("EVENTS_WF_DURATION", AT(events_wf_duration), "event waveform duration"),
     I32("EVENTS_WF_PRETRIGGER", AT(events_wf_pretrigger), "event waveform pretrigger"),
     Gap(AT(reserved13), 4),
-    Group("INRUSH_PARAMS", kInrushParamsRows),
+    Group("INRUSH_PARAMS", kInrushParamsRows, "inrush recording"),
     Gap(AT(reserved11), 124),
     I32("RECORD_START_TYPE", AT(record_start_type), "start type, 0 or 1"),
     U8("START_CAUSE", AT(start_cause), "cause of the recording's start"),
@@ -197,7 +206,7 @@ inline constexpr Field kEmeterParamsRows[] = {
     I32("CT_SEC", AT(emeter.ct_sec), "current transformer, secondary"),
     I32("VT_PRIM", AT(emeter.vt_prim), "voltage transformer, primary"),
     I32("VT_SEC", AT(emeter.vt_sec), "voltage transformer, secondary"),
-    Group("EMETER_INFO", kEmeterInfoRows),
+    Group("EMETER_INFO", kEmeterInfoRows, "the meter under test"),
 };
 
 inline constexpr Field kInstrumentDataRows[] = {
@@ -210,92 +219,101 @@ inline constexpr Field kInstrumentDataRows[] = {
     Text("ee_FirmwareVersion", AT(ee_firmware_version), 16, "firmware version"),
     U16("ee_DocumentationVersion", AT(ee_documentation_version), "documentation version"),
     Gap(AT(reserved17), 2),
-    Made("instrument_GS", AT(model_family), 4, ModelCodeText, "model code"),
-    Made("instrument_name", AT(model_family), 4, ModelNameText, "model name").Again(),
+    Made("instrument_GS", AT(model_family), 4, Kind::kText, ModelCodeText, "model code"),
+    Made("instrument_name", AT(model_family), 4, Kind::kText, ModelNameText, "model name").Again(),
     Gap(AT(reserved18), 36),
 };
 
 // The calibration constants, gains and then offsets, one per input and range.
-#define QUORVEX_CALIBRATION(prefix, at)                                    \
-  F32(prefix "U1_150V", (at) + 0), F32(prefix "U1_300V", (at) + 4),        \
-      F32(prefix "U1_1000V", (at) + 8), F32(prefix "U2_150V", (at) + 12),  \
-      F32(prefix "U2_300V", (at) + 16), F32(prefix "U2_1000V", (at) + 20), \
-      F32(prefix "U3_150V", (at) + 24), F32(prefix "U3_300V", (at) + 28),  \
-      F32(prefix "U3_1000V", (at) + 32), F32(prefix "Ue_150V", (at) + 36), \
-      F32(prefix "Ue_300V", (at) + 40), F32(prefix "Ue_1000V", (at) + 44), \
-      F32(prefix "Un_150V", (at) + 48), F32(prefix "Un_300V", (at) + 52),  \
-      F32(prefix "Un_1000V", (at) + 56), F32(prefix "Us_150V", (at) + 60), \
-      F32(prefix "Us_300V", (at) + 64), F32(prefix "Us_1000V", (at) + 68), \
-      F32(prefix "I1_10P", (at) + 72), F32(prefix "I1_100P", (at) + 76),   \
-      F32(prefix "I2_10P", (at) + 80), F32(prefix "I2_100P", (at) + 84),   \
-      F32(prefix "I3_10P", (at) + 88), F32(prefix "I3_100P", (at) + 92),   \
-      F32(prefix "In_10P", (at) + 96), F32(prefix "In_100P", (at) + 100),  \
-      F32(prefix "Is_10P", (at) + 104), F32(prefix "Is_100P", (at) + 108)
+#define QUORVEX_CALIBRATION(prefix, at, meaning)                                             \
+  F32(prefix "U1_150V", (at) + 0, meaning), F32(prefix "U1_300V", (at) + 4, meaning),        \
+      F32(prefix "U1_1000V", (at) + 8, meaning), F32(prefix "U2_150V", (at) + 12, meaning),  \
+      F32(prefix "U2_300V", (at) + 16, meaning), F32(prefix "U2_1000V", (at) + 20, meaning), \
+      F32(prefix "U3_150V", (at) + 24, meaning), F32(prefix "U3_300V", (at) + 28, meaning),  \
+      F32(prefix "U3_1000V", (at) + 32, meaning), F32(prefix "Ue_150V", (at) + 36, meaning), \
+      F32(prefix "Ue_300V", (at) + 40, meaning), F32(prefix "Ue_1000V", (at) + 44, meaning), \
+      F32(prefix "Un_150V", (at) + 48, meaning), F32(prefix "Un_300V", (at) + 52, meaning),  \
+      F32(prefix "Un_1000V", (at) + 56, meaning), F32(prefix "Us_150V", (at) + 60, meaning), \
+      F32(prefix "Us_300V", (at) + 64, meaning), F32(prefix "Us_1000V", (at) + 68, meaning), \
+      F32(prefix "I1_10P", (at) + 72, meaning), F32(prefix "I1_100P", (at) + 76, meaning),   \
+      F32(prefix "I2_10P", (at) + 80, meaning), F32(prefix "I2_100P", (at) + 84, meaning),   \
+      F32(prefix "I3_10P", (at) + 88, meaning), F32(prefix "I3_100P", (at) + 92, meaning),   \
+      F32(prefix "In_10P", (at) + 96, meaning), F32(prefix "In_100P", (at) + 100, meaning),  \
+      F32(prefix "Is_10P", (at) + 104, meaning), F32(prefix "Is_100P", (at) + 108, meaning)
 inline constexpr Field kInstrumentCalRows[] = {
-    QUORVEX_CALIBRATION("ee_konst_", AT(ee_konst)),
-    QUORVEX_CALIBRATION("ee_ofs_", AT(ee_ofs)),
+    QUORVEX_CALIBRATION("ee_konst_", AT(ee_konst), "gain of an input and range"),
+    QUORVEX_CALIBRATION("ee_ofs_", AT(ee_ofs), "offset of an input and range"),
     F32("ee_konst_Vbat", AT(ee_konst_vbat), "battery voltage calibration gain"),
 };
 #undef QUORVEX_CALIBRATION
 
-inline constexpr Field kSettingsRows[] = {
-    Gap(AT(reserved1), 4),
-    Gap(AT(voltage_range), 4),
-    U8("CONNECTION", AT(connection), "wiring code, 1 to 7"),
-    U8("SYNCHRONIZATION", AT(synchronization), "synchronisation channel code, 1 or 2"),
-    Gap(AT(reserved2), 1),
-    I32("SYSTEM_FREQUENCY", AT(system_frequency), "nominal system frequency code"),
-    F32("NOMINAL_VOLTAGE", AT(nominal_voltage), "nominal voltage", "V"),
-    I32("VOLTAGE_RATIO_PRIM", AT(voltage_ratio_prim), "voltage transformer ratio, primary"),
-    I32("VOLTAGE_RATIO_SEC", AT(voltage_ratio_sec), "voltage transformer ratio, secondary"),
-    Made("PV_PROBE_RATIO", AT(pv_probe_ratio), 4, ProbeRatioText, "probe ratio, whole part"),
-    U8("TRIKOT_STAR_FACTOR_ID", AT(trikot_star_factor_id), "delta/star factor selector"),
-    U8("UN_RANGE", AT(un_range), "nominal voltage range selector"),
-    Gap(AT(reserved3), 3),
-    F32("SWELL", AT(swell), "swell threshold"),
-    I32("SWELL_HYSTERESIS", AT(swell_hysteresis), "swell hysteresis code, 0 to 5"),
-    F32("DIP", AT(dip), "dip threshold"),
-    I32("DIP_HYSTERESIS", AT(dip_hysteresis), "dip hysteresis code, 0 to 5"),
-    F32("INTERRUPT", AT(interrupt), "interruption threshold"),
-    I32("INTERRUPT_HYSTERESIS", AT(interrupt_hysteresis), "interruption hysteresis code, 0 to 5"),
-    F32("RVC_THRESHOLD", AT(rvc_threshold), "rapid voltage change threshold"),
-    F32("RVC_HYST", AT(rvc_hyst), "rapid voltage change hysteresis"),
-    U8("CAPTURE_EVENTS", AT(capture_events), "events captured"),
-    U8("CAPTURE_ALARMS", AT(capture_alarms), "alarms captured"),
-    Gap(AT(reserved4), 2),
-    Group("CLAMP_PH1", AT(clamp[0]), kClampRows),
-    Group("CLAMP_PH2", AT(clamp[1]), kClampRows),
-    Group("CLAMP_PH3", AT(clamp[2]), kClampRows),
-    Group("CLAMP_N", AT(clamp[3]), kClampRows),
-    Group("ALARMS", AT(alarms), kAlarmSettingsRows),
-    I32("RANGE_I", AT(range_i), "current measuring range, phases"),
-    I32("RANGE_IN", AT(range_in), "current measuring range, neutral"),
-    I32("RANGE_IS", AT(range_is), "current measuring range, earth"),
-    I32("RANGE_US", AT(range_us), "voltage measuring range, earth"),
-    Group("SIGNALING", kSignalingRows),
-    U8("CLOCK_TYPE", AT(clock_type), "clock source code"),
-    Gap(AT(reserved5), 5),
-    Group("RECORD_PARAMS", kRecordParamsRows),
-    Group("WAVE_RECORD_PARAMS", kWaveParamsRows),
-    Group("TRANSIENTS_RECORD_PARAMS", kTransientsParamsRows),
-    Gap(AT(reserved15), 508),
-    Group("EMETER_PARAMS", kEmeterParamsRows),
-    Gap(AT(reserved24), 4),
-    Group("INSTRUMENT_DATA", kInstrumentDataRows),
-    Group("INSTRUMENT_CAL", kInstrumentCalRows),
-    I32("rand_mark", AT(rand_mark), "random mark of the recording"),
-    Gap(AT(checked_flag), 1),
-    Made("cname", AT(cname_short), 7, RecordingNameText, "recording name, short or long form"),
-    Gap(AT(cname_long), 18 + 2),
-    I32("meas_method", AT(meas_method), "measuring method, 0 to 2"),
-    Gap(AT(reserved19), 100),
-    Gap(AT(reduced_lists), 1 + 3),
-    I32("memory_struct", AT(memory_struct), "memory organisation code"),
-    Gap(AT(reserved21), 4),
-    Made("gps_position", AT(longitude), 24, PositionText, "GPS position"),
-    Gap(AT(reserved23), 4),
-    Gap(AT(reserved26), 328),
-};
+inline constexpr auto kSettingsRows = Shared(
+    {"settings",
+     "The instrument's settings as they stood when the recording was made. Codes are shown as "
+     "numbers, out of range or not."},
+    {
+        Gap(AT(reserved1), 4),
+        Gap(AT(voltage_range), 4),
+        U8("CONNECTION", AT(connection), "wiring code, 1 to 7"),
+        U8("SYNCHRONIZATION", AT(synchronization), "synchronisation channel code, 1 or 2"),
+        Gap(AT(reserved2), 1),
+        I32("SYSTEM_FREQUENCY", AT(system_frequency),
+            "nominal system frequency code: 50, 55, 60 or 400"),
+        F32("NOMINAL_VOLTAGE", AT(nominal_voltage), "nominal voltage", "V"),
+        I32("VOLTAGE_RATIO_PRIM", AT(voltage_ratio_prim), "voltage transformer ratio, primary"),
+        I32("VOLTAGE_RATIO_SEC", AT(voltage_ratio_sec), "voltage transformer ratio, secondary"),
+        Made("PV_PROBE_RATIO", AT(pv_probe_ratio), 4, Kind::kI32, ProbeRatioText,
+             "probe ratio, whole part"),
+        U8("TRIKOT_STAR_FACTOR_ID", AT(trikot_star_factor_id),
+           "delta or star factor of the voltage ratio, 0 to 2"),
+        U8("UN_RANGE", AT(un_range), "nominal voltage range selector"),
+        Gap(AT(reserved3), 3),
+        F32("SWELL", AT(swell), "swell threshold"),
+        I32("SWELL_HYSTERESIS", AT(swell_hysteresis), "swell hysteresis code, 0 to 5"),
+        F32("DIP", AT(dip), "dip threshold"),
+        I32("DIP_HYSTERESIS", AT(dip_hysteresis), "dip hysteresis code, 0 to 5"),
+        F32("INTERRUPT", AT(interrupt), "interruption threshold"),
+        I32("INTERRUPT_HYSTERESIS", AT(interrupt_hysteresis),
+            "interruption hysteresis code, 0 to 5"),
+        F32("RVC_THRESHOLD", AT(rvc_threshold), "rapid voltage change threshold"),
+        F32("RVC_HYST", AT(rvc_hyst), "rapid voltage change hysteresis"),
+        U8("CAPTURE_EVENTS", AT(capture_events), "events captured"),
+        U8("CAPTURE_ALARMS", AT(capture_alarms), "alarms captured"),
+        Gap(AT(reserved4), 2),
+        Group("CLAMP_PH1", AT(clamp[0]), kClampRows, "current clamp of phase 1"),
+        Group("CLAMP_PH2", AT(clamp[1]), kClampRows, "current clamp of phase 2"),
+        Group("CLAMP_PH3", AT(clamp[2]), kClampRows, "current clamp of phase 3"),
+        Group("CLAMP_N", AT(clamp[3]), kClampRows, "current clamp of the neutral"),
+        Group("ALARMS", AT(alarms), kAlarmSettingsRows, "alarm settings"),
+        I32("RANGE_I", AT(range_i), "current measuring range, phases"),
+        I32("RANGE_IN", AT(range_in), "current measuring range, neutral"),
+        I32("RANGE_IS", AT(range_is), "current measuring range, earth"),
+        I32("RANGE_US", AT(range_us), "voltage measuring range, earth"),
+        Group("SIGNALING", kSignalingRows, "mains signalling"),
+        U8("CLOCK_TYPE", AT(clock_type), "clock source code"),
+        Gap(AT(reserved5), 5),
+        Group("RECORD_PARAMS", kRecordParamsRows, "recording"),
+        Group("WAVE_RECORD_PARAMS", kWaveParamsRows, "waveform recording"),
+        Group("TRANSIENTS_RECORD_PARAMS", kTransientsParamsRows, "transient recording"),
+        Gap(AT(reserved15), 508),
+        Group("EMETER_PARAMS", kEmeterParamsRows, "energy meter test"),
+        Gap(AT(reserved24), 4),
+        Group("INSTRUMENT_DATA", kInstrumentDataRows, "the instrument"),
+        Group("INSTRUMENT_CAL", kInstrumentCalRows, "calibration constants"),
+        I32("rand_mark", AT(rand_mark), "random mark of the recording"),
+        Gap(AT(checked_flag), 1),
+        Made("cname", AT(cname_short), 7, Kind::kText, RecordingNameText,
+             "recording name, short or long form"),
+        Gap(AT(cname_long), 18 + 2),
+        I32("meas_method", AT(meas_method), "measuring method, 0 to 2"),
+        Gap(AT(reserved19), 100),
+        Gap(AT(reduced_lists), 1 + 3),
+        I32("memory_struct", AT(memory_struct), "memory organisation code"),
+        Gap(AT(reserved21), 4),
+        Made("gps_position", AT(longitude), 24, Kind::kText, PositionText, "GPS position"),
+        Gap(AT(reserved23), 4),
+        Gap(AT(reserved26), 328),
+    });
 #undef AT
 
 inline constexpr Field kSettingsBlock =

@@ -22,7 +22,7 @@ XmlWriter* CreateDocument(const char* input, const char* output) {
 void WriteDocumentStart(XmlWriter* document) {
   PutText(document, "<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n");
   document->depth = 0;
-  OpenElement(document, "Project",
+  OpenElement(document, kRootElement,
               "xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" "
               "xmlns:xsd=\"http://www.w3.org/2001/XMLSchema\"");
 }

@@ -10,7 +10,9 @@ namespace quorvex {
 // itself: a recording is never destroyed.
 XmlWriter* CreateDocument(const char* input, const char* output);
 
-// The XML declaration and the opened root `Project`.
+constexpr char kRootElement[] = "Project";
+
+// The XML declaration and the opened root.
 void WriteDocumentStart(XmlWriter* document);
 
 // Writes what is buffered, closes the file and releases the document.

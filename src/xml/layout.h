@@ -48,11 +48,19 @@ constexpr uint32_t kLongestMadeText = 128;
 
 enum class CountFrom : uint8_t { kTable, kRecord, kInput };
 
+// A structure that stands in several places, as documentation and schema name it.
+struct StructureInfo {
+  const char* name;
+  const char* note = "";
+};
+
 struct Field {
   const char* name = "";
   const char* phase = nullptr;  // value of the attribute `phase`
   const char* meaning = "";     // for documentation and schema
   const char* unit = "";
+  const char* counted_by = "";  // where a count of the inputs comes from, in words
+  const StructureInfo* structure = nullptr;
   MakeText make = nullptr;
   const Field* rows = nullptr;
   uint32_t row_count = 0;
@@ -69,8 +77,11 @@ struct Field {
   Cases cases = kAllCases;
   Kind kind = Kind::kGap;
   CountFrom count_from = CountFrom::kTable;
+  Kind made_as = Kind::kText;  // how the text of a kMade row reads
   uint8_t scale_ref = 0;
   bool repeated = false;
+  bool behind = false;   // of no fixed place: it lies behind the row before it that is written
+  bool endless = false;  // `count` is no bound: rendered that many at a time
 
   // Written in these cases only.
   constexpr Field In(Cases in) const {
@@ -93,10 +104,23 @@ struct Field {
     f.count_ref = at;
     return f;
   }
-  constexpr Field CountInput(uint32_t index) const {
+  constexpr Field CountInput(uint32_t index, const char* from) const {
     Field f = *this;
     f.count_from = CountFrom::kInput;
     f.count_ref = index;
+    f.counted_by = from;
+    return f;
+  }
+  // Of any length: the writer of the record type renders it in pieces of `count`.
+  constexpr Field InPieces() const {
+    Field f = *this;
+    f.endless = true;
+    return f;
+  }
+  // A part of a record of varying length. What places it is the writer of the record type.
+  constexpr Field Behind() const {
+    Field f = *this;
+    f.behind = true;
     return f;
   }
   // A row of a repeated group that repeats at its own distance (arrays side by side).
@@ -159,13 +183,15 @@ constexpr Field F64(const char* name, uint32_t at, const char* meaning = "",
   return Leaf(Kind::kF64, name, at, 8, meaning, unit);
 }
 // Raw samples, multiplied by scale `scale_ref` of the inputs in single precision.
-constexpr Field ScaledI16(const char* name, uint32_t at, uint8_t scale_ref) {
-  Field f = Leaf(Kind::kScaledI16, name, at, 2, "sample", "");
+constexpr Field ScaledI16(const char* name, uint32_t at, uint8_t scale_ref, const char* meaning,
+                          const char* unit) {
+  Field f = Leaf(Kind::kScaledI16, name, at, 2, meaning, unit);
   f.scale_ref = scale_ref;
   return f;
 }
-constexpr Field ScaledF32(const char* name, uint32_t at, uint8_t scale_ref) {
-  Field f = Leaf(Kind::kScaledF32, name, at, 4, "sample", "");
+constexpr Field ScaledF32(const char* name, uint32_t at, uint8_t scale_ref, const char* meaning,
+                          const char* unit) {
+  Field f = Leaf(Kind::kScaledF32, name, at, 4, meaning, unit);
   f.scale_ref = scale_ref;
   return f;
 }
@@ -175,10 +201,11 @@ constexpr Field Text(const char* name, uint32_t at, uint32_t width, const char* 
 constexpr Field RawText(const char* name, uint32_t at, uint32_t width, const char* meaning = "") {
   return Leaf(Kind::kRawText, name, at, width, meaning, "");
 }
-constexpr Field Made(const char* name, uint32_t at, uint32_t size, MakeText make,
+constexpr Field Made(const char* name, uint32_t at, uint32_t size, Kind as, MakeText make,
                      const char* meaning = "") {
   Field f = Leaf(Kind::kMade, name, at, size, meaning, "");
   f.make = make;
+  f.made_as = as;
   return f;
 }
 constexpr Field NoValue(const char* name) { return Leaf(Kind::kNoValue, name, 0, 0, "", ""); }
@@ -187,8 +214,8 @@ constexpr Field FlagWord(const char* name, uint32_t at, const char* meaning = ""
 }
 // `entries` times `on_disk` floats, of which the first `written` of each are in the base64 text.
 constexpr Field Spectrum(const char* name, const char* phase, uint32_t at, uint32_t entries,
-                         uint16_t on_disk, uint16_t written) {
-  Field f = Leaf(Kind::kSpectrum, name, at, entries * on_disk * 4, "", "");
+                         uint16_t on_disk, uint16_t written, const char* meaning = "") {
+  Field f = Leaf(Kind::kSpectrum, name, at, entries * on_disk * 4, meaning, "");
   f.phase = phase;
   f.entry_floats = on_disk;
   f.written_floats = written;
@@ -196,53 +223,86 @@ constexpr Field Spectrum(const char* name, const char* phase, uint32_t at, uint3
 }
 constexpr Field Gap(uint32_t at, uint32_t size) { return Leaf(Kind::kGap, "", at, size, "", ""); }
 
+// Rows that stand in several places, with the name under which they are known.
 template <size_t N>
-constexpr Field Group(const char* name, uint32_t at, const Field (&rows)[N],
-                      const char* meaning = "") {
-  Field f = Leaf(Kind::kGroup, name, at, 0, meaning, "");
+struct Structure {
+  StructureInfo info;
+  Field rows[N];
+};
+template <size_t N>
+constexpr Structure<N> Shared(const StructureInfo& info, const Field (&rows)[N]) {
+  Structure<N> s{info, {}};
+  for (size_t i = 0; i < N; ++i) s.rows[i] = rows[i];
+  return s;
+}
+
+template <size_t N>
+constexpr Field Around(const Field (&rows)[N]) {
+  Field f;
   f.rows = rows;
   f.row_count = N;
   return f;
 }
-// The same where the rows count their offsets from the enclosing group.
 template <size_t N>
-constexpr Field Group(const char* name, const Field (&rows)[N], const char* meaning = "") {
-  return Group(name, 0, rows, meaning);
+constexpr Field Around(const Structure<N>& structure) {
+  Field f = Around(structure.rows);
+  f.structure = &structure.info;
+  return f;
+}
+
+// A table is an array of rows or a structure.
+template <typename Table>
+constexpr Field Group(const char* name, uint32_t at, const Table& table, const char* meaning = "") {
+  Field f = Around(table);
+  f.kind = Kind::kGroup;
+  f.name = name;
+  f.offset = at;
+  f.meaning = meaning;
+  return f;
+}
+// The same where the rows count their offsets from the enclosing group.
+template <typename Table>
+constexpr Field Group(const char* name, const Table& table, const char* meaning = "") {
+  return Group(name, 0, table, meaning);
 }
 // Rows without an element of their own.
-template <size_t N>
-constexpr Field Rows(uint32_t at, const Field (&rows)[N]) {
-  return Group("", at, rows);
+template <typename Table>
+constexpr Field Rows(uint32_t at, const Table& table) {
+  return Group("", at, table);
 }
 // The group `count` times, `step` bytes apart.
-template <size_t N>
+template <typename Table>
 constexpr Field Each(const char* name, uint32_t at, uint32_t count, uint32_t step,
-                     const Field (&rows)[N], const char* meaning = "") {
-  Field f = Group(name, at, rows, meaning);
+                     const Table& table, const char* meaning = "") {
+  Field f = Group(name, at, table, meaning);
   f.count = count;
   f.step = step;
   f.repeated = true;
   return f;
 }
 // A whole record of `size` bytes.
-template <size_t N>
-constexpr Field Record(const char* name, uint32_t size, const Field (&rows)[N],
+template <typename Table>
+constexpr Field Record(const char* name, uint32_t size, const Table& table,
                        const char* meaning = "") {
-  Field f = Group(name, 0, rows, meaning);
+  Field f = Group(name, 0, table, meaning);
   f.size = size;
   return f;
 }
 
 // A date-time: 16 bytes, an element with six values.
-inline constexpr Field kDateTimeRows[] = {
-    U16("year", 0),
-    U8("month", 2),
-    U8("day", 3),
-    U8("hour", 4),
-    U8("min", 5),
-    Gap(6, 2),
-    Leaf(Kind::kSeconds, "sec", 8, 8, "seconds with fraction", "s"),
-};
+inline constexpr auto kDateTimeRows =
+    Shared({"date-time",
+            "Seconds are cut to whole microseconds and written without "
+            "trailing zeros, one decimal at least."},
+           {
+               U16("year", 0, "year"),
+               U8("month", 2, "month, 1 to 12"),
+               U8("day", 3, "day of the month"),
+               U8("hour", 4, "hour"),
+               U8("min", 5, "minute"),
+               Gap(6, 2),
+               Leaf(Kind::kSeconds, "sec", 8, 8, "seconds with fraction", "s"),
+           });
 constexpr uint32_t kDateTimeSize = 16;
 constexpr Field DateTime(const char* name, uint32_t at, const char* meaning = "") {
   return Group(name, at, kDateTimeRows, meaning);

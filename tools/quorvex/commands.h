@@ -1,6 +1,7 @@
 // The commands of the command line. Each explains itself on stderr and returns its exit code.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -18,5 +19,9 @@ int Convert(const ConvertOptions& options);
 int Info(const std::string& path, bool raw);
 int Count(const std::string& path);
 int Version();
+
+// The schema of one type's documents, of any type's for 0; the format reference. On stdout.
+int PrintSchema(uint32_t type);
+int PrintFormats();
 
 }  // namespace quorvex::tool

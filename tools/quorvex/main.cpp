@@ -37,6 +37,12 @@ int main(int argc, char** argv) {
   info_command->add_flag("--raw", raw, "Only the record information line, as hosts get it");
   auto* count_command = app.add_subcommand("count", "Print the records of a general recording");
   count_command->add_option("FILE", path, "Recording")->required();
+  uint32_t type = 0;
+  auto* schema_command = app.add_subcommand("schema", "Print the XML Schema of the documents");
+  schema_command->add_option("--type", type, "Of one record type, 1 to 18; of any by default")
+      ->check(CLI::Range(1, 18));
+  // For the project itself: made into docs/formats.md.
+  auto* formats_command = app.add_subcommand("formats", "Print the format reference")->group("");
   app.add_subcommand("version", "Print the version of the library");
 
   try {
@@ -47,5 +53,7 @@ int main(int argc, char** argv) {
   if (convert_command->parsed()) return Convert(convert);
   if (info_command->parsed()) return Info(path, raw);
   if (count_command->parsed()) return Count(path);
+  if (schema_command->parsed()) return PrintSchema(type);
+  if (formats_command->parsed()) return PrintFormats();
   return Version();
 }

@@ -1,0 +1,17 @@
+// Texts made from the layout tables.
+#pragma once
+
+#include <string>
+
+#include "records/recording.h"
+
+namespace quorvex::tool {
+
+// XML Schema 1.0 of the documents.
+std::string SchemaOf(const RecordType& type);
+std::string SchemaOfAnyType();
+
+// The format reference, as Markdown.
+std::string FormatReference();
+
+}  // namespace quorvex::tool
