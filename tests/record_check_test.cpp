@@ -114,14 +114,14 @@ TEST(RecordCheck, DamagedRecordings) {
       {Inrush({9, 9, 12}), ""},
       {Inrush({9, 25, 8}),
        "warning: offset 3096, record 2, START_TIME: is no point in time: 2024-03-07 25:00:00.000\n"
-       "warning: offset 3120, record 3, START_TIME: 2024-03-07 08:00:00.000 lies before that of "
-       "record 1, 2024-03-07 09:00:00.000\n"},
+       "warning: offset 3120, record 3, START_TIME: lies before that of record 1, "
+       "2024-03-07 09:00:00.000: 2024-03-07 08:00:00.000\n"},
       {Sound(18)
            .PutTime(kRecords, 2024, 3, 1, 0, 0, 1)
            .PutTime(kRecords + 16, 2024, 2, 29, 0, 0, 0)
            .PadTo(kRecords + 144),
-       "warning: offset 3088, record 1, END_TIME: 2024-02-29 00:00:00.000 lies before START_TIME, "
-       "2024-03-01 00:00:01.000\n"},
+       "warning: offset 3088, record 1, END_TIME: lies before START_TIME, 2024-03-01 00:00:01.000: "
+       "2024-02-29 00:00:00.000\n"},
       {Sound(10).PutTime(kRecords + 856 + 16, 2023, 2, 29, 0, 0, 0).PadTo(kRecords + 4088),
        "warning: offset 3944, record 1, RMS12_VALUES/RMS12[2]/TIME_STAMP: is no point in time: "
        "2023-02-29 00:00:00.000\n"},

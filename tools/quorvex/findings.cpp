@@ -24,9 +24,9 @@ std::string TextOf(const Finding& f) {
   return std::string(NameOf(f.severity)) + ": " + (place.empty() ? "" : place + ": ") + f.text;
 }
 
-void Findings::Add(const Finding& finding) {
-  worst = std::max(worst, finding.severity);
-  if (found[static_cast<size_t>(finding.kind)]++ < kMostFindings) list.push_back(finding);
+bool Findings::Take(Severity severity, FindingKind kind) {
+  worst = std::max(worst, severity);
+  return found[static_cast<size_t>(kind)]++ < kMostFindings;
 }
 
 uint64_t Findings::Unlisted(FindingKind kind) const {

@@ -37,7 +37,11 @@ struct Findings {
   std::array<uint64_t, kFindingKinds> found{};  // of each kind, listed or not
   Severity worst = Severity::kNote;
 
-  void Add(const Finding& finding);
+  // Counts one; whether there is room for what it is about.
+  bool Take(Severity severity, FindingKind kind);
+  void Add(const Finding& finding) {
+    if (Take(finding.severity, finding.kind)) list.push_back(finding);
+  }
   uint64_t Unlisted(FindingKind kind) const;
 };
 // A line for each finding, and one for each kind that has more; below `least` they are left out.

@@ -61,17 +61,24 @@ TextFault FaultOf(const std::string& text) {
   return {};
 }
 
+// Characters that every text may have and that documents show as they are.
+bool IsPlain(char c) {
+  const bool letter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+  return letter || (c >= '+' && c <= '9') || c == ' ' || c == '%';
+}
+
 void CheckText(const Place& place, const Piece& piece, Findings* findings) {
   const Field& f = *place.field;
-  const auto* source = reinterpret_cast<const char*>(piece.At(place.offset));
-  std::string stored(source, strnlen(source, f.size));
-  std::string shown = stored;
-  if (f.kind == Kind::kText) {
-    shown.resize(static_cast<size_t>(EscapeText(source, shown.data(), f.size) - shown.data()));
-  } else if (f.kind == Kind::kMade) {
-    char text[kLongestMadeText];
-    shown = stored = std::string(text, f.make(piece.At(place.base), {}, text));
+  const auto* stored = reinterpret_cast<const char*>(piece.At(place.offset));
+  size_t size = strnlen(stored, f.size);
+  char made[kLongestMadeText];
+  if (f.kind == Kind::kMade) {
+    size = static_cast<size_t>(f.make(piece.At(place.base), {}, made) - made);
+    stored = made;
   }
+  if (std::all_of(stored, stored + size, IsPlain)) return;
+  std::string shown(stored, size);
+  if (f.kind == Kind::kText) EscapeText(stored, shown.data(), static_cast<uint32_t>(size));
   const TextFault fault = FaultOf(shown);
   const auto add = [&](Severity severity, size_t at, const std::string& text) {
     findings->Add({severity, FindingKind::kText,
@@ -81,27 +88,28 @@ void CheckText(const Place& place, const Piece& piece, Findings* findings) {
   if (!fault.what.empty()) {
     return add(Severity::kError, fault.at, "has " + fault.what + "; the document is no XML");
   }
-  const auto other = std::mismatch(stored.begin(), stored.end(), shown.begin()).first;
-  if (other != stored.end()) {
-    add(Severity::kNote, static_cast<size_t>(other - stored.begin()),
+  const char* other = std::mismatch(stored, stored + size, shown.begin()).first;
+  if (other != stored + size) {
+    add(Severity::kNote, static_cast<size_t>(other - stored),
         "has characters that the document shows as others");
   }
 }
 
 void CheckTime(const Places& places, const Place& place, const Piece& piece, Findings* findings) {
   const auto time = Load<DateTimeRecord>(piece.At(place.offset));
-  const auto add = [&](const std::string& text) {
-    findings->Add({Severity::kWarning, FindingKind::kTime, piece.offset + place.offset,
-                   piece.record, place.element, text + piece.remark});
-  };
   if (!IsSet(time)) return;
-  if (!IsPointInTime(time)) return add("is no point in time: " + TimeText(time));
-  if (place.start < 0) return;
-  const Place& start = places.all[static_cast<size_t>(place.start)];
-  const auto from = Load<DateTimeRecord>(piece.At(start.offset));
-  if (IsPointInTime(from) && IsBefore(time, from)) {
-    add(TimeText(time) + " lies before " + start.element + ", " + TimeText(from));
+  const bool valid = IsPointInTime(time);
+  if (valid && place.start < 0) return;
+  std::string text = "is no point in time: ";
+  if (valid) {
+    const Place& start = places.all[static_cast<size_t>(place.start)];
+    const auto from = Load<DateTimeRecord>(piece.At(start.offset));
+    if (!IsPointInTime(from) || !IsBefore(time, from)) return;
+    text = "lies before " + start.element + ", " + TimeText(from) + ": ";
   }
+  if (!findings->Take(Severity::kWarning, FindingKind::kTime)) return;
+  findings->list.push_back({Severity::kWarning, FindingKind::kTime, piece.offset + place.offset,
+                            piece.record, place.element, text + TimeText(time) + piece.remark});
 }
 
 }  // namespace

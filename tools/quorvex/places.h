@@ -44,7 +44,7 @@ struct Piece {
   uint32_t from;
   uint64_t offset;  // of the layout's start, in the file
   uint64_t record;
-  std::string remark;  // behind every text
+  const char* remark = "";  // behind every text
 
   const uint8_t* At(uint32_t at) const { return bytes + (at - from); }
 };

@@ -88,7 +88,7 @@ void CheckSettings(const std::string& path, const RecordType& type, const UifPar
                    const std::string& remark, Findings* findings) {
   static const Places places = PlacesOf(kSettingsBlock, kAllCases, kSettingsBlock.name);
   const auto* bytes = reinterpret_cast<const uint8_t*>(&settings);
-  CheckPlaces(places, {bytes, 0, type.settings_at, 0, remark}, findings);
+  CheckPlaces(places, {bytes, 0, type.settings_at, 0, remark.c_str()}, findings);
   if (ConnectionText(settings.connection) == nullptr) {
     findings->Add({Severity::kWarning, FindingKind::kCount,
                    type.settings_at + offsetof(UifParams, connection), 0, "UIF_PARAMS/CONNECTION",
@@ -100,7 +100,7 @@ void CheckSettings(const std::string& path, const RecordType& type, const UifPar
   const uint8_t* information = file.At(at, type.information->size);
   if (information == nullptr) return;
   CheckPlaces(PlacesOf(*type.information, CaseOf(settings), type.information->name),
-              {information, 0, at, 0, ""}, findings);
+              {information, 0, at, 0}, findings);
 }
 
 // The records of a recording, one after the other.
@@ -161,11 +161,12 @@ struct RecordWalk {
   void CheckOrder(const Place& place, const Piece& piece) {
     const auto time = Load<DateTimeRecord>(piece.At(place.offset));
     if (!IsPointInTime(time)) return;
-    if (last_record != 0 && IsBefore(time, last)) {
-      findings->Add({Severity::kWarning, FindingKind::kTime, piece.offset + place.offset,
-                     piece.record, place.element,
-                     TimeText(time) + " lies before that of record " + Number(last_record) + ", " +
-                         TimeText(last)});
+    if (last_record != 0 && IsBefore(time, last) &&
+        findings->Take(Severity::kWarning, FindingKind::kTime)) {
+      findings->list.push_back({Severity::kWarning, FindingKind::kTime, piece.offset + place.offset,
+                                piece.record, place.element,
+                                "lies before that of record " + Number(last_record) + ", " +
+                                    TimeText(last) + ": " + TimeText(time)});
     }
     last = time;
     last_record = piece.record;
@@ -180,9 +181,10 @@ struct RecordWalk {
         if (bytes == nullptr) return;
         const auto time = Load<DateTimeRecord>(bytes);
         if (!IsSet(time) || IsPointInTime(time)) continue;
-        findings->Add({Severity::kWarning, FindingKind::kTime, place, record,
-                       element + "[" + std::to_string(i + 1) + "]",
-                       "is no point in time: " + TimeText(time)});
+        if (!findings->Take(Severity::kWarning, FindingKind::kTime)) continue;
+        findings->list.push_back({Severity::kWarning, FindingKind::kTime, place, record,
+                                  element + "[" + std::to_string(i + 1) + "]",
+                                  "is no point in time: " + TimeText(time)});
       }
     });
   }
@@ -211,7 +213,7 @@ struct RecordWalk {
       if (left >= needed) {
         const uint8_t* bytes = end > from ? file.At(at + from, end - from) : nullptr;
         if (bytes == nullptr && end > from) return;  // the file shrinks meanwhile
-        const int64_t count = CheckRecord({bytes, from, at, record, ""});
+        const int64_t count = CheckRecord({bytes, from, at, record});
         if (shape.endless) CheckArrays(&file, at, count, record);
         needed = RecordSize(shape, count);
       }
