@@ -129,7 +129,10 @@ bool HasPartsBehind(const Field& group) {
 // What a count in the record stands in: an element, or bytes that none shows.
 std::string CountText(const Field& f, const Field& enclosing, uint32_t place) {
   if (f.count_from == CountFrom::kTable) return "";
-  if (f.count_from == CountFrom::kInput) return Code(f.counted_by) + " of them";
+  if (f.count_from == CountFrom::kInput) {
+    const std::string path = f.counted_by;
+    return Code(path.substr(path.rfind('/') + 1)) + " of them";
+  }
   for (uint32_t r = 0; r < enclosing.row_count; ++r) {
     const Field& row = enclosing.rows[r];
     const bool shown = row.kind != Kind::kGap && row.name[0] != '\0';
