@@ -1,10 +1,13 @@
 // What a check says of damaged recordings, to the last word.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <filesystem>
 
+#include "api/time_texts.h"
 #include "field_mutator.h"
 #include "record_check.h"
+#include "record_shape.h"
 #include "records/record_types.h"
 #include "sample.h"
 #include "support.h"
@@ -156,6 +159,97 @@ TEST(RecordCheck, DamagedRecordings) {
        "XML\n"},
   };
   for (const auto& c : cases) EXPECT_EQ(c.found, FoundIn(c.file)) << c.found;
+}
+
+// What XML does not allow, in clamp names, which documents show as they are.
+TEST(RecordCheck, TextsThatAreNoXml) {
+  const struct {
+    std::string name, fault;
+  } cases[] = {
+      {"100 A \"x\" 'y' > {z}\t\r\n", ""},
+      {"\xC2\x80\xDF\xBF\xE0\xA0\x80\xED\x9F\xBF\xEF\xBF\xBD\xF0\x90\x80\x80\xF4\x8F\xBF\xBF", ""},
+      {"]]>", "a ']]>'"},
+      {"]]", ""},
+      {"a&amp;", "an ampersand"},
+      {"\x1F", "the control character 0x1F"},
+      {"\xC1\x81", "a byte 0xC1 that is no character"},          // two bytes for one
+      {"\xE0\x9F\xBF", "a byte 0xE0 that is no character"},      // three for two
+      {"\xF0\x8F\xBF\xBF", "a byte 0xF0 that is no character"},  // four for three
+      {"\xED\xA0\x80", "a byte 0xED that is no character"},      // half of a pair
+      {"\xEF\xBF\xBE", "a byte 0xEF that is no character"},      // U+FFFE
+      {"\xF4\x90\x80\x80", "a byte 0xF4 that is no character"},  // beyond Unicode
+      {"\xF5\x80\x80\x80", "a byte 0xF5 that is no character"},
+      {"\xE2\x82", "a byte 0xE2 that is no character"},  // cut off
+      {"\xC3 ", "a byte 0xC3 that is no character"},
+      {std::string(99, 'x') + "\xC3\xA4", "a byte 0xC3 that is no character"},  // cut by the width
+  };
+  for (const auto& c : cases) {
+    Bytes file = Sound(13).PutText(kSettings + 20 + 1, c.name.substr(0, 100));
+    const std::string found = FoundIn(file);
+    if (c.fault.empty()) {
+      EXPECT_EQ("", found) << c.name;
+    } else {
+      EXPECT_NE(std::string::npos, found.find("NAME: has " + c.fault + ";")) << c.name << found;
+    }
+  }
+}
+
+TEST(RecordCheck, PointsInTime) {
+  const struct {
+    int year, month, day, hour, minute;
+    double seconds;
+    bool valid;
+  } cases[] = {
+      {2024, 2, 29, 23, 59, 60.9, true}, {2023, 2, 29, 0, 0, 0, false},
+      {2100, 2, 29, 0, 0, 0, false},     {2000, 2, 29, 0, 0, 0, true},
+      {1970, 1, 1, 0, 0, 0, true},       {1969, 12, 31, 0, 0, 0, false},
+      {2199, 12, 31, 0, 0, 0, true},     {2200, 1, 1, 0, 0, 0, false},
+      {2024, 0, 1, 0, 0, 0, false},      {2024, 13, 1, 0, 0, 0, false},
+      {2024, 4, 31, 0, 0, 0, false},     {2024, 4, 0, 0, 0, 0, false},
+      {2024, 4, 1, 24, 0, 0, false},     {2024, 4, 1, 0, 60, 0, false},
+      {2024, 4, 1, 0, 0, 61, false},     {2024, 4, 1, 0, 0, -0.001, false},
+      {2024, 4, 1, 0, 0, NAN, false},
+  };
+  for (const auto& c : cases) {
+    const Bytes time = Bytes().PutTime(0, c.year, c.month, c.day, c.hour, c.minute, c.seconds);
+    EXPECT_EQ(c.valid, IsPointInTime(Load<DateTimeRecord>(time.data()))) << c.year << c.month;
+  }
+}
+
+// Sizes follow the wiring and the counts, whatever way the tables say it.
+TEST(RecordCheck, SizesOfRecords) {
+  const struct {
+    const RecordType& type;
+    uint8_t connection;
+    bool reduced;
+    int64_t count;
+    uint64_t front, size;
+  } cases[] = {
+      {kSnapshots, 1, false, 0, 3748, 3748 + 2 * 9600},
+      {kSnapshots, 4, true, 0, 11428, 11428 + 3 * 9600},
+      {kSnapshots, 7, false, 0, 3748, 3748 + 4 * 9600},
+      {kSnapshots, 0, false, 0, 3748, 3748},
+      {kWaveformSeries, 3, false, 0, 32, 32 + 8 * 3000},
+      {kWaveformSeries, 5, false, 0, 32, 32 + 6 * 3000},
+      {kWaveformSeries, 2, false, 0, 32, 32 + 6 * 3000},
+      {kWaveformSeries, 9, false, 0, 32, 32 + 4 * 3000},
+      {kWaveformCapture, 6, false, 100, 0, 8 * 400},
+      {kWaveformCapture, 5, false, -7, 0, 0},
+      {kSignalling, 3, false, 10, 48, 48 + 10 * 68},
+      {kSignalling, 3, false, INT32_MAX, 48, 48 + uint64_t{INT32_MAX} * 68},
+      {kSessions, 0, false, 3, 40, 40 + 3 * 16},
+      {kGeneral, 3, true, 0, 40448, 40448},
+      {kAverages, 3, false, 0, 3 * 7688, 3 * 7688},
+  };
+  for (const auto& c : cases) {
+    UifParams settings{};
+    settings.connection = c.connection;
+    settings.reduced_lists = c.reduced ? 1 : 0;
+    settings.transients.num = static_cast<uint32_t>(c.count);
+    const RecordShape shape = ShapeOf(c.type, settings);
+    EXPECT_EQ(c.front, shape.front) << c.type.name;
+    EXPECT_EQ(c.size, RecordSize(shape, c.count)) << c.type.name << int{c.connection};
+  }
 }
 
 TEST(RecordCheck, NotesAndSettingFiles) {

@@ -14,19 +14,8 @@ ExitCode CodeOf(const CheckResult& result) {
   return result.findings.worst == Severity::kWarning ? kDoubtful : kDone;
 }
 
-template <typename T>
-Json OrNull(const std::optional<T>& value) {
-  return value ? Json(*value) : Json();
-}
-
 Json ToJson(const std::string& path, const CheckResult& result) {
-  const Recording& r = result.recording;
-  Json entry;
-  entry["file"] = Utf8(path);
-  entry["type"] = r.header ? Json(r.header->type) : Json();
-  entry["name"] = r.type != nullptr ? Json(r.type->name) : Json();
-  entry["size"] = r.code != kNoInput ? Json(r.size) : Json();
-  entry["records"] = OrNull(result.records);
+  Json entry = JsonOf(path, result.recording, result.records);
   const bool silent = result.findings.list.empty();
   entry["worst"] = silent ? Json() : Json(NameOf(result.findings.worst));
   entry["findings"] = Json::array();
@@ -59,8 +48,7 @@ void Print(const std::string& path, const CheckResult& result) {
 
 int Check(const CheckOptions& options) {
   std::vector<std::string> paths;
-  if (!GatherRecordings(options.inputs, &paths)) return kNoInput;
-  ExitCode code = kDone;
+  ExitCode code = GatherRecordings(options.inputs, &paths) ? kDone : kNoInput;
   size_t sound = 0, doubtful = 0;
   JsonArray array;
   for (const std::string& path : paths) {

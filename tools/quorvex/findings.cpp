@@ -26,6 +26,8 @@ std::string TextOf(const Finding& f) {
 
 bool Findings::Take(Severity severity, FindingKind kind) {
   worst = std::max(worst, severity);
+  Severity& worst_of_kind = worst_of[static_cast<size_t>(kind)];
+  worst_of_kind = std::max(worst_of_kind, severity);
   return found[static_cast<size_t>(kind)]++ < kMostFindings;
 }
 
@@ -42,8 +44,9 @@ std::vector<std::string> LinesOf(const Findings& findings, Severity least) {
   for (size_t k = 0; k < kFindingKinds; ++k) {
     const auto kind = static_cast<FindingKind>(k);
     const uint64_t more = findings.Unlisted(kind);
-    if (more == 0 || findings.worst < least) continue;
-    lines.push_back(std::string(NameOf(findings.worst)) + ": " + std::to_string(more) +
+    const Severity worst = findings.worst_of[k];
+    if (more == 0 || worst < least) continue;
+    lines.push_back(std::string(NameOf(worst)) + ": " + std::to_string(more) +
                     " more of the kind '" + NameOf(kind) + "'");
   }
   return lines;

@@ -35,6 +35,7 @@ constexpr uint64_t kMostFindings = 20;
 struct Findings {
   std::vector<Finding> list;
   std::array<uint64_t, kFindingKinds> found{};  // of each kind, listed or not
+  std::array<Severity, kFindingKinds> worst_of{};
   Severity worst = Severity::kNote;
 
   // Counts one; whether there is room for what it is about.

@@ -103,20 +103,9 @@ void PutValue(const InfoValue& value, Json* to) {
   }
 }
 
-template <typename T>
-Json OrNull(const std::optional<T>& value) {
-  return value ? Json(*value) : Json();
-}
-
 Json ToJson(const Facts& facts) {
   const Recording& r = facts.recording;
-  Json entry;
-  entry["file"] = Utf8(facts.path);
-  entry["type"] = r.header ? Json(r.header->type) : Json();
-  entry["name"] = r.type != nullptr ? Json(r.type->name) : Json();
-  entry["version"] = r.header ? Json(static_cast<int32_t>(r.header->version)) : Json();
-  entry["size"] = r.code != kNoInput ? Json(r.size) : Json();
-  entry["records"] = OrNull(facts.records);
+  Json entry = JsonOf(facts.path, r, facts.records);
   for (const InfoField& field : AllInfoFields()) {
     entry[KeyOf(field)] = nullptr;
     if (field.form == InfoForm::kLevel) entry[KeyOf(field) + "_percent"] = nullptr;
@@ -223,11 +212,10 @@ ExitCode PrintRaw(const std::string& path) {
 
 int Info(const InfoOptions& options) {
   std::vector<std::string> paths;
-  if (!GatherRecordings(options.inputs, &paths)) return kNoInput;
+  ExitCode code = GatherRecordings(options.inputs, &paths) ? kDone : kNoInput;
   const bool alone = paths.size() == 1 && paths == options.inputs;
   const bool one_folder = options.inputs.size() == 1 && !alone;
-  const std::string folder = one_folder ? options.inputs[0] + "/" : "";
-  ExitCode code = kDone;
+  const std::string folder = one_folder ? Inside(options.inputs[0], "") : "";
   JsonArray array;
   std::vector<Row> rows;
   for (const std::string& path : paths) {

@@ -113,7 +113,7 @@ void Gather(const std::string& path, std::vector<std::string>* recordings) {
     return;
   }
   for (const std::string& name : NamesIn(path)) {
-    const std::string inside = path + "/" + name;
+    const std::string inside = Inside(path, name);
     if (IsRecordingName(name) || IsFolder(inside)) Gather(inside, recordings);
   }
 }
@@ -193,15 +193,21 @@ Facts FactsOf(const std::string& path) {
   return facts;
 }
 
+std::string Inside(const std::string& folder, const std::string& name) {
+  const bool open = folder.empty() || (folder.back() != '/' && folder.back() != '\\');
+  return folder + (open ? "/" : "") + name;
+}
+
 bool GatherRecordings(const std::vector<std::string>& paths, std::vector<std::string>* recordings) {
+  bool all = true;
   for (const std::string& path : paths) {
     const size_t before = recordings->size();
     Gather(path, recordings);
     if (recordings->size() != before) continue;
     Complain(path, "holds no recordings");
-    return false;
+    all = false;
   }
-  return true;
+  return all;
 }
 
 }  // namespace quorvex::tool

@@ -58,8 +58,10 @@ struct Facts {
 };
 Facts FactsOf(const std::string& path);
 
-// Paths as they are; of folders, every .REC file below, in the order of names. A folder without any
-// is told on stderr, and gives false.
+std::string Inside(const std::string& folder, const std::string& name);
+
+// Paths as they are; of folders, every .REC file below, in the order of names. Folders without any
+// are told on stderr, and give false.
 bool GatherRecordings(const std::vector<std::string>& paths, std::vector<std::string>* recordings);
 
 }  // namespace quorvex::tool

@@ -3,13 +3,32 @@
 
 #include <cstdio>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 
-#include "host.h"
+#include "inspection.h"
 
 namespace quorvex::tool {
 
 using Json = nlohmann::ordered_json;
+
+template <typename T>
+Json OrNull(const std::optional<T>& value) {
+  return value ? Json(*value) : Json();
+}
+
+// What every command tells of a recording first.
+inline Json JsonOf(const std::string& path, const Recording& r,
+                   const std::optional<uint64_t>& records) {
+  Json entry;
+  entry["file"] = Utf8(path);
+  entry["type"] = r.header ? Json(r.header->type) : Json();
+  entry["name"] = r.type != nullptr ? Json(r.type->name) : Json();
+  entry["version"] = r.header ? Json(static_cast<int32_t>(r.header->version)) : Json();
+  entry["size"] = r.code != kNoInput ? Json(r.size) : Json();
+  entry["records"] = OrNull(records);
+  return entry;
+}
 
 class JsonArray {
  public:

@@ -1,7 +1,6 @@
 #include "places.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace quorvex::tool {
 namespace {
@@ -42,17 +41,6 @@ struct Walk {
     return path.substr(0, path.empty() ? 0 : path.size() - 1);
   }
 
-  void AddValue(const Field& f, uint32_t offset, uint32_t place, const std::string& element) const {
-    switch (f.kind) {
-      case Kind::kText:
-      case Kind::kRawText:
-      case Kind::kMade:
-        return Add(Place::What::kText, f, offset, f.size, place, element);
-      default:
-        return;
-    }
-  }
-
   // As the plan of a conversion walks: `place` is the group's, its repetitions `step` apart.
   void Gather(const Field& group, uint32_t place, uint32_t step, uint32_t index,
               const std::string& path) const {
@@ -76,8 +64,10 @@ struct Walk {
       }
       if (IsTime(f)) {
         Add(Place::What::kTime, f, offset, kDateTimeSize, place, name);
+      } else if (f.kind == Kind::kText || f.kind == Kind::kRawText || f.kind == Kind::kMade) {
+        Add(Place::What::kText, f, offset, f.size, base, name);
       } else if (f.kind != Kind::kGroup) {
-        AddValue(f, offset, base, name);
+        continue;
       } else if (!f.repeated) {
         inner.Gather(f, offset, 0, 0, f.name[0] != '\0' ? name + "/" : path);
       } else {
@@ -100,13 +90,11 @@ struct Walk {
 
   // Parts behind a record have no fixed places, but room for so many samples.
   void GatherBehind(const Field& f, const std::string& path) const {
-    if (f.count_from == CountFrom::kInput) NoteRoom(f, path);
     for (uint32_t r = 0; r < f.row_count; ++r) {
       const Field& row = f.rows[r];
       if ((row.cases & which) == 0) continue;
       if (row.count_from == CountFrom::kInput) NoteRoom(row, path);
-      if (row.kind == Kind::kGroup)
-        GatherBehind(row, row.name[0] != '\0' ? path + row.name + "/" : path);
+      GatherBehind(row, row.name[0] != '\0' ? path + row.name + "/" : path);
     }
   }
 

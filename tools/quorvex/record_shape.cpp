@@ -29,11 +29,10 @@ struct PartWalk {
   uint64_t count;
   const VisitArray* visit;  // or null
   uint64_t position;
-  bool any = false;
+  bool any = false;                  // whether there can be parts
   const char* counted_by = nullptr;  // of the first endless row
 
   void Take(const Field& f, const std::string& element) {
-    any = true;
     if (f.repeated) {
       if (f.endless && counted_by == nullptr) counted_by = f.counted_by;
       if (f.endless && visit != nullptr) (*visit)(f, element, position);
@@ -49,6 +48,7 @@ struct PartWalk {
   void Find(const Field& group) {
     for (uint32_t r = 0; r < group.row_count; ++r) {
       const Field& f = group.rows[r];
+      any = any || f.behind;
       if (!Written(f, which)) continue;
       if (f.behind) {
         Take(f, f.name);
@@ -94,11 +94,14 @@ RecordShape ShapeOf(const RecordType& type, const UifParams& settings) {
   shape.layout = type.choice != nullptr ? type.choice->choose(settings) : type.record;
   shape.which = CaseOf(settings);
   if (shape.layout == nullptr) return shape;
-  shape.front = shape.layout->size;
   PartWalk parts{shape.which, 0, nullptr, 0};
   parts.Find(*shape.layout);
+  PartWalk counted{shape.which, 1, nullptr, 0};
+  counted.Find(*shape.layout);
   // Of a record with parts the front may be shorter than there is room for.
-  if (parts.any) shape.front = FrontEnd(*shape.layout, shape.which, 0);
+  shape.front = parts.any ? FrontEnd(*shape.layout, shape.which, 0) : shape.layout->size;
+  shape.size = shape.front + parts.position;
+  shape.size_per_count = counted.position - parts.position;
   shape.endless = parts.counted_by != nullptr;
   if (!shape.endless) return shape;
   shape.count_at = FindWord(*shape.layout, shape.which, parts.counted_by, &shape.count_element);
@@ -110,10 +113,7 @@ RecordShape ShapeOf(const RecordType& type, const UifParams& settings) {
 }
 
 uint64_t RecordSize(const RecordShape& shape, int64_t count) {
-  PartWalk parts{shape.which, static_cast<uint64_t>(std::max<int64_t>(count, 0)), nullptr,
-                 shape.front};
-  parts.Find(*shape.layout);
-  return parts.position;
+  return shape.size + static_cast<uint64_t>(std::max<int64_t>(count, 0)) * shape.size_per_count;
 }
 
 uint64_t FixedRecordSize(const RecordShape& shape) {

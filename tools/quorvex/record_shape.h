@@ -18,10 +18,11 @@ struct RecordShape {
   int64_t count = 0;      // where the settings say it
   int32_t count_at = -1;  // the word of the front that says it; -1: the settings do
   std::string count_element;
+  uint64_t size = 0, size_per_count = 0;
 };
 RecordShape ShapeOf(const RecordType& type, const UifParams& settings);
 
-// Bytes of a record; `count` counts where its parts are endless.
+// Bytes of a record whose parts are `count` long.
 uint64_t RecordSize(const RecordShape& shape, int64_t count);
 
 // Bytes of every record; 0 where records differ, or where there are none.
