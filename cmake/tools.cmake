@@ -1,20 +1,22 @@
 find_path(CLI11_INCLUDE CLI/CLI.hpp REQUIRED PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH)
+find_path(JSON_INCLUDE nlohmann/json.hpp REQUIRED PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH)
 
 # Header-only packages are used for Windows too; a folder of links keeps the build machine's other
 # headers out of a cross-build.
 file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/header-only)
 file(CREATE_LINK ${CLI11_INCLUDE}/CLI ${CMAKE_BINARY_DIR}/header-only/CLI SYMBOLIC)
+file(CREATE_LINK ${JSON_INCLUDE}/nlohmann ${CMAKE_BINARY_DIR}/header-only/nlohmann SYMBOLIC)
 
-# What is made from the layout tables: a library, for its tests too.
-file(GLOB format_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/quorvex/formats/*.cpp)
-add_library(quorvex_formats STATIC ${format_sources})
-target_include_directories(quorvex_formats PUBLIC ${CMAKE_SOURCE_DIR}/tools/quorvex)
-target_link_libraries(quorvex_formats PUBLIC quorvex_static PRIVATE quorvex_flags)
-
-file(GLOB tool_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/quorvex/*.cpp)
-add_executable(quorvex ${tool_sources})
+# The commands: a library, for the tests too, and the program around it.
+file(GLOB_RECURSE tool_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/quorvex/*.cpp)
+list(FILTER tool_sources EXCLUDE REGEX "main\\.cpp$")
+add_library(quorvex_commands STATIC ${tool_sources})
+target_include_directories(quorvex_commands PUBLIC ${CMAKE_SOURCE_DIR}/tools/quorvex)
+target_include_directories(quorvex_commands SYSTEM PRIVATE ${CMAKE_BINARY_DIR}/header-only)
+target_link_libraries(quorvex_commands PUBLIC quorvex_static PRIVATE quorvex_flags)
+add_executable(quorvex ${CMAKE_SOURCE_DIR}/tools/quorvex/main.cpp)
 target_include_directories(quorvex SYSTEM PRIVATE ${CMAKE_BINARY_DIR}/header-only)
-target_link_libraries(quorvex PRIVATE quorvex_formats quorvex_flags)
+target_link_libraries(quorvex PRIVATE quorvex_commands quorvex_flags)
 
 if(WIN32)
   target_link_options(quorvex PRIVATE -static)

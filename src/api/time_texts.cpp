@@ -54,6 +54,13 @@ void DateTimeText(const DateTimeRecord& time, TimeDetail detail, BoundedText* to
   to->PutInteger(milliseconds % 1000, 3);
 }
 
+bool IsPointInTime(const DateTimeRecord& time) {
+  constexpr double kLeapSecond = 60;
+  return time.year >= 1970 && time.year < 2200 && IsMonth(time.month) && time.day >= 1 &&
+         time.day <= DaysIn(time.month, time.year) && time.hour < 24 && time.minute < 60 &&
+         time.seconds >= 0 && time.seconds < kLeapSecond + 1;
+}
+
 void IntervalText(uint32_t seconds, BoundedText* to) {
   if (seconds >= 60) {
     to->PutInteger(seconds / 60);

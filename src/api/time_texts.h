@@ -11,6 +11,9 @@ enum class TimeDetail : uint8_t { kMinutes, kMilliseconds, kSeconds };
 // "07.Mar.2024 14:05:09.123". Milliseconds are cut, not rounded; a month that is none is January.
 void DateTimeText(const DateTimeRecord& time, TimeDetail detail, BoundedText* to);
 
+// Whether this is a date and a time of day, in the years that an instrument can have seen.
+bool IsPointInTime(const DateTimeRecord& time);
+
 // "10 Min ", "1 Min 30 s"; each part only where it is not zero.
 void IntervalText(uint32_t seconds, BoundedText* to);
 

@@ -106,6 +106,7 @@ const RecordType kLiveResults = {
     .write = WriteLiveResults,
     .state = true,
     .once = true,
+    .samples_at = 0,
 };
 
 }  // namespace quorvex

@@ -77,6 +77,7 @@ struct RecordType {
   bool once = false;                   // one record a file, whether it is all there or not
   // In the place of `record`, where there are several layouts.
   const LayoutChoice* choice = nullptr;
+  int32_t samples_at = -1;  // the word of a record that counts its samples, if no row names it
 };
 
 // The type with this number, or null. The table of all types is behind it.

@@ -119,6 +119,7 @@ const RecordType kSnapshots = {
     .companion = true,
     .state = true,
     .progress = true,
+    .samples_at = kScopeCountAt,
 };
 
 }  // namespace quorvex

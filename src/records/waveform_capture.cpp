@@ -13,7 +13,7 @@ namespace {
 // A capture is read and written in pieces, so its length does not matter to memory.
 constexpr uint32_t kPieceSamples = 4096;
 constexpr uint32_t kSampleSize = 4;
-constexpr char kLength[] = "NUM";
+constexpr char kLength[] = "TRANSIENTS_RECORD_PARAMS/NUM";
 constexpr Field kVoltageSamples[] = {
     ScaledF32("v", 0, 0, "sample", "V").Times(kPieceSamples).CountInput(0, kLength).InPieces(),
 };

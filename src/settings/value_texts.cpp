@@ -37,6 +37,18 @@ constexpr const char* kTriggers[] = {
     "Level U", "Level I", "Envelope", "Interval",
 };
 
+// By connection code.
+constexpr const char* kConnections[] = {
+    nullptr,
+    "single-phase",
+    "three-phase three-wire",
+    "three-phase four-wire",
+    "three-phase three-wire (second code)",
+    "two-phase three-wire",
+    "single-phase with inverter",
+    "three-phase three-wire with inverter",
+};
+
 constexpr int kKilo = 3;
 constexpr int kMilli = -3;
 
@@ -91,6 +103,10 @@ const ValueDescriptor kCurrentDescriptor = {
 
 const char* TriggerKindText(uint32_t code) {
   return code < std::size(kTriggers) ? kTriggers[code] : "";
+}
+
+const char* ConnectionText(uint8_t code) {
+  return code < std::size(kConnections) ? kConnections[code] : nullptr;
 }
 
 const char* UnitText(uint32_t code) { return code < std::size(kUnits) ? kUnits[code] : ""; }

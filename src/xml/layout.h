@@ -59,7 +59,8 @@ struct Field {
   const char* phase = nullptr;  // value of the attribute `phase`
   const char* meaning = "";     // for documentation and schema
   const char* unit = "";
-  const char* counted_by = "";  // where a count of the inputs comes from, in words
+  // Where a count of the inputs comes from: the end of an element's path, or words.
+  const char* counted_by = "";
   const StructureInfo* structure = nullptr;
   MakeText make = nullptr;
   const Field* rows = nullptr;

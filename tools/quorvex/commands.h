@@ -12,11 +12,23 @@ struct ConvertOptions {
   std::string output;               // empty: beside each recording; a folder for several
   std::string records;              // "A-B", empty for all
   unsigned jobs = 0;                // side by side; 0: as many as there are cores
+  bool quiet = false;               // failures only: no findings, no summary
 };
 int Convert(const ConvertOptions& options);
 
-// `raw` prints the record information line as the library gives it.
-int Info(const std::string& path, bool raw);
+struct InfoOptions {
+  std::vector<std::string> inputs;
+  bool raw = false;  // the record information lines as the library gives them
+  bool json = false;
+};
+int Info(const InfoOptions& options);
+
+struct CheckOptions {
+  std::vector<std::string> inputs;
+  bool json = false;
+};
+int Check(const CheckOptions& options);
+
 int Count(const std::string& path);
 int Version();
 

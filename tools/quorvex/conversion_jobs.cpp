@@ -92,7 +92,7 @@ class ProgressBar {
 
 }  // namespace
 
-bool RunJobs(std::deque<Job>* jobs, const Range& range, unsigned workers) {
+bool RunJobs(std::deque<Job>* jobs, const Range& range, unsigned workers, bool check) {
   CatchInterrupts();
   std::atomic<size_t> next{0};
   std::mutex mutex;
@@ -106,7 +106,10 @@ bool RunJobs(std::deque<Job>* jobs, const Range& range, unsigned workers) {
     for (size_t i = next++; i < jobs->size(); i = next++) {
       Job& job = (*jobs)[i];
       if (job.problem.empty() && Interrupted()) job.Fail(kCancelled, job.input, "cancelled");
-      if (job.problem.empty()) RunJob(&job, range, worker);
+      if (job.problem.empty()) {
+        RunJob(&job, range, worker);
+        if (check && job.code == kDone) job.findings = CheckRecording(job.input).findings;
+      }
       finish(&job);
     }
   };
@@ -136,8 +139,11 @@ bool RunJobs(std::deque<Job>* jobs, const Range& range, unsigned workers) {
       continue;
     }
     ++told;
-    if (job.problem.empty() || (job.code == kCancelled && Interrupted())) continue;
     bar.Clear();
+    for (const std::string& line : LinesOf(job.findings, Severity::kWarning)) {
+      Complain(job.input, line);
+    }
+    if (job.problem.empty() || (job.code == kCancelled && Interrupted())) continue;
     Complain(job.culprit, job.problem);
   }
   for (std::thread& thread : threads) thread.join();

@@ -5,7 +5,7 @@
 #include <deque>
 #include <string>
 
-#include "host.h"
+#include "record_check.h"
 
 namespace quorvex::tool {
 
@@ -21,6 +21,7 @@ struct Job {
   ExitCode code = kDone;
   std::string culprit;  // the file that a problem is about
   std::string problem;  // empty where there is none
+  Findings findings;
   std::atomic<float> fraction{0};
   std::atomic<bool> finished{false};
 
@@ -32,7 +33,8 @@ struct Job {
 };
 
 // Runs the jobs on some threads, in order; fills in their outcomes. Jobs that failed before they
-// began are passed over. Meanwhile shows progress and failures; false where it was interrupted.
-bool RunJobs(std::deque<Job>* jobs, const Range& range, unsigned workers);
+// began are passed over. Meanwhile shows progress, failures and, with `check`, what is found in the
+// recordings; false where it was interrupted.
+bool RunJobs(std::deque<Job>* jobs, const Range& range, unsigned workers, bool check);
 
 }  // namespace quorvex::tool

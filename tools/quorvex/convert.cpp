@@ -18,26 +18,6 @@ bool ParseRange(const std::string& text, Range* range) {
          range->first <= range->last;
 }
 
-bool IsRecordingName(const std::string& name) {
-  if (name.size() < 4) return false;
-  std::string end = name.substr(name.size() - 4);
-  std::transform(end.begin(), end.end(), end.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-  return end == ".REC";
-}
-
-// Recordings as named; of folders, every recording below, in the order of names.
-void Gather(const std::string& path, std::vector<std::string>* recordings) {
-  if (!IsFolder(path)) {
-    recordings->push_back(path);
-    return;
-  }
-  for (const std::string& name : NamesIn(path)) {
-    const std::string inside = path + "/" + name;
-    if (IsFolder(inside) || IsRecordingName(name)) Gather(inside, recordings);
-  }
-}
-
 std::string DocumentName(const std::string& input) {
   const size_t dot = input.rfind('.');
   return input.substr(0, dot) + ".xml";
@@ -50,7 +30,7 @@ std::string NameOnly(const std::string& path) {
 
 void Prepare(Job* job, const std::string& output, std::map<std::string, std::string>* taken) {
   job->recording = Inspect(job->input);
-  if (job->recording.type == nullptr) {
+  if (job->recording.code != kDone) {
     return job->Fail(job->recording.code, job->input, job->recording.problem);
   }
   std::string named = output.empty() ? DocumentName(job->input) : output;
@@ -78,14 +58,7 @@ int Convert(const ConvertOptions& options) {
     return kUsage;
   }
   std::vector<std::string> recordings;
-  for (const std::string& input : options.inputs) {
-    const size_t before = recordings.size();
-    Gather(input, &recordings);
-    if (recordings.size() == before) {
-      Complain(input, "holds no recordings");
-      return kNoInput;
-    }
-  }
+  if (!GatherRecordings(options.inputs, &recordings)) return kNoInput;
   if (recordings.size() > 1 && !options.output.empty() && !IsFolder(options.output)) {
     Complain(options.output, "is no folder; several documents need one");
     return kUsage;
@@ -100,10 +73,15 @@ int Convert(const ConvertOptions& options) {
   unsigned workers = options.jobs != 0 ? options.jobs : std::thread::hardware_concurrency();
   workers = std::clamp(workers, 1u, kMostWorkers);
   workers = static_cast<unsigned>(std::min<size_t>(workers, jobs.size()));
-  if (!RunJobs(&jobs, range, workers)) {
-    std::fprintf(stderr, "quorvex: cancelled\n");
-    return kCancelled;
+  const bool finished = RunJobs(&jobs, range, workers, !options.quiet);
+  if (!finished) std::fprintf(stderr, "quorvex: cancelled\n");
+  if (jobs.size() > 1 && !options.quiet) {
+    const auto written =
+        std::count_if(jobs.begin(), jobs.end(), [](const Job& job) { return job.code == kDone; });
+    std::fprintf(stderr, "quorvex: found %zu, written %td, skipped %td\n", jobs.size(), written,
+                 static_cast<std::ptrdiff_t>(jobs.size()) - written);
   }
+  if (!finished) return kCancelled;
   for (const Job& job : jobs) {
     if (job.code != kDone) return job.code;
   }

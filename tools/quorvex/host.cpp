@@ -10,8 +10,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 
-#include "support/platform.h"
+#include "support/file.h"
 
 #ifdef _WIN32
 #include <io.h>
@@ -39,43 +40,7 @@ std::string FolderOf(const std::string& path) {
   return slash == std::string::npos ? "." : path.substr(0, slash + 1);
 }
 
-Recording Problem(ExitCode code, const std::string& problem) {
-  Recording recording;
-  recording.code = code;
-  recording.problem = problem;
-  return recording;
-}
-
 }  // namespace
-
-Recording Inspect(const std::string& path) {
-  if (path.size() > kMaxPath) return Problem(kNoInput, "the path is longer than 511 bytes");
-  if (IsFolder(path)) return Problem(kNoInput, "is a folder");
-  if (IsSpecial(path)) return Problem(kNoInput, "is no regular file");
-  std::FILE* file = std::fopen(path.c_str(), "rb");
-  if (file == nullptr) return Problem(kNoInput, LastError());
-  Recording recording;
-  const size_t got = std::fread(&recording.header, 1, sizeof recording.header, file);
-  const bool failed = std::ferror(file) != 0;
-  std::fclose(file);
-  if (failed) return Problem(kNoInput, "cannot be read");
-  FileInfo info{};
-  if (QueryFileInfo(path.c_str(), &info) == 0) recording.size = WholeSize(info);
-  uint64_t head = sizeof recording.header;
-  if (got == head) {
-    recording.type = FindRecordType(recording.header.type);
-    if (recording.type == nullptr) {
-      return Problem(kUnknownType,
-                     "is of the unknown record type " + std::to_string(recording.header.type));
-    }
-    head = recording.type->records_at;
-  }
-  if (recording.size < head) {
-    return Problem(kCutShort, "ends inside its head (" + std::to_string(recording.size) + " of " +
-                                  std::to_string(head) + " bytes)");
-  }
-  return recording;
-}
 
 void Complain(const std::string& path, const std::string& reason) {
   std::fprintf(stderr, "quorvex: %s: %s\n", path.c_str(), reason.c_str());
@@ -100,6 +65,16 @@ bool SameRecording(const std::string& first, const std::string& second) {
 #ifdef _WIN32
 std::string Resolved(const std::string& path) { return path; }
 
+std::string Utf8(const std::string& path) {
+  wchar_t wide[4 * kMaxPath];
+  char text[4 * kMaxPath];
+  const int size = MultiByteToWideChar(CP_ACP, 0, path.data(), static_cast<int>(path.size()), wide,
+                                       static_cast<int>(std::size(wide)));
+  const int used = WideCharToMultiByte(CP_UTF8, 0, wide, size, text,
+                                       static_cast<int>(std::size(text)), nullptr, nullptr);
+  return used > 0 ? std::string(text, static_cast<size_t>(used)) : path;
+}
+
 bool Replace(const std::string& from, const std::string& to) {
   return MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
 }
@@ -120,6 +95,8 @@ std::string Resolved(const std::string& path) {
   std::free(real);
   return resolved;
 }
+
+std::string Utf8(const std::string& path) { return path; }
 
 bool Replace(const std::string& from, const std::string& to) {
   return std::rename(from.c_str(), to.c_str()) == 0;

@@ -1,37 +1,30 @@
-// What the command line needs around the library's exports: looking at a recording before it is
-// converted, file matters that the two platforms do differently, and the exit codes.
+// What the command line needs of its host: file matters that the two platforms do differently,
+// messages, and the exit codes.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "records/recording.h"
-
 namespace quorvex::tool {
 
 enum ExitCode {
   kDone = 0,
+  kDoubtful = 1,  // a check has warnings
   kUsage = 2,
   kNoInput = 3,  // missing or unreadable
   kUnknownType = 4,
   kCutShort = 5,  // ends inside its head
   kNoOutput = 6,  // the document cannot be written
+  kDamaged = 7,   // a check has errors
   kCancelled = 130,
 };
 
-// A recording as far as its head tells, or why it is none.
-struct Recording {
-  ExitCode code = kDone;
-  std::string problem;  // empty where there is none
-  FileHeader header{};
-  const RecordType* type = nullptr;
-  uint64_t size = 0;
-};
-Recording Inspect(const std::string& path);
-
 // "FILE: reason" on stderr, in the one form that all messages have.
 void Complain(const std::string& path, const std::string& reason);
+
+// A path as the host has it, in UTF-8.
+std::string Utf8(const std::string& path);
 
 // The text of the last failed call.
 std::string LastError();

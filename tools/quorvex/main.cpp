@@ -10,12 +10,14 @@ int main(int argc, char** argv) {
   app.require_subcommand(1);
   app.footer(
       "Exit codes:\n"
-      "  0    done\n"
+      "  0    done; checked and sound\n"
+      "  1    checked: warnings\n"
       "  2    wrong arguments\n"
       "  3    the recording is missing or cannot be read\n"
       "  4    the file is of an unknown record type, or not of the type asked for\n"
       "  5    the recording ends inside its head\n"
       "  6    the document cannot be written\n"
+      "  7    checked: errors\n"
       "  130  cancelled");
 
   ConvertOptions convert;
@@ -30,11 +32,25 @@ int main(int argc, char** argv) {
                               "Records A-B of a general recording, counted from 1");
   convert_command->add_option("-j,--jobs", convert.jobs,
                               "Conversions side by side; as many as there are cores by default");
+  convert_command->add_flag("-q,--quiet", convert.quiet,
+                            "Failures only: no findings in recordings, no summary");
+  InfoOptions info;
+  auto* info_command = app.add_subcommand("info", "Say what recordings are");
+  info_command
+      ->add_option("PATH", info.inputs, "Recordings, and folders: every .REC file below them")
+      ->required();
+  auto* raw = info_command->add_flag("--raw", info.raw,
+                                     "Only the record information line, as hosts get it");
+  info_command->add_flag("--json", info.json, "For programs: an array, an object a line")
+      ->excludes(raw);
+  CheckOptions check;
+  auto* check_command =
+      app.add_subcommand("check", "Say whether recordings are sound, before they are converted");
+  check_command
+      ->add_option("PATH", check.inputs, "Recordings, and folders: every .REC file below them")
+      ->required();
+  check_command->add_flag("--json", check.json, "For programs: an array, an object a line");
   std::string path;
-  auto* info_command = app.add_subcommand("info", "Say what a recording is");
-  info_command->add_option("FILE", path, "Recording")->required();
-  bool raw = false;
-  info_command->add_flag("--raw", raw, "Only the record information line, as hosts get it");
   auto* count_command = app.add_subcommand("count", "Print the records of a general recording");
   count_command->add_option("FILE", path, "Recording")->required();
   uint32_t type = 0;
@@ -51,7 +67,8 @@ int main(int argc, char** argv) {
     return app.exit(error) == 0 ? kDone : kUsage;
   }
   if (convert_command->parsed()) return Convert(convert);
-  if (info_command->parsed()) return Info(path, raw);
+  if (check_command->parsed()) return Check(check);
+  if (info_command->parsed()) return Info(info);
   if (count_command->parsed()) return Count(path);
   if (schema_command->parsed()) return PrintSchema(type);
   if (formats_command->parsed()) return PrintFormats();

@@ -88,7 +88,8 @@ uint32_t ClaimsOf(const Field& f) {
 std::string CountText(const Field& f, const Field& enclosing, uint32_t place) {
   if (f.count_from == CountFrom::kTable) return "";
   if (f.count_from == CountFrom::kInput) {
-    const std::string from = f.counted_by;
+    const std::string path = f.counted_by;
+    const std::string from = path.substr(path.rfind('/') + 1);
     return from.find(' ') == std::string::npos ? Code(from) + " of them" : "as many as " + from;
   }
   for (uint32_t r = 0; r < enclosing.row_count; ++r) {

@@ -1,0 +1,76 @@
+// quorvex check: whether recordings are sound, for people and for programs.
+#include <cstdio>
+
+#include "commands.h"
+#include "json.h"
+#include "record_check.h"
+
+namespace quorvex::tool {
+namespace {
+
+ExitCode CodeOf(const CheckResult& result) {
+  if (result.recording.code != kDone) return result.recording.code;
+  if (result.findings.worst == Severity::kError) return kDamaged;
+  return result.findings.worst == Severity::kWarning ? kDoubtful : kDone;
+}
+
+Json ToJson(const std::string& path, const CheckResult& result) {
+  Json entry = JsonOf(path, result.recording, result.records);
+  const bool silent = result.findings.list.empty();
+  entry["worst"] = silent ? Json() : Json(NameOf(result.findings.worst));
+  entry["findings"] = Json::array();
+  for (const Finding& f : result.findings.list) {
+    entry["findings"].push_back({{"severity", NameOf(f.severity)},
+                                 {"kind", NameOf(f.kind)},
+                                 {"offset", OrNull(f.offset)},
+                                 {"record", f.record != 0 ? Json(f.record) : Json()},
+                                 {"element", f.element.empty() ? Json() : Json(f.element)},
+                                 {"text", f.text}});
+  }
+  entry["unlisted"] = Json::object();
+  for (size_t k = 0; k < kFindingKinds; ++k) {
+    const auto kind = static_cast<FindingKind>(k);
+    if (result.findings.Unlisted(kind) != 0) {
+      entry["unlisted"][NameOf(kind)] = result.findings.Unlisted(kind);
+    }
+  }
+  return entry;
+}
+
+void Print(const std::string& path, const CheckResult& result) {
+  for (const std::string& line : LinesOf(result.findings, Severity::kNote)) {
+    std::printf("%s: %s\n", path.c_str(), line.c_str());
+  }
+  if (CodeOf(result) == kDone) std::printf("%s: sound\n", path.c_str());
+}
+
+}  // namespace
+
+int Check(const CheckOptions& options) {
+  std::vector<std::string> paths;
+  ExitCode code = GatherRecordings(options.inputs, &paths) ? kDone : kNoInput;
+  size_t sound = 0, doubtful = 0;
+  JsonArray array;
+  for (const std::string& path : paths) {
+    const CheckResult result = CheckRecording(path);
+    const ExitCode outcome = CodeOf(result);
+    // Errors before warnings; of errors the first.
+    if (code == kDone || code == kDoubtful) code = outcome != kDone ? outcome : code;
+    sound += outcome == kDone ? 1 : 0;
+    doubtful += outcome == kDoubtful ? 1 : 0;
+    if (options.json) {
+      array.Add(ToJson(path, result));
+    } else {
+      Print(path, result);
+    }
+  }
+  if (options.json) {
+    array.Close();
+  } else if (paths.size() > 1) {
+    std::printf("%zu checked: %zu sound, %zu with warnings, %zu with errors\n", paths.size(), sound,
+                doubtful, paths.size() - sound - doubtful);
+  }
+  return code;
+}
+
+}  // namespace quorvex::tool

@@ -1,0 +1,244 @@
+// quorvex info: what recordings are, for people and for programs.
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "api/time_texts.h"
+#include "commands.h"
+#include "inspection.h"
+#include "json.h"
+#include "quorvex64.h"
+
+namespace quorvex::tool {
+namespace {
+
+// "07.Mar.2024 14:05:09.123" as "2024-03-07T14:05:09.123"; empty where it is no point in time.
+std::string IsoTime(const std::string& text) {
+  int day = 0, year = 0, hour = 0, minute = 0, used = 0;
+  char month[4];
+  DateTimeRecord time{};
+  if (std::sscanf(text.c_str(), "%d.%3[A-Za-z].%d %d:%d:%n", &day, month, &year, &hour, &minute,
+                  &used) != 5) {
+    return "";
+  }
+  constexpr char kMonths[] = "JanFebMarAprMayJunJulAugSepOctNovDec";
+  const char* name = std::strstr(kMonths, month);
+  if (name == nullptr) return "";
+  const std::string seconds = text.substr(static_cast<size_t>(used));
+  time.year = static_cast<uint16_t>(year);
+  time.month = static_cast<uint8_t>((name - kMonths) / 3 + 1);
+  time.day = static_cast<uint8_t>(day);
+  time.hour = static_cast<uint8_t>(hour);
+  time.minute = static_cast<uint8_t>(minute);
+  time.seconds = std::strtod(seconds.c_str(), nullptr);
+  if (!IsPointInTime(time)) return "";
+  char date[24];
+  std::snprintf(date, sizeof date, "%04d-%02d-%02dT%02d:%02d:", time.year, time.month, time.day,
+                time.hour, time.minute);
+  return date + seconds;
+}
+
+// "1 days 02 hours 3 Min 4 s" in seconds.
+Json Seconds(const std::string& text) {
+  if (text.empty()) return nullptr;
+  double seconds = 0;
+  const char* at = text.c_str();
+  for (char* end; *at != '\0'; at = end) {
+    const double number = std::strtod(at, &end);
+    if (end == at) return nullptr;
+    while (*end == ' ') ++end;
+    const double unit = *end == 'd' ? 86400 : *end == 'h' ? 3600 : *end == 'M' ? 60 : 1;
+    seconds += number * unit;
+    while (*end != '\0' && *end != ' ') ++end;
+  }
+  return static_cast<int64_t>(seconds);
+}
+
+// "12.50kV" in volts. What passes the limits of the display is no number.
+Json Amount(const char* text) {
+  char* end = nullptr;
+  const double number = std::strtod(text, &end);
+  if (end == text || !(std::abs(number) < 1e30)) return nullptr;
+  return *end == 'k' ? number * 1000 : *end == 'm' ? number / 1000 : number;
+}
+
+std::string KeyOf(const InfoField& field) {
+  std::string key = field.label;
+  std::transform(key.begin(), key.end(), key.begin(), [](unsigned char c) {
+    return c == ' ' ? '_' : static_cast<char>(std::tolower(c));
+  });
+  return field.form == InfoForm::kPeriods ? key + "_periods" : key;
+}
+
+void PutValue(const InfoValue& value, Json* to) {
+  const std::string key = KeyOf(value.field);
+  const std::string& text = value.text;
+  switch (value.field.form) {
+    case InfoForm::kTime:
+      if (const std::string time = IsoTime(text); !time.empty()) (*to)[key] = time;
+      break;
+    case InfoForm::kSeconds:
+      (*to)[key] = Seconds(text);
+      break;
+    case InfoForm::kPeriods:
+    case InfoForm::kNumber:
+      (*to)[key] = std::strtoll(text.c_str(), nullptr, 10);
+      break;
+    case InfoForm::kAmount:
+      (*to)[key] = Amount(text.c_str());
+      break;
+    case InfoForm::kLevel: {
+      const size_t percent = text.find('%');
+      const size_t bracket = text.find('(');
+      if (percent != std::string::npos) (*to)[key + "_percent"] = Amount(text.c_str());
+      if (percent == std::string::npos) (*to)[key] = Amount(text.c_str());
+      if (bracket != std::string::npos) (*to)[key] = Amount(text.c_str() + bracket + 1);
+      break;
+    }
+    case InfoForm::kText:
+      if (!text.empty() && text != "-") (*to)[key] = text;
+      break;
+  }
+}
+
+Json ToJson(const Facts& facts) {
+  const Recording& r = facts.recording;
+  Json entry = JsonOf(facts.path, r, facts.records);
+  for (const InfoField& field : AllInfoFields()) {
+    entry[KeyOf(field)] = nullptr;
+    if (field.form == InfoForm::kLevel) entry[KeyOf(field) + "_percent"] = nullptr;
+  }
+  for (const InfoValue& value : facts.values) PutValue(value, &entry);
+  entry["instrument"] = nullptr;
+  if (facts.instrument) {
+    entry["instrument"] = {{"name", *facts.instrument},
+                           {"serial", facts.serial->empty() ? Json() : Json(*facts.serial)}};
+  }
+  entry["connection"] = OrNull(facts.connection);
+  entry["problem"] = r.code != kDone ? Json(r.problem) : Json();
+  return entry;
+}
+
+std::string ShortSize(uint64_t bytes) {
+  constexpr const char* kUnits[] = {"B", "kB", "MB", "GB", "TB"};
+  auto size = static_cast<double>(bytes);
+  size_t unit = 0;
+  for (; size >= 999.5 && unit + 1 < std::size(kUnits); ++unit) size /= 1000;
+  char text[32];
+  std::snprintf(text, sizeof text, "%.*f %s", unit > 0 && size < 9.95 ? 1 : 0, size, kUnits[unit]);
+  return text;
+}
+
+using Row = std::vector<std::string>;
+
+// To the minute: seconds would take the room that names need.
+std::string ShortTime(const std::string& text) {
+  std::string time = IsoTime(text).substr(0, 16);
+  if (!time.empty()) time[10] = ' ';
+  return time;
+}
+
+// `folder` is where all files lie.
+Row ToRow(const Facts& facts, const std::string& folder) {
+  const Recording& r = facts.recording;
+  std::string start, end, interval;
+  for (const InfoValue& value : facts.values) {
+    const std::string label = value.field.label;
+    if (label == "start" || label == "time") start = ShortTime(value.text);
+    if (label == "end") end = ShortTime(value.text);
+    if (label == "interval") interval = value.text;
+  }
+  return {facts.path.substr(folder.size()),
+          r.type != nullptr ? r.type->name : "-",
+          start,
+          end,
+          interval,
+          facts.records ? std::to_string(*facts.records) : "",
+          r.code != kNoInput ? ShortSize(r.size) : "",
+          r.problem};
+}
+
+void PrintTable(const std::vector<Row>& rows) {
+  const Row heads = {"FILE", "TYPE", "START", "END", "INTERVAL", "RECORDS", "SIZE", "PROBLEM"};
+  constexpr size_t kNumbersFrom = 5;  // to the right, up to the last column
+  std::vector<size_t> widths(heads.size());
+  for (size_t c = 0; c < heads.size(); ++c) {
+    widths[c] = heads[c].size();
+    for (const Row& row : rows) widths[c] = std::max(widths[c], row[c].size());
+  }
+  const auto print = [&](const Row& row) {
+    std::string line;
+    for (size_t c = 0; c < row.size(); ++c) {
+      const std::string room(widths[c] - row[c].size(), ' ');
+      const bool number = c >= kNumbersFrom && c + 1 < row.size();
+      line += number ? room + row[c] : row[c] + room;
+      line += "  ";
+    }
+    line.erase(line.find_last_not_of(' ') + 1);
+    std::printf("%s\n", line.c_str());
+  };
+  print(heads);
+  for (const Row& row : rows) print(row);
+}
+
+void PrintLabelled(const std::string& label, const std::string& value) {
+  std::printf("%-20s%s\n", (label + ":").c_str(), value.c_str());
+}
+
+void PrintLabelled(const Facts& facts) {
+  const Recording& r = facts.recording;
+  PrintLabelled("file", facts.path);
+  PrintLabelled("type", std::to_string(r.type->type) + ", " + r.type->name);
+  PrintLabelled("version", std::to_string(static_cast<int32_t>(r.header->version)));
+  PrintLabelled("size", std::to_string(r.size) + " bytes");
+  for (const InfoValue& value : facts.values) PrintLabelled(value.field.label, value.text);
+}
+
+ExitCode PrintRaw(const std::string& path) {
+  const Recording recording = Inspect(path);
+  if (recording.code != kDone) {
+    Complain(path, recording.problem);
+    return recording.code;
+  }
+  char line[512];
+  QuorvexGetRecordInfo(path.c_str(), line);
+  std::printf("%s\n", line);
+  return kDone;
+}
+
+}  // namespace
+
+int Info(const InfoOptions& options) {
+  std::vector<std::string> paths;
+  ExitCode code = GatherRecordings(options.inputs, &paths) ? kDone : kNoInput;
+  const bool alone = paths.size() == 1 && paths == options.inputs;
+  const bool one_folder = options.inputs.size() == 1 && !alone;
+  const std::string folder = one_folder ? Inside(options.inputs[0], "") : "";
+  JsonArray array;
+  std::vector<Row> rows;
+  for (const std::string& path : paths) {
+    if (options.raw) {
+      const ExitCode outcome = PrintRaw(path);
+      if (code == kDone) code = outcome;
+      continue;
+    }
+    const Facts facts = FactsOf(path);
+    if (code == kDone) code = facts.recording.code;
+    if (options.json) {
+      array.Add(ToJson(facts));
+    } else if (!alone) {
+      rows.push_back(ToRow(facts, folder));
+    } else if (facts.recording.code != kDone) {
+      Complain(path, facts.recording.problem);
+    } else {
+      PrintLabelled(facts);
+    }
+  }
+  if (options.json) array.Close();
+  if (!rows.empty()) PrintTable(rows);
+  return code;
+}
+
+}  // namespace quorvex::tool

@@ -1,0 +1,46 @@
+// JSON as the commands print it: an array with each entry on a line of its own, in UTF-8.
+#pragma once
+
+#include <cstdio>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+
+#include "inspection.h"
+
+namespace quorvex::tool {
+
+using Json = nlohmann::ordered_json;
+
+template <typename T>
+Json OrNull(const std::optional<T>& value) {
+  return value ? Json(*value) : Json();
+}
+
+// What every command tells of a recording first.
+inline Json JsonOf(const std::string& path, const Recording& r,
+                   const std::optional<uint64_t>& records) {
+  Json entry;
+  entry["file"] = Utf8(path);
+  entry["type"] = r.header ? Json(r.header->type) : Json();
+  entry["name"] = r.type != nullptr ? Json(r.type->name) : Json();
+  entry["version"] = r.header ? Json(static_cast<int32_t>(r.header->version)) : Json();
+  entry["size"] = r.code != kNoInput ? Json(r.size) : Json();
+  entry["records"] = OrNull(records);
+  return entry;
+}
+
+class JsonArray {
+ public:
+  void Add(const Json& entry) {
+    std::printf("%s%s", started_ ? ",\n" : "[\n",
+                entry.dump(-1, ' ', false, Json::error_handler_t::replace).c_str());
+    started_ = true;
+  }
+  void Close() { std::printf(started_ ? "\n]\n" : "[]\n"); }
+
+ private:
+  bool started_ = false;
+};
+
+}  // namespace quorvex::tool

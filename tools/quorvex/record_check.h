@@ -1,0 +1,17 @@
+// Whether a recording is sound: its head, its size, its counts, its times, its texts. The layout
+// tables say where these are. Memory does not grow with the file, and time does not grow faster.
+#pragma once
+
+#include "findings.h"
+#include "inspection.h"
+
+namespace quorvex::tool {
+
+struct CheckResult {
+  Recording recording;
+  std::optional<uint64_t> records;
+  Findings findings;
+};
+CheckResult CheckRecording(const std::string& path);
+
+}  // namespace quorvex::tool
