@@ -81,12 +81,13 @@ void ReadHead(const std::string& path, Recording* recording, UifParams* settings
     }
     head = recording->type->records_at;
   }
-  if (recording->size < head) {
+  if (got < sizeof header || recording->size < head) {
     return Fail(recording, kCutShort,
                 "ends inside its head (" + std::to_string(recording->size) + " of " +
                     std::to_string(head) + " bytes)");
   }
-  if (settings == nullptr || recording->type->settings_at == 0) return;
+  if (settings == nullptr || recording->type == nullptr || recording->type->settings_at == 0)
+    return;
   if (SeekTo(file.get(), recording->type->settings_at)) {
     ReadBytes(file.get(), settings, kSettingsSize);
   }

@@ -214,7 +214,7 @@ struct RecordWalk {
         const uint8_t* bytes = end > from ? file.At(at + from, end - from) : nullptr;
         if (bytes == nullptr && end > from) return;  // the file shrinks meanwhile
         const int64_t count = CheckRecord({bytes, from, at, record});
-        if (shape.endless) CheckArrays(&file, at, count, record);
+        if (shape.endless && count > 0) CheckArrays(&file, at, count, record);
         needed = RecordSize(shape, count);
       }
       if (left < needed) {

@@ -1,7 +1,7 @@
 #include "record_times.h"
 
+#include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <tuple>
 
 #include "xml/number_text.h"
@@ -9,8 +9,9 @@
 namespace quorvex::tool {
 
 bool IsSet(const DateTimeRecord& time) {
-  constexpr DateTimeRecord kUnset{};
-  return std::memcmp(&time, &kUnset, sizeof time) != 0 && time.seconds != kNoValueDouble;
+  const auto* bytes = reinterpret_cast<const uint8_t*>(&time);
+  const bool zeroed = std::all_of(bytes, bytes + sizeof time, [](uint8_t b) { return b == 0; });
+  return !zeroed && time.seconds != kNoValueDouble;
 }
 
 bool IsBefore(const DateTimeRecord& a, const DateTimeRecord& b) {
