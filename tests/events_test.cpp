@@ -50,8 +50,8 @@ TEST(VoltageEvents, WholeDocument) {
   const std::string document = Converted(file);
   ExpectSame(Expected(information,
                       "INFORMATION{ CONNECTION.0 NOMINAL_VOLTAGE:4 DIP_TRESHOLD:8 "
-                      "SWELL_TRESHOLD:12 INTTERUPT_TRESHOLD:16 } TRANSITIONS{ ") +
-                 transition + transition + "</TRANSITIONS>\r\n",
+                      "SWELL_TRESHOLD:12 INTTERUPT_TRESHOLD:16 }") +
+                 InElement("TRANSITIONS", transition + transition),
              BodyOf(document));
   EXPECT_EQ(1u, CountOf(document, "<UIF_PARAMS>\r\n<CONNECTION>5<"));
   file.resize(kEvents + 264);
@@ -88,8 +88,8 @@ TEST(Alarms, WholeDocumentsWithCountsOfSettings) {
       outline += "SETTINGS{ +" + std::to_string(4 + 24 * i) + " " + kAlarmSetting;
     }
     Bytes file = LongHeadOf(7).PutBytes(3192, information).PutBytes(kAlarms, record);
-    ExpectSame(Expected(information, outline + "} TRANSITIONS{ ") + Expected(record, transition) +
-                   "</TRANSITIONS>\r\n",
+    ExpectSame(Expected(information, outline + "}") +
+                   InElement("TRANSITIONS", Expected(record, transition)),
                BodyOf(Converted(file.PadTo(kAlarms + 2 * 864 - 1))));
   }
   ExpectTruncationIsHarmless(LongHeadOf(7).PadTo(kAlarms + 864));

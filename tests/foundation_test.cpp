@@ -83,15 +83,6 @@ std::string TextOf(XmlWriter* writer) {
   return text;
 }
 
-TEST(ElementWriter, ElementsAndLines) {
-  XmlWriter* writer = CreateWriter(nullptr);
-  OpenElement(writer, "a", "phase=\"u1\"");
-  ValueElement(writer, "empty", "");
-  ValueElement(writer, "raw", "<&>");
-  CloseElement(writer);
-  EXPECT_EQ("<a phase=\"u1\">\r\n<empty></empty>\r\n<raw><&></raw>\r\n</a>\r\n", TextOf(writer));
-}
-
 TEST(ElementWriter, TextsLongerThanTheBufferArriveWhole) {
   std::string expected;
   const std::string path = InFolder("long.xml");

@@ -148,24 +148,19 @@ const std::string kCompactRecord =
     "HARMONICS_I{ @HARM_I/51,1,1 i1h:916 i2h:1016 i3h:1116 } }";
 
 TEST(General, WholeRecordsOfEachLayoutAndConnection) {
-  Bytes full = Filled(kFull);
-  full.Put<int32_t>(1936, 2);
+  const Bytes full = Filled(kFull).Put<int32_t>(1936, 2), compact = Filled(kCompact);
   const Bytes standard = Filled(kStandard);
-  const Bytes compact = Filled(kCompact);
   for (uint8_t connection = 0; connection <= 8; ++connection) {
     for (const uint8_t reduced : {uint8_t{0}, uint8_t{2}}) {
-      const Settings zero = {0, connection, reduced};
-      ExpectSame(Expected(full, FullRecord(zero)), RecordsOf(Converted(Recording(zero, {full}))));
-      for (const uint32_t profile : {2u, 5u}) {
+      for (const uint32_t profile : {0u, 1u, 2u, 5u}) {
         const Settings s = {profile, connection, reduced};
-        ExpectSame(Expected(standard, StandardRecord(s)),
-                   RecordsOf(Converted(Recording(s, {standard}))));
+        const Bytes& record = profile == 0 ? full : profile == 1 ? compact : standard;
+        const std::string outline = profile == 0   ? FullRecord(s)
+                                    : profile == 1 ? kCompactRecord
+                                                   : StandardRecord(s);
+        ExpectSame(Expected(record, outline), RecordsOf(Converted(Recording(s, {record}))));
+        ASSERT_FALSE(HasFailure()) << profile << ' ' << int{connection} << ' ' << int{reduced};
       }
-      const Settings one = {1, connection, reduced};
-      ExpectSame(Expected(compact, kCompactRecord),
-                 RecordsOf(Converted(Recording(one, {compact}))));
-      ASSERT_FALSE(HasFailure()) << "connection " << int{connection} << ", reduced "
-                                 << int{reduced};
     }
   }
   ExpectTruncationIsHarmless(Recording({1}, {compact}));

@@ -35,56 +35,33 @@ std::string SecondsOf(double seconds) {
   return cut;
 }
 
-class Writer {
- public:
-  explicit Writer(const Bytes& record) : record_(record) {}
-
-  std::string text;
-
-  void Walk(const std::string& outline) {
-    std::istringstream words(outline);
-    for (std::string word; words >> word;) Take(word);
-  }
-
- private:
-  struct Scope {
-    std::string name, kind;  // the kind and the base where the element opened
-    uint32_t base;
-  };
-  const Bytes& record_;
-  std::vector<Scope> open_;
-  uint32_t base_ = 0;
-  std::string kind_ = "f";
+struct Writer {
+  const Bytes& record;
+  std::string text = {};
 
   template <typename T>
   T At(uint32_t at) const {
-    return Load<T>(record_.data() + at);
-  }
-  void Open(const std::string& name, const std::string& phase = "") {
-    text += "<" + name + (phase.empty() ? "" : " phase=\"" + phase + "\"") + ">\r\n";
-    open_.push_back({name, kind_, base_});
-  }
-  void Close() {
-    text += "</" + open_.back().name + ">\r\n";
-    kind_ = open_.back().kind;
-    base_ = open_.back().base;
-    open_.pop_back();
+    return Load<T>(record.data() + at);
   }
   void Line(const std::string& name, const std::string& value) {
     text += name.empty() ? value : "<" + name + ">" + value + "</" + name + ">\r\n";
   }
   void Group(const std::string& name, uint32_t at, const std::string& outline) {
-    Open(name);
-    base_ = at;
-    kind_ = "f";
-    Walk(outline);
-    Close();
+    std::istringstream words(outline);
+    Element(name, "", words, at, "f");
+  }
+  // Up to the closing word of the outline, or its end.
+  void Element(const std::string& name, const std::string& attribute, std::istringstream& words,
+               uint32_t base, const std::string& kind) {
+    text += "<" + name + attribute + ">\r\n";
+    Walk(words, base, kind);
+    text += "</" + name + ">\r\n";
   }
 
-  void Spectrum(const std::string& phase, uint32_t at) {
-    const size_t slash = kind_.find('/');
+  void Spectrum(const std::string& phase, uint32_t at, const std::string& kind) {
+    const size_t slash = kind.find('/');
     unsigned entries = 0, on_disk = 0, written = 0;
-    std::sscanf(kind_.c_str() + slash, "/%u,%u,%u", &entries, &on_disk, &written);
+    std::sscanf(kind.c_str() + slash, "/%u,%u,%u", &entries, &on_disk, &written);
     std::vector<float> floats;
     for (uint32_t i = 0; i < entries * on_disk; ++i) {
       if (i % on_disk >= written) continue;
@@ -94,29 +71,30 @@ class Writer {
     std::string base64(floats.size() * 6, '\0');
     const char* end = Base64Encode(reinterpret_cast<const uint8_t*>(floats.data()),
                                    static_cast<uint32_t>(floats.size() * 4), base64.data());
-    Open(kind_.substr(0, slash), phase);
-    text += base64.substr(0, static_cast<size_t>(end - base64.data()));
-    Close();
+    const std::string name = kind.substr(0, slash);
+    text += "<" + name + " phase=\"" + phase + "\">\r\n";
+    text += base64.substr(0, static_cast<size_t>(end - base64.data())) + "</" + name + ">\r\n";
   }
 
-  // A value of the current kind; returns its size.
-  uint32_t OfKind(const std::string& name, uint32_t at) {
-    if (kind_ == "f") {
+  // A value of the kind that the outline names; returns its size.
+  uint32_t OfKind(const std::string& name, uint32_t at, const std::string& kind) {
+    const std::string number = kind.substr(kind.find('/') + 1);
+    if (kind == "f") {
       Line(name, FloatE(static_cast<double>(At<float>(at))));
-    } else if (kind_.rfind("i16/", 0) == 0) {
-      Line(name, FloatE(static_cast<double>(At<int16_t>(at) * std::stof(kind_.substr(4)))));
+    } else if (kind.rfind("i16/", 0) == 0) {
+      Line(name, FloatE(static_cast<double>(At<int16_t>(at) * std::stof(number))));
       return 2;
-    } else if (kind_.rfind("f32/", 0) == 0) {
-      Line(name, FloatE(static_cast<double>(At<float>(at) * std::stof(kind_.substr(4)))));
-    } else if (kind_.find('/') != std::string::npos) {
-      Spectrum(name, at);
+    } else if (kind.rfind("f32/", 0) == 0) {
+      Line(name, FloatE(static_cast<double>(At<float>(at) * std::stof(number))));
+    } else if (number != kind) {
+      Spectrum(name, at, kind);
     } else {
-      Group(name, at, kStatistics.at(kind_));
+      Group(name, at, kStatistics.at(kind));
     }
     return 4;
   }
 
-  uint32_t Value(const std::string& name, char mark, uint32_t at) {
+  uint32_t Value(const std::string& name, char mark, uint32_t at, const std::string& kind) {
     switch (mark) {
       case '#':
         return Line(name, std::to_string(At<int32_t>(at))), 4;
@@ -134,50 +112,46 @@ class Writer {
       case '^':
         return Group(name, at, "A:0 phase:4"), 8;
       default:
-        return OfKind(name, at);
+        return OfKind(name, at, kind);
     }
   }
 
-  void Take(const std::string& word) {
-    const size_t mark = word.find_first_of("{}[+@=:#,.%!~^");
-    const std::string name = word.substr(0, mark);
-    std::string rest = word.substr(mark + 1);
-    switch (word[mark]) {
-      case '{':
-        return Open(name);
-      case '[':
-        return Open(name, rest.substr(0, rest.find(']')));
-      case '}':
-        return Close();
-      case '+':
-        base_ = (open_.empty() ? 0 : open_.back().base) + static_cast<uint32_t>(std::stoul(rest));
-        return;
-      case '@':
-        kind_ = rest;
-        return;
-      case '=':
+  void Walk(std::istringstream& words, uint32_t base, std::string kind) {
+    uint32_t from = base;
+    for (std::string word; words >> word && word != "}";) {
+      const size_t mark = word.find_first_of("{[+@=:#,.%!~^");
+      const std::string name = word.substr(0, mark);
+      std::string rest = word.substr(mark + 1);
+      if (word[mark] == '{') {
+        Element(name, "", words, from, kind);
+      } else if (word[mark] == '[') {
+        Element(name, " phase=\"" + rest.substr(0, rest.find(']')) + "\"", words, from, kind);
+      } else if (word[mark] == '+') {
+        from = base + static_cast<uint32_t>(std::stoul(rest));
+      } else if (word[mark] == '@') {
+        kind = rest;
+      } else if (word[mark] == '=') {
         std::replace(rest.begin(), rest.end(), '~', ' ');
-        return Line(name, rest);
-      default:
-        break;
+        Line(name, rest);
+      } else {
+        const bool in_floats = kind.back() == '*';
+        const size_t times = rest.find('*');
+        uint32_t at = from + static_cast<uint32_t>(std::stoul(rest)) * (in_floats ? 4 : 1);
+        int left = times == std::string::npos ? 1 : std::stoi(rest.substr(times + 1));
+        for (; left > 0; --left) {
+          at += Value(name, word[mark], at, kind.substr(0, kind.size() - (in_floats ? 1 : 0)));
+        }
+      }
     }
-    const std::string kind = kind_;
-    const bool in_floats = kind.back() == '*';
-    if (in_floats) kind_.pop_back();
-    const size_t times = rest.find('*');
-    uint32_t at = base_ + static_cast<uint32_t>(std::stoul(rest)) * (in_floats ? 4 : 1);
-    for (int n = times == std::string::npos ? 1 : std::stoi(rest.substr(times + 1)); n > 0; --n) {
-      at += Value(name, word[mark], at);
-    }
-    kind_ = kind;
   }
 };
 
 }  // namespace
 
 std::string Expected(const Bytes& record, const std::string& outline) {
-  Writer writer(record);
-  writer.Walk(outline);
+  Writer writer{record};
+  std::istringstream words(outline);
+  writer.Walk(words, 0, "f");
   return writer.text;
 }
 

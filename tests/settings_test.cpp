@@ -3,7 +3,6 @@
 
 #include <cmath>
 #include <cstring>
-#include <functional>
 #include <limits>
 #include <sstream>
 
@@ -226,20 +225,11 @@ TEST(Validation, ZeroedStateGetsTheDefaults) {
   }
 }
 
-// One 32-bit word of the settings in, what it becomes.
-template <typename T>
-T Validated(size_t offset, T value, const std::function<void(UifParams*)>& also = {}) {
-  Tracked<InstrumentState> state;
-  if (also) also(&state->settings);
-  auto* at = reinterpret_cast<uint8_t*>(&state->settings) + offset;
-  Store(at, value);
-  ValidateSettings(state.get(), 0);
-  return Load<T>(at);
-}
-
-// A settings offset with # a 32-bit integer, . a byte or : a float there, and = what it becomes.
+// Settings by their offsets, with # a 32-bit integer, . a byte or : a float there; behind = what
+// the last one becomes where the others are as given. 20000 / 100 / sqrt(3) is 115.5 V at the
+// input.
 TEST(Validation, ValuesOutOfRange) {
-  std::istringstream words(R"(
+  std::istringstream rows(R"(
     8#400000=400000 8#400001=1 8#-1=1 12.9=2 13.9=7 14.0=1 16#52=50 16#57=55 16#300=400 596:49=50
     596:2000=1000 596:inf=50 600.1=3 604:nan=0 608:-inf=0 612:5=5 616#6=2 620#-1=2 624#5=5
     820:3001=3000 828:99.96=100 842.7=1 844#2=1 844#7=5 844#1000000=7200 848#2=2 848#3=1 856#1=2
@@ -249,55 +239,33 @@ TEST(Validation, ValuesOutOfRange) {
     1364#6=7 1364#5=5 1384#9=3 1392#4=4 1400#2=1 1504#1501=1500 1504#-5=200 2436:-0.1=0.03
     2440:0.6=0.25 2440:0.5=0.5 2448.2=0 2456#3=0 2560.2=0 2560.1=1 2564#9=1 2568#1001=1 2604#2=0
     2608#99=10000 2608#100=100 2612#100001=1000 2616#51=5 2688#2=0 2692#0=1 2696#100=100
-    2700#10001=1 2704#101=1 2732:0.5=1 2732:9=3)");
-  for (std::string word; words >> word;) {
-    const size_t mark = word.find_first_of("#.:"), equals = word.find('=');
-    const size_t at = std::stoul(word);
-    const std::string value = word.substr(mark + 1), becomes = word.substr(equals + 1);
-    if (word[mark] == ':') {
-      EXPECT_EQ(std::stof(becomes), Validated(at, std::stof(value))) << word;
-    } else if (word[mark] == '.') {
-      EXPECT_EQ(std::stoi(becomes), Validated(at, static_cast<uint8_t>(std::stoi(value)))) << word;
-    } else {
-      EXPECT_EQ(std::stoi(becomes), Validated(at, std::stoi(value))) << word;
+    2700#10001=1 2704#101=1 2732:0.5=1 2732:9=3
+    1020#1,1024#60=0 1020#20,1024#60=10 1020#20,2560.1,1024#60=2 1244#5,1252:112=110
+    16#60,820:1=80 13.2,1392#2=1 13.1,1392#2=2 596:136,4#99=0 596:230,4#99=1 596:400,4#99=2
+    13.4,596:400,4#99=1 13.6,596:50,4#99=2 13.4,8#100,2568#1,12.1,596:20000,4#99=0
+    13.6,596:5000=1000 13.7,596:5000=1732.0508)");
+  for (std::string row; rows >> row;) {
+    Tracked<InstrumentState> state;
+    Bytes expected;
+    size_t at = 0;
+    std::string setting;
+    for (std::istringstream settings(row); std::getline(settings, setting, ',');) {
+      const size_t mark = setting.find_first_of("#.:"), equals = setting.find('=');
+      at = std::stoul(setting);
+      const auto put = [&](const std::string& value, Bytes* to) {
+        if (setting[mark] == '#') to->Put(0, std::stoi(value));
+        if (setting[mark] == '.') to->Put(0, static_cast<uint8_t>(std::stoi(value)));
+        if (setting[mark] == ':') to->Put(0, std::stof(value));
+      };
+      Bytes given;
+      put(setting.substr(mark + 1), &given);
+      std::memcpy(reinterpret_cast<uint8_t*>(&state->settings) + at, given.data(), given.size());
+      if (equals != std::string::npos) put(setting.substr(equals + 1), &expected);
     }
+    ValidateSettings(state.get(), 0);
+    const auto* found = reinterpret_cast<const uint8_t*>(&state->settings) + at;
+    EXPECT_EQ(expected, Bytes(found, found + expected.size())) << row;
   }
-  EXPECT_EQ(110.0f, Validated(1252, 112.0f, [](UifParams* s) { s->wave.trigger = 5; }));
-  EXPECT_EQ(80.0f, Validated(820, 1.0f, [](UifParams* s) { s->system_frequency = 60; }));
-}
-
-TEST(Validation, SettingsThatDependOnOthers) {
-  const auto pretrigger = [](uint32_t duration, uint8_t reduced) {
-    return Validated(1024, uint32_t{60}, [=](UifParams* s) {
-      s->inrush.duration = duration;
-      s->reduced_lists = reduced;
-    });
-  };
-  EXPECT_EQ(0u, pretrigger(1, 0));
-  EXPECT_EQ(10u, pretrigger(20, 0));
-  EXPECT_EQ(2u, pretrigger(20, 1)) << "the duration is 5 at the most with reduced lists";
-  EXPECT_EQ(3u, Validated(1392, uint32_t{2}, [](UifParams* s) { s->connection = 2; }) +
-                    Validated(1392, uint32_t{2}));
-  const auto range = [](float volts, uint8_t connection, uint32_t primary) {
-    return Validated(4, uint32_t{99}, [=](UifParams* s) {
-      s->nominal_voltage = volts;
-      s->connection = connection;
-      s->voltage_ratio_prim = primary;
-      s->voltage_ratio_sec = 1;
-      s->trikot_star_factor_id = primary == 1 ? 0 : 1;
-    });
-  };
-  EXPECT_EQ(0u, range(136, 3, 1));
-  EXPECT_EQ(1u, range(230, 3, 1));
-  EXPECT_EQ(2u, range(400, 3, 1));
-  EXPECT_EQ(1u, range(400, 4, 1)) << "line to line";
-  EXPECT_EQ(2u, range(50, 6, 1)) << "inverter";
-  EXPECT_EQ(0u, range(20000, 4, 100)) << "20000 / 100 / sqrt(3) is 115.5 at the input";
-  const auto nominal = [](float volts, uint8_t connection) {
-    return Validated(596, volts, [=](UifParams* s) { s->connection = connection; });
-  };
-  EXPECT_FLOAT_EQ(1732.0508f, nominal(5000, 7));
-  EXPECT_FLOAT_EQ(1000.0f, nominal(5000, 6));
 }
 
 TEST(Validation, ListsAndLimits) {

@@ -76,9 +76,10 @@ std::string BodyOf(const std::string& document) {
   return "";
 }
 
-std::string InRecords(const std::string& records) {
-  return "<RECORDS>\r\n" + records + "</RECORDS>\r\n";
+std::string InElement(const std::string& name, const std::string& lines) {
+  return "<" + name + ">\r\n" + lines + "</" + name + ">\r\n";
 }
+std::string InRecords(const std::string& records) { return InElement("RECORDS", records); }
 
 void ExpectSame(const std::string& expected, const std::string& document) {
   if (expected == document) return;

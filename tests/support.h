@@ -51,7 +51,8 @@ std::string Converted(const Bytes& recording, QuorvexProgress progress = nullptr
 // before the root's end.
 std::string BodyOf(const std::string& document);
 
-// The list around records.
+// Lines with an element around them, and the list around records.
+std::string InElement(const std::string& name, const std::string& lines);
 std::string InRecords(const std::string& records);
 
 // Fails the running test with the first line that differs.

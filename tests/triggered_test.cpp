@@ -24,22 +24,22 @@ Bytes SignallingFile(std::initializer_list<int32_t> packets) {
 template <typename Read>
 std::string SignallingRecord(const Bytes& head, size_t packets, Read read) {
   const std::string entries = "0*" + std::to_string(packets) + " }";
-  std::string text =
+  const std::string params =
       Expected(head,
-               "SIGNALLING_RECORD{ SIGNALLING_PARAMS{ TIME_FIRST_PACKET!0 TIME_STEP:16 TRIGGER#20 "
-               "DURATION#28 PACKETS_NUM#32 TRESHOLD:24 FLAG#40 } SIGNALLING_DATA{ ");
+               "SIGNALLING_PARAMS{ TIME_FIRST_PACKET!0 TIME_STEP:16 TRIGGER#20 DURATION#28 "
+               "PACKETS_NUM#32 TRESHOLD:24 FLAG#40 }");
   Bytes times(16 * packets), levels(4 * packets), flags(4 * packets);
   read(&times);
-  text += Expected(times, "END_TIMES{ END_TIME!" + entries);
+  std::string data = Expected(times, "END_TIMES{ END_TIME!" + entries);
   for (const std::string input : {"U1", "U2", "U3", "U12", "U23", "U31"}) {
     for (const char* frequency : {"_SIG1", "_SIG2"}) {
       read(&levels);
-      text += Expected(levels, input + frequency + "{ U:" + entries);
+      data += Expected(levels, input + frequency + "{ U:" + entries);
     }
   }
   read(&flags);
-  return text + Expected(flags, "flags{ FLAG#" + entries) +
-         "</SIGNALLING_DATA>\r\n</SIGNALLING_RECORD>\r\n";
+  data += Expected(flags, "flags{ FLAG#" + entries);
+  return InElement("SIGNALLING_RECORD", params + InElement("SIGNALLING_DATA", data));
 }
 
 // The document of a file with one whole head at least, made the plain way: whole arrays in memory,
@@ -102,7 +102,7 @@ TEST(Transients, EntriesWithTheirSettings) {
   const size_t from = document.find("<UIF_PARAMS>");
   std::string settings = document.substr(from, document.find("<RECORDS>") - from);
   const auto entry = [&](const std::string& name) {
-    return Expected({}, "TRANSIENT_RECORD{ name=" + name) + settings + "</TRANSIENT_RECORD>\r\n";
+    return InElement("TRANSIENT_RECORD", Expected({}, "name=" + name) + settings);
   };
   EXPECT_EQ(InRecords(entry("part?1?")), BodyOf(document))
       << "an entry without settings shows the file's";
