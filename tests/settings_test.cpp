@@ -99,11 +99,26 @@ std::string BlockOf(const UifParams& settings, bool harmonics = false) {
   return text;
 }
 
-std::string ElementOf(const std::string& text, const std::string& name) {
-  const std::string open = "<" + name + ">";
-  const size_t at = text.find(open);
-  if (at == std::string::npos) return "no " + name;
-  return text.substr(at + open.size(), text.find('<', at + 1) - at - open.size());
+// A value at a settings offset: "16#50" an integer of 32 bits, "13.2" a byte, "604:0.5" a float and
+// "2584%0.5" a double.
+struct Setting {
+  size_t at = 0;
+  char mark = '#';
+  Bytes bytes = {};
+};
+Setting SettingOf(const std::string& text) {
+  const size_t mark = text.find_first_of("#.:%");
+  const std::string value = text.substr(mark + 1);
+  Setting setting{std::stoul(text), text[mark]};
+  if (text[mark] == '#') setting.bytes.Put(0, static_cast<int32_t>(std::stoll(value)));
+  if (text[mark] == '.') setting.bytes.Put(0, static_cast<uint8_t>(std::stoi(value)));
+  if (text[mark] == ':') setting.bytes.Put(0, std::stof(value));
+  if (text[mark] == '%') setting.bytes.Put(0, std::stod(value));
+  return setting;
+}
+void Apply(const Setting& setting, UifParams* to) {
+  std::copy(setting.bytes.begin(), setting.bytes.end(),
+            reinterpret_cast<uint8_t*>(to) + setting.at);
 }
 
 TEST(SettingsBlock, EveryFieldInWrittenOrder) {
@@ -120,74 +135,51 @@ TEST(SettingsBlock, EveryFieldInWrittenOrder) {
   ExpectSame(Expected(s, WholeBlock()), BlockOf(Load<UifParams>(s.data())));
 }
 
-TEST(SettingsBlock, HarmonicContentAndComponents) {
-  struct {
-    bool flag;
-    uint32_t profile, interval, frequency;
-    const char *content, *components;
-  } const cases[] = {
-      {false, 0, 600, 50, "156", "2251799813685247"}, {false, 0, 600, 55, "156", "2097151"},
-      {false, 0, 600, 400, "156", "16383"},           {false, 2, 600, 400, "72", "16383"},
-      {false, 5, 600, 55, "72", "2097151"},           {false, 5, 600, 60, "72", "2251799813685247"},
-      {false, 1, 600, 400, "72", "67108862"},         {false, 6, 900, 50, "72", "67108862"},
-      {true, 0, 600, 400, "64", "2199023255551"},     {true, 2, 900, 50, "64", "65535"},
-      {true, 0, 1, 50, "64", "2199023255551"}};
+// Elements that depend on several settings, by the recording's interval (844) and profile (976),
+// frequency (16), model family (2168), dealer (2144), position (2576 on) and probe ratio (2732).
+TEST(SettingsBlock, TextsMadeFromSettings) {
+  const struct {
+    bool quality;
+    const char *settings, *elements;
+  } cases[] = {
+      {false, "844#600 16#50", "HARM_CONTENT=156 HARM_COMPONENTS=2251799813685247"},
+      {false, "844#600 16#55", "HARM_CONTENT=156 HARM_COMPONENTS=2097151"},
+      {false, "844#600 16#400", "HARM_CONTENT=156 HARM_COMPONENTS=16383"},
+      {false, "976#2 844#600 16#400", "HARM_CONTENT=72 HARM_COMPONENTS=16383"},
+      {false, "976#5 844#600 16#60", "HARM_CONTENT=72 HARM_COMPONENTS=2251799813685247"},
+      {false, "976#1 844#600 16#400", "HARM_CONTENT=72 HARM_COMPONENTS=67108862"},
+      {false, "976#6 844#900 16#50", "HARM_CONTENT=72 HARM_COMPONENTS=67108862"},
+      {true, "844#600 16#400", "HARM_CONTENT=64 HARM_COMPONENTS=2199023255551"},
+      {true, "976#2 844#900 16#50", "HARM_CONTENT=64 HARM_COMPONENTS=65535"},
+      {false, "2144#8", "instrument_GS=GS~7100 instrument_name=Gridlog~4 cname=short"},
+      {false, "2168#1 2144#8", "instrument_GS=GW~7200 instrument_name=Grid~Sentry"},
+      {false, "2168#1 2144#16", "instrument_GS=GS~7300 instrument_name=Voltra~EX cname=short"},
+      {false, "2168#1 2144#18", "instrument_GS=GS~7300 instrument_name=Grid~Sentry cname=longer"},
+      {false, "2168#2 2144#16", "instrument_GS=GS~7400 instrument_name=Grid~Sentry~Pro"},
+      {false, "2168#-1 2144#18", "instrument_GS=GS~7400 instrument_name=Grid~Sentry~Pro"},
+      // A zero letter ends the text, and so does its width.
+      {false, "2593.0", "gps_position="},
+      {false, "2593.83 2584%nan", "gps_position=S~nan,~"},
+      {false, "2593.83 2584%1e300",
+       "gps_position=S~100000000000000005250476025520442024870446858110815915491585"
+       "41155118024579889081957863713750804478"},
+      {false, "2593.83 2596#1", "gps_position=Not~available"},
+      {false, "2732:-1e37", "PV_PROBE_RATIO=-2147483648"},
+      {false, "2732:3e9", "PV_PROBE_RATIO=-2147483648"},
+      {false, "2732:nan", "PV_PROBE_RATIO=-2147483648"},
+      {false, "2732:-2.9", "PV_PROBE_RATIO=-2"},
+  };
   for (const auto& c : cases) {
     UifParams s{};
-    s.profile = c.profile;
-    s.interval = c.interval;
-    s.system_frequency = c.frequency;
-    const std::string block = BlockOf(s, c.flag);
-    EXPECT_EQ(c.content, ElementOf(block, "HARM_CONTENT")) << c.flag << c.profile;
-    EXPECT_EQ(c.components, ElementOf(block, "HARM_COMPONENTS"))
-        << c.flag << ' ' << c.profile << ' ' << c.interval << ' ' << c.frequency;
-  }
-}
-
-TEST(SettingsBlock, ModelsAndNamesByDealer) {
-  struct {
-    uint32_t family;
-    uint16_t dealer;
-    const char *code, *name, *cname;
-  } const cases[] = {{0, 8, "GS 7100", "Gridlog 4", "short"},
-                     {1, 8, "GW 7200", "Grid Sentry", "short"},
-                     {1, 16, "GS 7300", "Voltra EX", "short"},
-                     {1, 18, "GS 7300", "Grid Sentry", "a much longer name"},
-                     {2, 16, "GS 7400", "Grid Sentry Pro", "short"},
-                     {0xFFFFFFFF, 18, "GS 7400", "Grid Sentry Pro", "a much longer name"}};
-  for (const auto& c : cases) {
-    UifParams s{};
-    s.model_family = c.family;
-    s.ee_dealer = c.dealer;
     std::memcpy(s.cname_short, "short", 6);
-    std::memcpy(s.cname_long, "a much longer name", 18);
-    const std::string block = BlockOf(s);
-    EXPECT_EQ(c.code, ElementOf(block, "instrument_GS")) << c.family << ' ' << c.dealer;
-    EXPECT_EQ(c.name, ElementOf(block, "instrument_name")) << c.family << ' ' << c.dealer;
-    EXPECT_EQ(c.cname, ElementOf(block, "cname")) << c.dealer;
+    std::memcpy(s.cname_long, "longer", 7);
+    std::istringstream settings(c.settings), elements(c.elements);
+    for (std::string setting; settings >> setting;) Apply(SettingOf(setting), &s);
+    const std::string block = BlockOf(s, c.quality);
+    for (std::string element; elements >> element;) {
+      EXPECT_EQ(1u, CountOf(block, Expected({}, element))) << c.settings << ": " << element;
+    }
   }
-}
-
-TEST(SettingsBlock, PositionsAndRatiosOutOfRange) {
-  UifParams s{};
-  EXPECT_EQ("", ElementOf(BlockOf(s), "gps_position")) << "a zero letter ends the text";
-  s.latitude_letter = 'S';
-  s.latitude = 1e300;
-  s.longitude_letter = 'W';
-  const std::string position = ElementOf(BlockOf(s), "gps_position");
-  EXPECT_EQ(100u, position.size());
-  EXPECT_EQ("S 1000000000000000", position.substr(0, 18));
-  s.latitude = std::numeric_limits<double>::quiet_NaN();
-  s.longitude_letter = '\0';
-  EXPECT_EQ("S nan, ", ElementOf(BlockOf(s), "gps_position"));
-  s.no_position = 1;
-  EXPECT_EQ("Not available", ElementOf(BlockOf(s), "gps_position"));
-  for (const float ratio : {kNone, 3e9f, -INFINITY, NAN}) {
-    s.pv_probe_ratio = ratio;
-    EXPECT_EQ("-2147483648", ElementOf(BlockOf(s), "PV_PROBE_RATIO")) << ratio;
-  }
-  s.pv_probe_ratio = -2.9f;
-  EXPECT_EQ("-2", ElementOf(BlockOf(s), "PV_PROBE_RATIO"));
 }
 
 // What is not zero any more, by state offset (the settings start at 119840); the rest of the record
@@ -225,9 +217,8 @@ TEST(Validation, ZeroedStateGetsTheDefaults) {
   }
 }
 
-// Settings by their offsets, with # a 32-bit integer, . a byte or : a float there; behind = what
-// the last one becomes where the others are as given. 20000 / 100 / sqrt(3) is 115.5 V at the
-// input.
+// Settings, and behind = what the last one becomes where the others are as given. 20000 / 100 /
+// sqrt(3) is 115.5 V at the input.
 TEST(Validation, ValuesOutOfRange) {
   std::istringstream rows(R"(
     8#400000=400000 8#400001=1 8#-1=1 12.9=2 13.9=7 14.0=1 16#52=50 16#57=55 16#300=400 596:49=50
@@ -246,25 +237,18 @@ TEST(Validation, ValuesOutOfRange) {
     13.6,596:5000=1000 13.7,596:5000=1732.0508)");
   for (std::string row; rows >> row;) {
     Tracked<InstrumentState> state;
-    Bytes expected;
-    size_t at = 0;
-    std::string setting;
-    for (std::istringstream settings(row); std::getline(settings, setting, ',');) {
-      const size_t mark = setting.find_first_of("#.:"), equals = setting.find('=');
-      at = std::stoul(setting);
-      const auto put = [&](const std::string& value, Bytes* to) {
-        if (setting[mark] == '#') to->Put(0, std::stoi(value));
-        if (setting[mark] == '.') to->Put(0, static_cast<uint8_t>(std::stoi(value)));
-        if (setting[mark] == ':') to->Put(0, std::stof(value));
-      };
-      Bytes given;
-      put(setting.substr(mark + 1), &given);
-      std::memcpy(reinterpret_cast<uint8_t*>(&state->settings) + at, given.data(), given.size());
-      if (equals != std::string::npos) put(setting.substr(equals + 1), &expected);
+    const size_t equals = row.find('=');
+    Setting last;
+    std::istringstream settings(row.substr(0, equals));
+    for (std::string setting; std::getline(settings, setting, ',');) {
+      last = SettingOf(setting);
+      Apply(last, &state->settings);
     }
     ValidateSettings(state.get(), 0);
-    const auto* found = reinterpret_cast<const uint8_t*>(&state->settings) + at;
-    EXPECT_EQ(expected, Bytes(found, found + expected.size())) << row;
+    const auto* found = reinterpret_cast<const uint8_t*>(&state->settings) + last.at;
+    EXPECT_EQ(SettingOf("0" + (last.mark + row.substr(equals + 1))).bytes,
+              Bytes(found, found + last.bytes.size()))
+        << row;
   }
 }
 
