@@ -41,6 +41,7 @@ struct Writer {
 
   template <typename T>
   T At(uint32_t at) const {
+    (void)record.at(at + sizeof(T) - 1);  // a mistaken outline fails
     return Load<T>(record.data() + at);
   }
   void Line(const std::string& name, const std::string& value) {

@@ -1,9 +1,8 @@
 // The settings block, the settings check and the companion setting file.
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <algorithm>
 #include <cstring>
-#include <limits>
 #include <sstream>
 
 #include "outline.h"
@@ -99,28 +98,6 @@ std::string BlockOf(const UifParams& settings, bool harmonics = false) {
   return text;
 }
 
-// A value at a settings offset: "16#50" an integer of 32 bits, "13.2" a byte, "604:0.5" a float and
-// "2584%0.5" a double.
-struct Setting {
-  size_t at = 0;
-  char mark = '#';
-  Bytes bytes = {};
-};
-Setting SettingOf(const std::string& text) {
-  const size_t mark = text.find_first_of("#.:%");
-  const std::string value = text.substr(mark + 1);
-  Setting setting{std::stoul(text), text[mark]};
-  if (text[mark] == '#') setting.bytes.Put(0, static_cast<int32_t>(std::stoll(value)));
-  if (text[mark] == '.') setting.bytes.Put(0, static_cast<uint8_t>(std::stoi(value)));
-  if (text[mark] == ':') setting.bytes.Put(0, std::stof(value));
-  if (text[mark] == '%') setting.bytes.Put(0, std::stod(value));
-  return setting;
-}
-void Apply(const Setting& setting, UifParams* to) {
-  std::copy(setting.bytes.begin(), setting.bytes.end(),
-            reinterpret_cast<uint8_t*>(to) + setting.at);
-}
-
 TEST(SettingsBlock, EveryFieldInWrittenOrder) {
   Bytes s = Filled(kSettingsSize);
   for (size_t clamp = 20; clamp <= 452; clamp += 144) {
@@ -170,11 +147,10 @@ TEST(SettingsBlock, TextsMadeFromSettings) {
       {false, "2732:-2.9", "PV_PROBE_RATIO=-2"},
   };
   for (const auto& c : cases) {
-    UifParams s{};
+    auto s = Load<UifParams>(Bytes(kSettingsSize).PutSettings(0, c.settings).data());
     std::memcpy(s.cname_short, "short", 6);
     std::memcpy(s.cname_long, "longer", 7);
-    std::istringstream settings(c.settings), elements(c.elements);
-    for (std::string setting; settings >> setting;) Apply(SettingOf(setting), &s);
+    std::istringstream elements(c.elements);
     const std::string block = BlockOf(s, c.quality);
     for (std::string element; elements >> element;) {
       EXPECT_EQ(1u, CountOf(block, Expected({}, element))) << c.settings << ": " << element;
@@ -236,19 +212,17 @@ TEST(Validation, ValuesOutOfRange) {
     13.4,596:400,4#99=1 13.6,596:50,4#99=2 13.4,8#100,2568#1,12.1,596:20000,4#99=0
     13.6,596:5000=1000 13.7,596:5000=1732.0508)");
   for (std::string row; rows >> row;) {
+    std::replace(row.begin(), row.end(), ',', ' ');
+    const size_t equals = row.find('='), last = row.rfind(' ') + 1;
+    const std::string place = row.substr(last, row.find_first_of("#.:", last) + 1 - last);
     Tracked<InstrumentState> state;
-    const size_t equals = row.find('=');
-    Setting last;
-    std::istringstream settings(row.substr(0, equals));
-    for (std::string setting; std::getline(settings, setting, ',');) {
-      last = SettingOf(setting);
-      Apply(last, &state->settings);
-    }
+    Bytes settings(kSettingsSize);
+    settings.PutSettings(0, row.substr(0, equals));
+    state->settings = Load<UifParams>(settings.data());
     ValidateSettings(state.get(), 0);
-    const auto* found = reinterpret_cast<const uint8_t*>(&state->settings) + last.at;
-    EXPECT_EQ(SettingOf("0" + (last.mark + row.substr(equals + 1))).bytes,
-              Bytes(found, found + last.bytes.size()))
-        << row;
+    const auto* found = reinterpret_cast<const uint8_t*>(&state->settings);
+    settings.assign(found, found + kSettingsSize);
+    EXPECT_TRUE(Bytes(settings).PutSettings(0, place + row.substr(equals + 1)) == settings) << row;
   }
 }
 

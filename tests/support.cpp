@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <sstream>
 
 #include "support/memory.h"
 
@@ -16,6 +17,19 @@ Bytes& Bytes::PutTime(size_t at, int year, int month, int day, int hour, int min
   const auto byte = [](int value) { return static_cast<uint8_t>(value); };
   Put(at, static_cast<uint16_t>(year)).Put(at + 2, byte(month)).Put(at + 3, byte(day));
   return Put(at + 4, byte(hour)).Put(at + 5, byte(minute)).Put(at + 8, seconds);
+}
+
+Bytes& Bytes::PutSettings(size_t at, const std::string& settings) {
+  std::istringstream words(settings);
+  for (std::string word; words >> word;) {
+    const size_t mark = word.find_first_of("#.:%"), place = at + std::stoul(word);
+    const std::string value = word.substr(mark + 1);
+    if (word[mark] == '#') Put(place, static_cast<int32_t>(std::stoll(value)));
+    if (word[mark] == '.') Put(place, static_cast<uint8_t>(std::stoi(value)));
+    if (word[mark] == ':') Put(place, std::stof(value));
+    if (word[mark] == '%') Put(place, std::stod(value));
+  }
+  return *this;
 }
 
 Bytes& Bytes::PutText(size_t at, const std::string& text) {

@@ -26,6 +26,9 @@ struct Bytes : std::vector<uint8_t> {
     return *this;
   }
   Bytes& PutTime(size_t at, int year, int month, int day, int hour, int minute, double seconds);
+  // Settings by their offsets from `at`: "16#50" an integer of 32 bits, "13.2" a byte, "604:0.5" a
+  // float and "2584%0.5" a double.
+  Bytes& PutSettings(size_t at, const std::string& settings);
   Bytes& PutText(size_t at, const std::string& text);
   Bytes& PutBytes(size_t at, const Bytes& bytes);
   Bytes& PadTo(size_t size);
