@@ -26,14 +26,6 @@ Bytes Recording(const Settings& settings, std::initializer_list<Bytes> records =
   return file;
 }
 
-std::string RecordsOf(const std::string& document) {
-  const std::string body = BodyOf(document);
-  const std::string open = "<RECORDS>\r\n", close = "</RECORDS>\r\n";
-  EXPECT_EQ(open, body.substr(0, open.size()));
-  EXPECT_EQ(close, body.substr(body.size() - close.size()));
-  return body.substr(open.size(), body.size() - open.size() - close.size());
-}
-
 // Outlines of the groups and of the three records.
 
 std::string VoltagesAndCurrents(bool reduced) {
@@ -158,7 +150,7 @@ TEST(General, WholeRecordsOfEachLayoutAndConnection) {
         const std::string outline = profile == 0   ? FullRecord(s)
                                     : profile == 1 ? kCompactRecord
                                                    : StandardRecord(s);
-        ExpectSame(Expected(record, outline), RecordsOf(Converted(Recording(s, {record}))));
+        ExpectSame(InRecords(Expected(record, outline)), BodyOf(Converted(Recording(s, {record}))));
         ASSERT_FALSE(HasFailure()) << profile << ' ' << int{connection} << ' ' << int{reduced};
       }
     }
@@ -185,7 +177,7 @@ TEST(General, TenSecondFrequencies) {
   for (const auto& c : cases) {
     Bytes record;
     record.Put(1936, c.stored).PadTo(kFull);
-    const std::string text = RecordsOf(Converted(Recording({0}, {record})));
+    const std::string text = Converted(Recording({0}, {record}));
     EXPECT_EQ(c.written, CountOf(text, "<freq>")) << c.stored;
     EXPECT_EQ(c.written == 0, text.find("<freq10s>\r\n</freq10s>\r\n") != std::string::npos);
   }
@@ -208,7 +200,7 @@ std::string ConvertedRange(const Bytes& file, uint32_t first, uint32_t last, boo
                           progress ? OnProgress : nullptr);
   EXPECT_EQ(before, TrackedBytes());
   std::string numbers;
-  const std::string records = RecordsOf(ReadFile(output));
+  const std::string records = ReadFile(output);
   const std::string tag = "<U phase=\"u1\">\r\n<rms>\r\n<rms>";
   for (size_t at = 0; (at = records.find(tag, at)) != std::string::npos;) {
     at += tag.size();
