@@ -34,14 +34,6 @@ const fs::path& Folder() {
   return folder;
 }
 
-std::string Put(const std::vector<uint8_t>& bytes) {
-  const std::string path = (Folder() / "R0001X.REC").string();
-  std::ofstream(path, std::ios::binary)
-      .write(reinterpret_cast<const char*>(bytes.data()),
-             static_cast<std::streamsize>(bytes.size()));
-  return path;
-}
-
 size_t OpenFiles() {
   std::error_code none;
   const fs::directory_iterator open("/proc/self/fd", none);
@@ -59,6 +51,21 @@ void CutNames(std::string* text) {
     const size_t end = text->find("</NAME>", at);
     if (end != std::string::npos) text->erase(at + 6, end - at - 6);
   }
+}
+
+}  // namespace
+
+std::string InFolder(const std::string& name) { return (Folder() / name).string(); }
+
+void WriteFile(const std::string& path, const std::vector<uint8_t>& bytes) {
+  std::ofstream(path, std::ios::binary)
+      .write(reinterpret_cast<const char*>(bytes.data()),
+             static_cast<std::streamsize>(bytes.size()));
+}
+
+std::string ReadFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 std::string StructureProblem(std::string text) {
@@ -83,11 +90,9 @@ std::string StructureProblem(std::string text) {
   return open.empty() ? "" : open.back() + " stays open";
 }
 
-}  // namespace
-
 std::string ConversionProblem(const std::vector<uint8_t>& recording, bool with_progress) {
-  const std::string input = Put(recording);
-  const std::string output = (Folder() / "document.xml").string();
+  const std::string input = InFolder("R0001X.REC"), output = InFolder("document.xml");
+  WriteFile(input, recording);
   fs::remove(output);
   const uint32_t tracked = TrackedBytes();
   const size_t open_files = OpenFiles();
@@ -96,8 +101,7 @@ std::string ConversionProblem(const std::vector<uint8_t>& recording, bool with_p
   if (TrackedBytes() != tracked) return "tracked memory does not come back";
   if (OpenFiles() != open_files) return "a file stays open";
   if (!fs::exists(output)) return "";
-  std::ifstream file(output, std::ios::binary);
-  const std::string document(std::istreambuf_iterator<char>(file), {});
+  const std::string document = ReadFile(output);
   if (document.size() > kMostTimes * recording.size() + kMostBeyond) {
     return "a document of " + std::to_string(document.size()) + " bytes from " +
            std::to_string(recording.size());
@@ -106,7 +110,8 @@ std::string ConversionProblem(const std::vector<uint8_t>& recording, bool with_p
 }
 
 std::string QueryProblem(const std::vector<uint8_t>& recording) {
-  const std::string input = Put(recording);
+  const std::string input = InFolder("R0001X.REC");
+  WriteFile(input, recording);
   const uint32_t tracked = TrackedBytes();
   char text[512];
   std::memset(text, 'x', sizeof text);

@@ -12,6 +12,15 @@ namespace quorvex::fuzz {
 constexpr uint64_t kMostTimes = 512;
 constexpr uint64_t kMostBeyond = 1 << 20;
 
+// A file in a folder of this process's own, which is removed at its end.
+std::string InFolder(const std::string& name);
+void WriteFile(const std::string& path, const std::vector<uint8_t>& bytes);
+// Empty where there is no such file.
+std::string ReadFile(const std::string& path);
+
+// Says where a document opens or closes an element out of turn; empty where it does not.
+std::string StructureProblem(std::string document);
+
 // Converts the bytes as a recording and says what is wrong with the outcome; empty where nothing
 // is. `with_progress` asks for progress and stops after some calls.
 std::string ConversionProblem(const std::vector<uint8_t>& recording, bool with_progress);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
-#include <limits>
 
 #include "settings/settings_table.h"
 #include "support/loads.h"
@@ -17,48 +16,21 @@ uint32_t Below(uint32_t bound, std::mt19937* random) {
 }
 
 uint32_t WordFor(size_t file_size, std::mt19937* random) {
-  const uint32_t words[] = {0,
-                            1,
-                            2,
-                            7,
-                            8,
-                            0xFFFFFFFF,
-                            0x7FFFFFFF,
-                            0x80000000,
-                            90,
-                            91,
-                            330,
-                            331,
-                            1500,
-                            2048,
-                            2049,
-                            static_cast<uint32_t>(file_size),
-                            static_cast<uint32_t>(file_size) + 1,
-                            std::bit_cast<uint32_t>(kNoValue),
-                            0x7F800000,
-                            0xFF800000,
-                            0x7FC00000,
-                            0xFFC00001,
-                            0x00000001,
-                            0x007FFFFF,
-                            0x4F000000,
-                            std::bit_cast<uint32_t>(9999999.5f)};
+  const auto size = static_cast<uint32_t>(file_size);
+  constexpr auto kNone = std::bit_cast<uint32_t>(kNoValue);
+  constexpr auto kManyDigits = std::bit_cast<uint32_t>(9999999.5f);
+  const uint32_t words[] = {0,           1,          2,          7,          8,
+                            90,          91,         330,        331,        1500,
+                            2048,        2049,       size,       size + 1,   kNone,
+                            kManyDigits, 0xFFFFFFFF, 0x7FFFFFFF, 0x80000000, 0x7F800000,
+                            0xFF800000,  0x7FC00000, 0xFFC00001, 0x007FFFFF, 0x4F000000};
   const uint32_t pick = Below(static_cast<uint32_t>(std::size(words)) + 4, random);
   return pick < std::size(words) ? words[pick] : static_cast<uint32_t>((*random)());
 }
 
 double DoubleFor(std::mt19937* random) {
-  const double doubles[] = {0.0,
-                            -0.0,
-                            kNoValueDouble,
-                            59.9999999,
-                            -1.5,
-                            1e300,
-                            -1e300,
-                            2147483648.0,
-                            1e-310,
-                            std::numeric_limits<double>::infinity(),
-                            std::numeric_limits<double>::quiet_NaN()};
+  const double doubles[] = {0.0,    -0.0,         -1.5,           59.9999999, 1e300, -1e300,
+                            1e-310, 2147483648.0, kNoValueDouble, HUGE_VAL,   NAN};
   return doubles[Below(static_cast<uint32_t>(std::size(doubles)), random)];
 }
 

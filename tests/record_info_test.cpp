@@ -34,11 +34,10 @@ std::string InfoOf(const Bytes& recording, const std::string& name = "L0001X.REC
   return text;
 }
 
-constexpr size_t kSettingsAt = 8;
 Bytes HeadWith(uint32_t type, size_t start_at, size_t end_at) {
   Bytes head = HeadOf(type);
-  head.PutTime(kSettingsAt + start_at, 2024, 3, 7, 14, 5, 9.1237);
-  return head.PutTime(kSettingsAt + end_at, 2024, 12, 31, 23, 59, 59.9999);
+  head.PutTime(8 + start_at, 2024, 3, 7, 14, 5, 9.1237);
+  return head.PutTime(8 + end_at, 2024, 12, 31, 23, 59, 59.9999);
 }
 constexpr char kTimes[] = " '07.Mar.2024 14:05:09.123' '31.Dec.2024 23:59:59.999'";
 
@@ -57,60 +56,47 @@ TEST(RecordInfo, PeriodicRecordings) {
   };
   for (const auto& c : cases) {
     Bytes file = HeadWith(c.type, 872, 904);
-    file.Put(kSettingsAt + 976, c.profile).Put(kSettingsAt + 844, c.interval);
+    file.Put(8 + 976, c.profile).Put(8 + 844, c.interval);
     file.PadTo(3072 + c.records_size);
     EXPECT_EQ(std::to_string(c.type) + " '07.Mar.2024 14:05:09.123' " + c.end_and_interval,
               InfoOf(file));
   }
   Bytes settings = HeadWith(9, 872, 904);
-  WriteFile(InFolder("L0001PAR.REC"), settings.Put<uint32_t>(kSettingsAt + 844, 61));
+  WriteFile(InFolder("L0001PAR.REC"), settings.PutSettings(8, "844#61"));
   EXPECT_EQ(std::string("16") + kTimes + " '1 Min 1 s'", InfoOf(HeadOf(16)));
   EXPECT_EQ("4", InfoOf(HeadOf(4)) + "4") << "a type without a description";
   std::remove(InFolder("L0001PAR.REC").c_str());
 }
 
-Bytes WithClampAndVoltage(Bytes file) {
-  file.Put(kSettingsAt + 596, 230.0f).Put<uint8_t>(kSettingsAt + 121, 1);
-  return file.Put(kSettingsAt + 128, 10.0f).Put<int32_t>(kSettingsAt + 132, 50);  // 5 A
-}
-
 TEST(RecordInfo, TriggeredRecordings) {
-  Bytes wave = WithClampAndVoltage(HeadWith(2, 1280, 1312));
-  wave.Put(kSettingsAt + 1252, 110.0f).Put<uint32_t>(kSettingsAt + 1256, 2);
-  wave.Put<uint32_t>(kSettingsAt + 1260, 90061).Put<uint32_t>(kSettingsAt + 1264, 0);
+  const std::string clamp_and_voltage = "596:230 121.1 128:10 132#50 ";  // 5 A
+  const std::string wave = clamp_and_voltage + "1252:110 1256#2 1260#90061 1264#0 1244#";
+  const std::string inrush = clamp_and_voltage + "1012:10 1016#4 1020#7200 1024#60 2444#-1";
+  const std::string series = "1372:12.5 1376#10 1380#2 1364#";
   const std::string durations = " ' 1 days 01 hours 1 Min 1 s' '0 s'";
-  const std::pair<uint32_t, const char*> triggers[] = {{1, " 'Manual' '-' '-'"},
-                                                       {5, " 'Level U' '110.0% (253.0V)' 'Fall'"},
-                                                       {6, " 'Level I' '110.0% (5.500A)' 'Fall'"},
-                                                       {7, " 'Envelope' '-' '-'"},
-                                                       {99, " '' '-' '-'"}};
-  for (const auto& [trigger, text] : triggers) {
-    EXPECT_EQ(std::string("2") + kTimes + text + durations,
-              InfoOf(wave.Put(kSettingsAt + 1244, trigger)));
+  const struct {
+    uint32_t type;
+    size_t start_at, end_at;
+    std::string settings, text;
+  } cases[] = {
+      {2, 1280, 1312, wave + "1", " 'Manual' '-' '-'" + durations},
+      {2, 1280, 1312, wave + "5", " 'Level U' '110.0% (253.0V)' 'Fall'" + durations},
+      {2, 1280, 1312, wave + "6", " 'Level I' '110.0% (5.500A)' 'Fall'" + durations},
+      {2, 1280, 1312, wave + "7", " 'Envelope' '-' '-'" + durations},
+      {2, 1280, 1312, wave + "99", " '' '-' '-'" + durations},
+      {14, 1032, 1064, inrush, " '10.0% (500.0mA)' '' '02 hours ' '1 Min ' -1"},
+      {17, 1472, 1488, series + "7", " 'Envelope' '12.50V' '10 periods' '2 periods'"},
+      {17, 1472, 1488, series + "5", " 'Level U' '-' '10 periods' '2 periods'"},
+      // In stored order U, UN, I, IN and the envelopes alike; in the line level and envelope in
+      // turn.
+      {5, 1472, 1488,
+       "1404:400 1408:0.05 1412:12500 1416:-1e37 1420:60 1424:20 1428:0.25 1432:1e30",
+       " '' '400.0V' '60.00V' '50.00mV' '20.00V' '12.50kA' '250.0mA' '-' '>999.9kA'"},
+  };
+  for (const auto& c : cases) {
+    Bytes file = HeadWith(c.type, c.start_at, c.end_at).PutSettings(8, c.settings);
+    EXPECT_EQ(std::to_string(c.type) + kTimes + c.text, InfoOf(file));
   }
-
-  Bytes inrush = WithClampAndVoltage(HeadWith(14, 1032, 1064));
-  inrush.Put(kSettingsAt + 1012, 10.0f).Put<uint32_t>(kSettingsAt + 1016, 4);
-  inrush.Put<uint32_t>(kSettingsAt + 1020, 7200).Put<uint32_t>(kSettingsAt + 1024, 60);
-  inrush.Put<uint32_t>(kSettingsAt + 2444, 0xFFFFFFFF);
-  EXPECT_EQ(std::string("14") + kTimes + " '10.0% (500.0mA)' '' '02 hours ' '1 Min ' -1",
-            InfoOf(inrush));
-
-  Bytes series = HeadWith(17, 1472, 1488);
-  series.Put<uint32_t>(kSettingsAt + 1364, 7).Put(kSettingsAt + 1372, 12.5f);
-  series.Put<uint32_t>(kSettingsAt + 1376, 10).Put<uint32_t>(kSettingsAt + 1380, 2);
-  EXPECT_EQ(std::string("17") + kTimes + " 'Envelope' '12.50V' '10 periods' '2 periods'",
-            InfoOf(series));
-  series.Put<uint32_t>(kSettingsAt + 1364, 5);
-  EXPECT_EQ(std::string("17") + kTimes + " 'Level U' '-' '10 periods' '2 periods'", InfoOf(series));
-
-  // In stored order U, UN, I, IN and the envelopes alike; in the line level and envelope in turn.
-  Bytes capture = HeadWith(5, 1472, 1488);
-  const float levels[] = {400, 0.05f, 12500, kNone, 60, 20, 0.25f, 1e30f};
-  for (size_t i = 0; i < 8; ++i) capture.Put(kSettingsAt + 1404 + 4 * i, levels[i]);
-  EXPECT_EQ(std::string("5") + kTimes +
-                " '' '400.0V' '60.00V' '50.00mV' '20.00V' '12.50kA' '250.0mA' '-' '>999.9kA'",
-            InfoOf(capture));
 }
 
 TEST(RecordInfo, RecordingsWithTimesInTheirRecords) {
@@ -142,7 +128,7 @@ TEST(RecordInfo, NamesAndDamagedFiles) {
   for (const uint32_t type : {1u, 2u, 5u, 6u, 14u, 16u, 17u, 18u}) {
     Bytes damaged(3072, 0xFF);
     Bytes huge(3072, 0x7E);  // floats of 1e38, doubles of 1e300
-    huge.Put(kSettingsAt + 1244, 6u).Put(4, type);
+    huge.Put(8 + 1244, 6u).Put(4, type);
     EXPECT_NE("", InfoOf(damaged.Put(4, type)));
     EXPECT_NE("", InfoOf(huge));
   }
@@ -162,9 +148,8 @@ TEST(TimeTexts, CalendarAndParts) {
     time.PutTime(0, c.year, c.month, c.day, 23, 59, 59.5);
     auto moved = Load<DateTimeRecord>(time.data());
     AddSeconds(&moved, 86400 * c.days);
-    const auto text = [&](BoundedText* to) { DateTimeText(moved, TimeDetail::kMinutes, to); };
-    EXPECT_EQ(c.text + std::string(" 23:59"), TextOf(text));
-    EXPECT_EQ(59.5, moved.seconds);
+    const auto text = [&](BoundedText* to) { DateTimeText(moved, TimeDetail::kMilliseconds, to); };
+    EXPECT_EQ(c.text + std::string(" 23:59:59.500"), TextOf(text));
   }
   for (const auto& [duration, text] : {std::pair{59u, "59 s"},
                                        {3605u, "01 hours 5 s"},

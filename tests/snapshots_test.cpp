@@ -1,91 +1,114 @@
-// Snapshots: a whole record, the channels of every connection, counts and files cut short.
+// Snapshots and live results: whole documents of every connection, counts and files cut short.
 #include <gtest/gtest.h>
 
-#include "record_sketch.h"
+#include <algorithm>
+#include <vector>
+
+#include "outline.h"
 
 namespace quorvex::test {
 namespace {
 
+const std::string kEnergies = "Ep_p%0 Ep_m%8 Eq_p%16 Eq_m%24 Es_p%32 Es_m%40 ";
+const std::string kTotalPower =
+    "P:0 Se:12 Sv:8 Sa:20 Q:4 Qa:16 PFe~24 PFv~32 PFa~40 PpFund:48 SpFund:60 SeFund:56 SfundU:64 "
+    "QpFund:52 LUfund:100 Pfund:112 QvFund:104 SvFund:68 PFvFund~84 QaFund:108 SaFund:72 "
+    "PFaFund~92 tgF~144 PFpFund~76 Ph:116 SeN:132 DeI:120 DeV:124 DeH:128 SeH:136 HP:140 ";
+const std::string kPhasePower =
+    "P:0 S:4 Q:8 PF~12 Pfund:20 Sfund:28 Qfund:24 DPF~32 Ph:40 Sh:44 Sn:48 Di:52 Dv:56 Dh:60 HP:64 "
+    "tgF~68 ";
+const std::string kSymmetry =
+    "Uo^0 Io^8 Up^16 Ip^24 Um^32 Im^40 SYM_Um:48 SYM_Uo:52 SYM_Im:56 SYM_Io:60 } ";
+const std::string kReading = "VALUE:0 PHASE_NUMBER#8 TIME_STAMP!16 } ";
+
+std::string At(size_t at) { return "{ +" + std::to_string(at) + " "; }
+
+// Since the start, running and last.
+std::string Periods(const std::string& name, size_t at, size_t step, const std::string& powers,
+                    size_t energies) {
+  std::string outline;
+  for (const char* period : {"", "_CURRENT", "_LAST"}) {
+    outline += name + period + At(at) + powers + "+" + std::to_string(at + energies) + " " +
+               kEnergies + "} ";
+    at += step;
+  }
+  return outline;
+}
+std::string Totals(size_t at) { return Periods("POWER_ENERGY_TOTAL", at, 208, kTotalPower, 152); }
+
+// A channel's block with two samples a scope, scaled as ScaledHead() has it; the neutral's own
+// range is asked in live results only.
+std::string Channel(const std::string& label, size_t at, bool live, bool flicker) {
+  const std::string scales[][2] = {{"1.25", "1.25"}, {"2.5", "2.5"}, {"5", "5"}};
+  const std::string neutral[] = {"0.625", live ? "20" : "10"};
+  const char second = label[1];
+  const std::string* scale = second >= '1' && second <= '3' ? scales[second - '1'] : neutral;
+  return label + At(at) +
+         "UL:4 THD_U:8 THD_U_PR:12 CF_U:16 PEAK_U:20 MAX12_U:24 MIN12_U:28 PHASE_U:32 IL:36 "
+         "THD_I:40 THD_I_PR:44 CF_I:48 PEAK_I:52 MAX12_I:56 MIN12_I:60 PHASE_I:64 " +
+         (live ? "K:9576 " : "") + "f_sampl:68 f_200ms:72 f_10s:76 SCOPE_U{ @i16/" + scale[0] +
+         " v:80*2 } SCOPE_I{ @i16/" + scale[1] + " v:4176*2 } " +
+         Periods("POWER_ENERGY", 8272, 144, kPhasePower, 80) +
+         "HARM_U{ v:8704*51 } HARM_I{ v:8908*51 } INTER_HARM_U{ v:9112*51 } "
+         "INTER_HARM_I{ v:9316*51 } " +
+         (flicker ? "FLICKER{ P_INST:9520 P_ST:9524 P_LT:9528 P_ST_1MIN:9532 } " : "") + "} ";
+}
+
 constexpr size_t kChannels = 32 + 832 + 4 + 2880;
 
-size_t CountIn(const std::string& text, const std::string& what) {
-  size_t count = 0;
-  for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) ++count;
-  return count;
-}
+// By connection code.
+const std::vector<std::string> kLabels[] = {{},
+                                            {"L1", "N"},
+                                            {"L12", "L23", "L31"},
+                                            {"L1", "L2", "L3", "N"},
+                                            {"L12", "L23", "L31"},
+                                            {"L1", "L2", "N"},
+                                            {"L1", "INV"},
+                                            {"L12", "L23", "L31", "INV"},
+                                            {}};
 
-// A snapshot of a phase and the neutral with two samples and two half-cycle readings.
-Sketch PhaseAndNeutral() {
-  Sketch s;
-  s.Add(0, "timeStart@0 timeStep!16 numUsedSamples#24").record.Put<int32_t>(20, 2);
-  s.Open("RESULTS");
-  AddTotals(&s, 32 + 8);
-  s.AddGroup("SYM", 32 + 632, kSymmetry).record.Put<int32_t>(864, 2);
-  s.Open("RMS12").AddGroup("Vrms12", 868, "VALUE:0 PHASE_NUMBER#8 TIME_STAMP@16");
-  s.AddGroup("Vrms12", 900, "VALUE!0 PHASE_NUMBER#8 TIME_STAMP@16").Close("RMS12");
-  s.Add(32, "TEMP:696 FLAG#824").Close("RESULTS");
-  AddChannel(&s, "L1", kChannels,
-             {{"1.250000E+02", "-1.000000E+01"}, {"1.250000E+02", "-1.000000E+01"}});
-  AddChannel(&s, "N", kChannels + 9600,
-             {{"6.250000E+01", "-5.000000E+00"}, {"1.000000E+03", "-8.000000E+01"}});
-  s.record.PadTo(kChannels + 2 * 9600);
-  return s;
+// A snapshot with two samples and two half-cycle readings, and what it gives.
+Bytes Snapshot(uint8_t connection) {
+  Bytes record = Filled(static_cast<uint32_t>(kChannels + kLabels[connection].size() * 9600));
+  return record.Put<int32_t>(20, 2).Put<int32_t>(864, 2).Put(32 + 8 + 160, double{kNone});
 }
-
-TEST(Snapshots, WholeDocument) {
-  const Sketch s = PhaseAndNeutral();
-  Bytes file = ScaledHead(2, 1);
-  file.PutBytes(3072, s.record).PutBytes(3072 + s.record.size(), Bytes(31));
-  EXPECT_EQ(Lines("<RECORDS>\n<RECORD_RESULTS>\n" + s.text + "</RECORD_RESULTS>\n</RECORDS>\n"),
-            BodyOf(Converted(file)));
-  EXPECT_EQ("<RECORDS>\r\n</RECORDS>\r\n", BodyOf(Converted(HeadOf(2))));
-  ExpectTruncationIsHarmless(file);
-}
-
-// Each channel of a document with the first sample of both scopes.
-std::string ChannelsIn(const std::string& body) {
-  std::string found;
-  for (size_t at = body.find("</RESULTS>"); (at = body.find("<UL>", at)) != std::string::npos;) {
-    const size_t label = body.rfind('<', at - 1);
-    found += body.substr(label, at - 2 - label);
-    for (const char* scope : {"<SCOPE_U>\r\n<v>", "<SCOPE_I>\r\n<v>"}) {
-      at = body.find(scope, at) + 14;
-      found.append(" ").append(body, at, 8);
-    }
-    found += "; ";
+std::string SnapshotOutline(uint8_t connection) {
+  std::string outline = "RECORD_RESULTS{ timeStart!0 timeStep:16 numUsedSamples#24 RESULTS{ +32 " +
+                        Totals(8) + "SYM" + At(632) + kSymmetry + "RMS12{ Vrms12" + At(836) +
+                        kReading + "Vrms12" + At(868) + kReading + "} TEMP:696 FLAG#824 } ";
+  size_t at = kChannels;
+  for (const std::string& label : kLabels[connection]) {
+    outline += Channel(label, at, false, true);
+    at += 9600;
   }
-  return found;
+  return outline + "} ";
 }
 
-// Gains tell the channels' settings apart, a sample of 80 in all blocks.
-TEST(Snapshots, ChannelsOfEveryConnection) {
-  const std::string lines =
-      "<L12> 1.000000 1.000000; <L23> 2.000000 2.000000; <L31> 4.000000 4.000000; ";
-  const std::string cases[] = {
-      "",
-      "<L1> 1.000000 1.000000; <N> 5.000000 8.000000; ",
-      lines,
-      "<L1> 1.000000 1.000000; <L2> 2.000000 2.000000; <L3> 4.000000 4.000000; "
-      "<N> 5.000000 8.000000; ",
-      lines,
-      "<L1> 1.000000 1.000000; <L2> 2.000000 2.000000; <N> 5.000000 8.000000; ",
-      "<L1> 1.000000 1.000000; <INV> 5.000000 8.000000; ",
-      lines + "<INV> 5.000000 8.000000; ",
-      "",
-  };
-  for (uint8_t connection = 0; connection < std::size(cases); ++connection) {
+TEST(Snapshots, WholeDocumentsOfEveryConnection) {
+  for (uint8_t connection = 0; connection < std::size(kLabels); ++connection) {
+    const Bytes snapshot = Snapshot(connection);
+    const std::string record = Expected(snapshot, SnapshotOutline(connection));
     Bytes file = ScaledHead(2, connection);
-    file.Put<int32_t>(3072 + 20, 1).PadTo(3072 + kChannels);
-    for (size_t i = 0; i < CountIn(cases[connection], "<"); ++i) {
-      const size_t block = 3072 + kChannels + i * 9600;
-      file.Put<int16_t>(block + 80, 80).Put<int16_t>(block + 4176, 80).PadTo(block + 9600);
-    }
-    file.PadTo(file.size() + 32);  // the next snapshot starts where the channels end
-    const std::string body = BodyOf(Converted(file));
-    EXPECT_EQ(cases[connection], ChannelsIn(body.substr(0, body.find("</RECORD_RESULTS>"))))
-        << int{connection};
-    EXPECT_EQ(2u, CountIn(body, "<RECORD_RESULTS>")) << int{connection};
+    file.PutBytes(3072, snapshot).PutBytes(file.size(), snapshot).PadTo(file.size() + 31);
+    ExpectSame(InRecords(record + record), BodyOf(Converted(file)));
   }
+  ExpectTruncationIsHarmless(ScaledHead(2, 1).PutBytes(3072, Snapshot(1)));
+}
+
+// One buffer serves all channels and one all snapshots.
+TEST(Snapshots, FileCutShortRepeatsEarlierBytes) {
+  const Bytes whole = Snapshot(1);
+  Bytes cut = Snapshot(0);
+  cut.resize(700);
+  std::reverse(cut.begin() + 24, cut.end());
+  Bytes file = ScaledHead(2, 1);
+  file.PutBytes(3072, whole).PutBytes(file.size(), cut);
+  Bytes repeated = whole;
+  const Bytes neutral(whole.end() - 9600, whole.end());
+  repeated.PutBytes(0, cut).PutBytes(kChannels, neutral);
+  const std::string outline = SnapshotOutline(1);
+  ExpectSame(InRecords(Expected(whole, outline) + Expected(repeated, outline)),
+             BodyOf(Converted(file)));
 }
 
 TEST(Snapshots, CountsBeyondTheirArrays) {
@@ -99,61 +122,51 @@ TEST(Snapshots, CountsBeyondTheirArrays) {
     file.Put(2568, c.reduced).Put(3072 + 20, c.count).Put(3072 + 864, c.count);
     file.Put(3072 + 24, c.count).PadTo(3072 + 868 + (c.reduced != 0 ? 10560 : 2880) + 2 * 9600);
     const std::string body = BodyOf(Converted(file));
-    EXPECT_EQ(c.readings, CountIn(body, "<Vrms12>")) << c.count;
-    EXPECT_EQ(4 * c.samples + 8 * 51, CountIn(body, "<v>")) << c.count;
-    EXPECT_EQ(1u, CountIn(body, "<RECORD_RESULTS>")) << c.count;
-    const std::string shown = std::string("<numUsedSamples>") + std::to_string(c.count) + "<";
-    EXPECT_EQ(1u, CountIn(body, shown)) << "the stored number";
+    EXPECT_EQ(c.readings, CountOf(body, "<Vrms12>")) << c.count;
+    EXPECT_EQ(4 * c.samples + 8 * 51, CountOf(body, "<v>")) << c.count;
+    EXPECT_EQ(1u, CountOf(body, "<RECORD_RESULTS>")) << c.count;
+    const std::string shown = "<numUsedSamples>" + std::to_string(c.count) + "<";
+    EXPECT_EQ(1u, CountOf(body, shown)) << "the stored number";
   }
 }
 
-// One buffer serves all channels and one all snapshots.
-TEST(Snapshots, FileCutShortRepeatsEarlierBytes) {
-  const Sketch s = PhaseAndNeutral();
-  Bytes file = ScaledHead(2, 1);
-  file.PutBytes(3072, s.record);
-  Bytes second(s.record.begin(), s.record.begin() + 32);
-  second.PutBytes(32, Bytes(664)).Put(32 + 696, 19.5f);  // ends behind the temperature
-  file.PutBytes(3072 + s.record.size(), second);
+constexpr size_t kLiveSize = 79392 + 64 + 60;
+
+TEST(LiveResults, WholeDocumentsOfAWyeAndOfInverters) {
+  Bytes record = Filled(kLiveSize);
+  record.Put<int32_t>(0, 2).Put<int32_t>(67900, 1).Put(8 + 8416 + 120, double{kNone});
+  for (const uint8_t connection : {uint8_t{3}, uint8_t{6}, uint8_t{7}}) {
+    const bool inverter = connection != 3;
+    std::string outline = "UIF_RESULTS{ ";
+    size_t at = 8;
+    for (const char* label : {"L1", "L2", "L3", inverter ? "INV" : "N", "L12", "L23", "L31"}) {
+      outline += Channel(label, at, true, !inverter);
+      at += 9600;
+    }
+    outline += Totals(67208) + "SYM" + At(67832) + kSymmetry + "RMS12{ Vrms12" + At(67904) +
+               kReading +
+               "} TIME_START!78528 TIME_STEP:78548 numUsedSamples#0 TEMP:67896 FLAG#78584 "
+               "CONNECTION_CHECK{ +79456 Ua#0 Ub#4 Uc#8 Ia#12 Ib#16 Ic#20 PhA#28 Phb#32 PhC#36 "
+               "Useq#24 freq#40 results#44 Uinv#48 Iinv#52 Pinv#56 } ";
+    if (inverter) {
+      outline +=
+          "INVERTER{ +28808 Urms:4 Udc:9584 Uac:9580 Irms:36 Idc:9592 Iac:9588 P:8400 "
+          "Pdc:8408 Sac:8404 eff:8412 rf:9596 } ";
+    }
+    Bytes file = ScaledHead(6, connection);
+    file.Put<uint8_t>(2568, inverter ? 2 : 0).PutBytes(3072, record);
+    ExpectSame(Expected(record, outline + "}"), BodyOf(Converted(file)));
+  }
+}
+
+TEST(LiveResults, CountsBeyondTheirArraysAndFilesCutShort) {
+  Bytes file = ScaledHead(6, 1);
+  file.Put<int32_t>(3072, 1 << 30).Put<int32_t>(3072 + 67900, 1 << 30).PadTo(3072 + kLiveSize);
   const std::string body = BodyOf(Converted(file));
-  const std::string record = body.substr(body.rfind("<RECORD_RESULTS>"));
-  EXPECT_NE(std::string::npos, record.find("<TEMP>1.950000E+01</TEMP>\r\n<FLAG>856</FLAG>"));
-  EXPECT_EQ(2u, CountIn(record, "<Vrms12>")) << "the count before";
-  char neutral_voltage[32];
-  std::snprintf(neutral_voltage, sizeof neutral_voltage, "<UL>%E</UL>",
-                static_cast<double>(kChannels + 9600 + 4));
-  EXPECT_EQ(2u, CountIn(record, neutral_voltage)) << "the channel read last, under both labels";
-}
-
-int calls;
-float fraction;
-int32_t StopAfterSecond(float done) {
-  fraction = done;
-  return ++calls == 2 ? -1 : 0;
-}
-
-TEST(Snapshots, StopWhereTheHostSays) {
-  Bytes file = ScaledHead(2, 0);
-  file.PadTo(3072 + 4 * kChannels);
-  calls = 0;
-  EXPECT_EQ(2u, CountIn(Converted(file, StopAfterSecond), "<RECORD_RESULTS>"));
-  EXPECT_EQ(static_cast<float>(3072 + 2 * kChannels) / static_cast<float>(file.size()), fraction);
-}
-
-// The setting file beside a recording decides; live results have none.
-TEST(Snapshots, SettingFileBesideTheRecording) {
-  for (const uint32_t type : {2u, 3u, 5u, 6u, 14u, 17u}) {
-    WriteFile(InFolder("T0007PAR.REC"), ScaledHead(type, 6).Put<int32_t>(1448, 1));
-    Bytes file = HeadOf(type);
-    file.Put<int32_t>(3072 + 24, 1).PadTo(3072 + 32 + 832 + 2884 + 9600);
-    const std::string document = Converted(file, nullptr, "T0007X.REC");
-    const bool replaced = document.find("<CONNECTION>6<") != std::string::npos;
-    EXPECT_EQ(type != 6, replaced) << type;
-    EXPECT_EQ(type == 2, document.find("<INV>") != std::string::npos) << type;
-    EXPECT_EQ(type == 5 || type == 17 ? 4u : 0u, CountIn(document, "<v>") % 51)
-        << type << ": waveforms beside spectra";
-  }
-  std::remove(InFolder("T0007PAR.REC").c_str());
+  EXPECT_EQ(7u * (2 * 2048 + 4 * 51), CountOf(body, "<v>"));
+  EXPECT_EQ(330u, CountOf(body, "<Vrms12>"));
+  EXPECT_EQ(1u, CountOf(body, "<numUsedSamples>1073741824<"));
+  ExpectTruncationIsHarmless(ScaledHead(6, 7).PadTo(3072 + kLiveSize));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "checks.h"
 #include "quorvex64.h"
 #include "settings/settings_record.h"
 #include "support/loads.h"
@@ -25,6 +26,9 @@ struct Bytes : std::vector<uint8_t> {
     return *this;
   }
   Bytes& PutTime(size_t at, int year, int month, int day, int hour, int minute, double seconds);
+  // Settings by their offsets from `at`: "16#50" an integer of 32 bits, "13.2" a byte, "604:0.5" a
+  // float and "2584%0.5" a double.
+  Bytes& PutSettings(size_t at, const std::string& settings);
   Bytes& PutText(size_t at, const std::string& text);
   Bytes& PutBytes(size_t at, const Bytes& bytes);
   Bytes& PadTo(size_t size);
@@ -33,11 +37,12 @@ struct Bytes : std::vector<uint8_t> {
 // A file of a type with version 3 and zeroed settings at byte 8: 3072 bytes.
 Bytes HeadOf(uint32_t type);
 
-// A folder of this process's own, removed at its end; file names inside it.
-std::string InFolder(const std::string& name);
-void WriteFile(const std::string& path, const Bytes& bytes);
-// Empty where there is no such file.
-std::string ReadFile(const std::string& path);
+// The same with settings such that one step of a sample is worth 1.25, 2.5, 5 and 0.625 V on the
+// phases and the neutral, and 1.25, 2.5, 5 and 10 A; the neutral's own current is worth 20 A where
+// its own range is asked and not the phases'.
+Bytes ScaledHead(uint32_t type, uint8_t connection);
+
+using fuzz::InFolder, fuzz::ReadFile, fuzz::WriteFile;
 bool Exists(const std::string& path);
 
 // The document that a recording converts to, empty where there is none. Fails the running test
@@ -49,8 +54,12 @@ std::string Converted(const Bytes& recording, QuorvexProgress progress = nullptr
 // before the root's end.
 std::string BodyOf(const std::string& document);
 
-// A text with CR LF where it has LF, for documents written down in tests.
-std::string Lines(const std::string& text);
+// Lines with an element around them, and the list around records.
+std::string InElement(const std::string& name, const std::string& lines);
+std::string InRecords(const std::string& records);
+
+// Fails the running test with the first line that differs.
+void ExpectSame(const std::string& expected, const std::string& document);
 
 // Every truncated length of the recording converts without harm; lengths beyond 8 KiB in strides.
 void ExpectTruncationIsHarmless(const Bytes& recording);
