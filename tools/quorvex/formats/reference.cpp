@@ -1,6 +1,7 @@
 // The format reference: layouts of files and trees of documents, as the tables have them.
 #include <algorithm>
 #include <cctype>
+#include <cstddef>
 #include <cstring>
 #include <iterator>
 
@@ -34,6 +35,51 @@ std::string Link(const std::string& heading) {
   return "[" + heading + "](#" + Anchor(heading) + ")";
 }
 std::string Heading(const RecordType& type) { return std::to_string(type.type) + ": " + type.name; }
+
+constexpr char kIntroduction[] = R"(# Formats
+
+Made by `scripts/generate` from the layout tables; not edited by hand.
+
+What the bytes of a recording mean, and where they stand in its document. Numbers are little-endian
+and packed; offsets count from the start of the file, the record or the structure that a table
+describes. Layout tables follow the bytes, trees follow the document.
+
+| Type | Bytes | In the document |
+|---|---|---|
+| u8, u16 | 1, 2 | unsigned decimal |
+| i32, i64 | 4, 8 | signed decimal, whatever the word counts |
+| f32, f64 | 4, 8 | seven significant digits, `2.301000E+02`; `INF`, `-INF`, `NAN`, `-NAN` |
+| i16 | 2 | raw sample, written like f32 after scaling |
+| text | its width | letters, digits and ` .,!%&=+-*/_` stay, line ends become `\`, the rest `?` |
+| n × m f32 | 4 n m | base64 of the written floats of each entry, from harmonic order 0 on |
+
+A text ends at its first NUL; clamp names stand as they are. A float that holds -1e37 (f64: that
+value widened) has no value and reads `-`; in base64 it is +infinity.
+
+*When* tells which recordings write an element: by the connection code of the settings
+(`CONNECTION`; *other* stands for every code but 1 to 7), and by whether the instrument keeps full
+or reduced lists (reduced where a byte of the settings is not 0, the one at )";
+
+constexpr char kRules[] = R"().
+
+In trees, `?` marks an element that not every recording has, `*` any number, `{n}` that many, and
+brackets hold the values of the attribute `phase`.
+
+XML Schemas of the documents are in [schema/](../schema): one for each record type, and
+`quorvex-any.xsd` for documents of any type. `quorvex schema --type N` prints them.
+
+    xmllint --noout --schema schema/quorvex-10.xsd R0010RVC.xml
+
+All documents have the root `Project`, and XML Schema 1.0 gives an element one type wherever it
+stands under the same parent. So the schema of any type holds the elements of every type at once,
+those that only some have as optional ones; likewise the schemas of types with several layouts. Use
+the schema of the type where it is known: it also insists on `FILE_TYPE`. A text with an ampersand,
+or a clamp name with an angle bracket, makes a document that is not well-formed, so that no schema
+accepts it.
+
+## Contents
+
+)";
 
 // A table without the columns that have nothing to say.
 void PutTable(Reference* to, const std::vector<std::string>& heads,
@@ -201,43 +247,7 @@ void PutType(Reference* to, const RecordType& type) {
 std::string FormatReference() {
   Reference reference;
   std::string& text = reference.text;
-  text =
-      "# Formats\n\n"
-      "Made by `scripts/generate` from the layout tables; not edited by hand.\n\n"
-      "What the bytes of a recording mean, and where they stand in its document. Numbers are "
-      "little-endian and packed; offsets count from the start of the file, the record or the "
-      "structure that a table describes. Layout tables follow the bytes, trees follow the "
-      "document.\n\n"
-      "| Type | Bytes | In the document |\n|---|---|---|\n"
-      "| u8, u16 | 1, 2 | unsigned decimal |\n"
-      "| i32, i64 | 4, 8 | signed decimal, whatever the word counts |\n"
-      "| f32, f64 | 4, 8 | seven significant digits, `2.301000E+02`; `INF`, `-INF`, `NAN`, `-NAN` "
-      "|\n"
-      "| i16 | 2 | raw sample, written like f32 after scaling |\n"
-      "| text | its width | up to the first NUL; letters, digits and ` .,!%&=+-*/_` stay, line "
-      "ends "
-      "become `\\`, the rest `?` (clamp names stand as they are) |\n"
-      "| n × m f32 | 4 n m | base64 of the written floats of each entry, an entry a harmonic order "
-      "from 0 on |\n\n"
-      "A float that holds -1e37 (f64: that value widened) has no value and reads `-`; in base64 it "
-      "is +infinity.\n\n"
-      "*When* tells which recordings write an element: by the connection code of the settings "
-      "(`CONNECTION`; *other* stands for every code but 1 to 7), and by whether the instrument "
-      "keeps "
-      "full or reduced lists (byte 2560 of the settings, not 0: reduced). In trees, `?` marks an "
-      "element that not every recording has, `*` any number, `{n}` that many, and brackets the "
-      "values of the attribute `phase`.\n\n"
-      "XML Schemas of the documents are in [schema/](../schema): one for each record type, and "
-      "`quorvex-any.xsd` for documents of any type. `quorvex schema --type N` prints them.\n\n"
-      "    xmllint --noout --schema schema/quorvex-10.xsd R0010RVC.xml\n\n"
-      "All documents have the root `Project`, and XML Schema 1.0 gives an element one type "
-      "wherever "
-      "it stands under the same parent. So the schema of any type holds the elements of every type "
-      "at once, those that only some have as optional ones; likewise the schemas of types with "
-      "several layouts. Use the schema of the type where it is known: it also insists on "
-      "`FILE_TYPE`. Texts with an ampersand or an angle bracket give documents that no schema "
-      "accepts, for they are not well-formed.\n\n"
-      "## Contents\n\n";
+  text = kIntroduction + std::to_string(offsetof(UifParams, reduced_lists)) + kRules;
   for (const RecordType* type : kRecordTypes) text += "- " + Link(Heading(*type)) + "\n";
   const std::string contents = text;
   text.clear();
