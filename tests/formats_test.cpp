@@ -108,9 +108,11 @@ TEST(Formats, LinesCoverEveryByte) {
       std::vector<bool> covered(layout->size);
       for (const LayoutLine& line : LinesOf(*layout)) {
         if (line.offset == kNext) continue;
-        uint32_t bytes = 0, each = 1;
-        std::sscanf(line.bytes.c_str(), "%u × %u", &bytes, &each);
-        bytes *= each;
+        const std::string times = " × ";
+        const size_t at = line.bytes.find(times);
+        const unsigned long each =
+            at != std::string::npos ? std::stoul(line.bytes.substr(at + times.size())) : 1;
+        const size_t bytes = std::stoul(line.bytes) * each;
         ASSERT_LE(line.offset + bytes, layout->size) << type->type << " " << line.path;
         std::fill_n(covered.begin() + line.offset, bytes, true);
       }
