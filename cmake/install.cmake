@@ -25,7 +25,7 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/Quorvex64ConfigVersion.cmak
 install(FILES ${CMAKE_BINARY_DIR}/Quorvex64ConfigVersion.cmake DESTINATION ${cmake_dir})
 
 install(DIRECTORY examples docs DESTINATION ${doc_dir} PATTERN windows.txt EXCLUDE)
-install(DIRECTORY schema DESTINATION ${data_dir} OPTIONAL)
+install(DIRECTORY schema DESTINATION ${data_dir})
 install(DIRECTORY python/quorvex64 DESTINATION ${python_dir}
         FILES_MATCHING PATTERN "*.py" PATTERN py.typed)
 

@@ -8,17 +8,6 @@
 namespace quorvex {
 namespace {
 
-constexpr uint32_t kPage = kWriterBuffer - kMostReserved;
-
-// Whole pages go out, so that no page of the file is written in two halves; the rest moves up.
-void FlushPages(XmlWriter* writer) {
-  const uint32_t rest = writer->position % kPage;
-  const uint32_t whole = writer->position - rest;
-  WriteAll(writer->file, writer->buffer, whole);
-  std::memcpy(writer->buffer, writer->buffer + whole, rest);
-  writer->position = rest;
-}
-
 void Grow(XmlWriter* writer, uint32_t needed) {
   while (writer->capacity < needed) writer->capacity += kWriterBuffer;
   auto* larger = static_cast<char*>(Allocate(writer->capacity));
@@ -47,10 +36,11 @@ void CloseWriter(XmlWriter* writer) {
 }
 
 char* Reserve(XmlWriter* writer, uint32_t size) {
-  assert(size <= kMostReserved);
+  assert(size <= kWriterBuffer);
   if (size > writer->capacity - writer->position) {
     if (writer->mode == Output::kFile) {
-      FlushPages(writer);
+      WriteAll(writer->file, writer->buffer, writer->position);
+      writer->position = 0;
     } else {
       Grow(writer, writer->position + size);
     }
@@ -61,7 +51,7 @@ char* Reserve(XmlWriter* writer, uint32_t size) {
 void PutText(XmlWriter* writer, const char* text) {
   size_t left = std::strlen(text);
   while (left > 0) {
-    const auto piece = static_cast<uint32_t>(left < kMostReserved ? left : kMostReserved);
+    const auto piece = static_cast<uint32_t>(left < kWriterBuffer ? left : kWriterBuffer);
     char* to = Reserve(writer, piece);
     std::memcpy(to, text, piece);
     Advance(writer, to + piece);

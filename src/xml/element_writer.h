@@ -32,8 +32,7 @@ XmlWriter* CreateWriter(FileHandle* file);
 // elements stay open: whoever opened them closes them first.
 void CloseWriter(XmlWriter* writer);
 
-// Room for `size` more bytes in one piece. Write there, then Advance.
-constexpr uint32_t kMostReserved = kWriterBuffer - 4096;
+// Room for `size` more bytes in one piece, kWriterBuffer at the most. Write there, then Advance.
 char* Reserve(XmlWriter* writer, uint32_t size);
 inline void Advance(XmlWriter* writer, const char* end) {
   writer->position = static_cast<uint32_t>(end - writer->buffer);

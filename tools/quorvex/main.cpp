@@ -20,11 +20,13 @@ int main(int argc, char** argv) {
       "  7    checked: errors\n"
       "  130  cancelled");
 
+  const auto take_paths = [](CLI::App* command, std::vector<std::string>* paths) {
+    command->add_option("PATH", *paths, "Recordings, and folders: every .REC file below them")
+        ->required();
+  };
   ConvertOptions convert;
   auto* convert_command = app.add_subcommand("convert", "Write the XML documents of recordings");
-  convert_command
-      ->add_option("FILE", convert.inputs, "Recordings, and folders: every .REC file below them")
-      ->required();
+  take_paths(convert_command, &convert.inputs);
   convert_command->add_option("-o,--output", convert.output,
                               "Document, or a folder for the documents; beside each recording with "
                               "the extension .xml by default");
@@ -36,9 +38,7 @@ int main(int argc, char** argv) {
                             "Failures only: no findings in recordings, no summary");
   InfoOptions info;
   auto* info_command = app.add_subcommand("info", "Say what recordings are");
-  info_command
-      ->add_option("PATH", info.inputs, "Recordings, and folders: every .REC file below them")
-      ->required();
+  take_paths(info_command, &info.inputs);
   auto* raw = info_command->add_flag("--raw", info.raw,
                                      "Only the record information line, as hosts get it");
   info_command->add_flag("--json", info.json, "For programs: an array, an object a line")
@@ -46,9 +46,7 @@ int main(int argc, char** argv) {
   CheckOptions check;
   auto* check_command =
       app.add_subcommand("check", "Say whether recordings are sound, before they are converted");
-  check_command
-      ->add_option("PATH", check.inputs, "Recordings, and folders: every .REC file below them")
-      ->required();
+  take_paths(check_command, &check.inputs);
   check_command->add_flag("--json", check.json, "For programs: an array, an object a line");
   std::string path;
   auto* count_command = app.add_subcommand("count", "Print the records of a general recording");
