@@ -27,7 +27,7 @@ _quorvex() {
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
   elif [[ $value == TEXT* ]]; then
     mapfile -t COMPREPLY < <(compgen -f -- "$word")
-  elif [[ -z $value && $help == *' FILE'* ]]; then
+  elif [[ -z $value && $help =~ ' '(FILE|PATH) ]]; then
     mapfile -t COMPREPLY < <(compgen -d -- "$word")
     mapfile -t -O ${#COMPREPLY[@]} COMPREPLY < <(compgen -f -X '!*.[rR][eE][cC]' -- "$word")
   fi
