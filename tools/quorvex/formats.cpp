@@ -15,8 +15,8 @@ int PrintSchema(uint32_t type) {
   return kDone;
 }
 
-int PrintFormats() {
-  std::fputs(FormatReference().c_str(), stdout);
+int PrintFormats(bool python) {
+  std::fputs((python ? PythonFormats() : FormatReference()).c_str(), stdout);
   return kDone;
 }
 

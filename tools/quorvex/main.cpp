@@ -55,8 +55,10 @@ int main(int argc, char** argv) {
   auto* schema_command = app.add_subcommand("schema", "Print the XML Schema of the documents");
   schema_command->add_option("--type", type, "Of one record type, 1 to 18; of any by default")
       ->check(CLI::Range(1, 18));
-  // For the project itself: made into docs/formats.md.
+  // For the project itself: made into docs/formats.md and a module of the Python package.
   auto* formats_command = app.add_subcommand("formats", "Print the format reference")->group("");
+  bool python = false;
+  formats_command->add_flag("--python", python, "As a module of the Python package");
   app.add_subcommand("version", "Print the version of the library");
 
   try {
@@ -69,6 +71,6 @@ int main(int argc, char** argv) {
   if (info_command->parsed()) return Info(info);
   if (count_command->parsed()) return Count(path);
   if (schema_command->parsed()) return PrintSchema(type);
-  if (formats_command->parsed()) return PrintFormats();
+  if (formats_command->parsed()) return PrintFormats(python);
   return Version();
 }
