@@ -26,7 +26,7 @@ from unittest import mock
 from xml.etree import ElementTree
 
 import quorvex64 as q
-from quorvex64 import _documents, _library
+from quorvex64 import _checks, _documents, _library
 from quorvex64._formats import RECORD_TYPES
 
 NEEDS_PANDAS = unittest.skipUnless(importlib.util.find_spec("pandas"), "pandas is not installed")
@@ -252,6 +252,21 @@ class Package(unittest.TestCase):
         q.convert(folder / "a.", progress=meanwhile)
         self.assertEqual(others | {"a.", "a.xml", "c"}, {*os.listdir(folder)})
         self.assertEqual(0o640, (folder / "c").stat().st_mode & 0o777)
+
+    def test_check(self) -> None:
+        self.addCleanup(os.chdir, os.getcwd())
+        os.chdir(self.folder)
+        data = Path("R0013INR.REC").read_bytes()
+        Path("-damaged").write_bytes(data[:-22] + b"\x0d" + data[-21:])  # a month
+        paths = ["-damaged", "missing", *map(str, Path().glob("R*.REC"))]
+        with mock.patch.object(_checks, "_MOST_ARGUMENTS", 100):
+            found = [{**dataclasses.asdict(f), "file": str(f.file)} for f in q.check(paths)]
+        told = json.loads(tool("check", "--json", "--", *paths))
+        self.assertEqual(told, [{**entry, **result} for entry, result in zip(told, found)])
+        self.assertEqual(["warning", "error"], [result["worst"] for result in found[:2]])
+        nowhere = mock.patch.object(_library.library(), "path", "/none/x.so")
+        with nowhere, mock.patch.dict(os.environ, PATH="/none"):
+            self.assertRaisesRegex(q.LibraryError, "no program quorvex", q.check, [])
 
     def test_progress_cancels(self) -> None:
         seen: list[float] = []
