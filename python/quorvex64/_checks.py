@@ -6,7 +6,7 @@ import json
 import os
 import subprocess
 import sys
-from dataclasses import dataclass
+from dataclasses import dataclass, fields
 from pathlib import Path
 from typing import Any, Iterable, Iterator, Optional, Union
 
@@ -28,6 +28,9 @@ class Finding:
     text: str
 
 
+_KEYS = [field.name for field in fields(Finding)]
+
+
 @dataclass(frozen=True)
 class CheckResult:
     """What a check found in a recording."""
@@ -41,9 +44,10 @@ class CheckResult:
 
 def _program() -> str:
     path = Path(library().path)
-    folders = [path.parent, path.parent.parent / "bin", path.parent.parent.parent / "bin"]
-    if not path.is_absolute():  # the system found it
-        folders = []
+    folders = [path.parent] if path.is_absolute() else []  # otherwise the system found it
+    for folder in list(path.parents)[:2]:  # PREFIX/lib, or PREFIX/lib/x86_64-linux-gnu
+        if folder.name in ("lib", "lib64"):
+            folders.append(folder.parent / "bin")
     for folder in folders + [Path(name) for name in os.get_exec_path() if name]:
         program = folder / _PROGRAM
         if program.is_file() and os.access(program, os.X_OK):
@@ -104,7 +108,7 @@ def check(recordings: Union[StrPath, Iterable[StrPath]]) -> list[CheckResult]:
             file=Path(entry["file"]),
             type=entry["type"],
             worst=entry["worst"],
-            findings=[Finding(**finding) for finding in entry["findings"]],
+            findings=[Finding(*map(finding.get, _KEYS)) for finding in entry["findings"]],
             unlisted=entry["unlisted"],
         )
         for portion in _portions(paths)

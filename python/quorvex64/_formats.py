@@ -1,4 +1,4 @@
-"""The formats of the recordings. Made from the library's tables by scripts/generate."""
+"""The formats of the recordings, made from the library's tables by scripts/generate."""
 
 from ._layouts import Layout, RecordType
 

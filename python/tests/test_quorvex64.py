@@ -40,20 +40,15 @@ VALUES = """
 R0001GEN 3072 40448 143  VOLTAGES/U[u2]/rms/max             f     256
 R0001GEN 3072 40448 0    HARMONICS_U/HARM_U[u2h]            102f  12624
 R0002SNP 3072 42148 1    RESULTS/RMS12/Vrms12/29/TIME_STAMP T     1812
-R0003RDG 3072 32    23   timeEnd                            T     0
 R0005WAV 3072 64000 0    VOLTAGES/U[u2]/v                   2000f 8000
-R0006LIV 3072 79516 0    TIME_START                         T     78528
-R0007ALA 3364 864   5    QUANTITY_VALUE                     f     840
 R0008EVE 3224 264   3    RMS_12_AT_TRANSITION               f     4
 R0009SIG 3072 3448  0    SIGNALLING_DATA/END_TIMES/END_TIME/1 T   64
 R0010RVC 3072 4088  1    RMS12_VALUES/RMS12/199/TIME_STAMP  T     4040
 R0011AVG 3072 7688  0    L1/MOTOR/Ep                        d     40
 R0012TRA 3072 3164  2    name                               16s   0
-R0013INR 3072 24    2    MAX_I                              f     20
 R0014RDG 3072 32    9    type                               B     16
 R0015SES 8    96    0    ELEMENT/2/num                      i     84
 R0016VQ  3072 536   1007 HARMONICS_U/HARM_U[u3h]            41f   356
-R0017WSR 3072 24032 1    timeStart                          T     0
 R0018EME 3072 144   4    PFm                                f     132
 """
 
@@ -176,28 +171,27 @@ class Package(unittest.TestCase):
             self.assertEqual(told["interval"], info.interval and info.interval.total_seconds())
             self.assertIn(info.fields.get("trigger"), (told["trigger"], "-"))
             document = self.folder / f"{info.file.stem}.xml"
-            if info.type in (1, 16) and info.end_from == "records":
-                last = q.read(document)[-1]["LAST_TIME"] if document.exists() else info.end
-                self.assertEqual(last, info.end)
-            else:
+            if info.type not in (1, 16) or info.end_from != "records":
                 self.assertEqual(told["end"], end)
+            elif document.exists():
+                self.assertEqual(q.read(document)[-1]["LAST_TIME"], info.end)
             origins.add(info.end_from)
         self.assertEqual({"records", "settings", "estimate", None}, origins)
 
     def test_failures_say_why_and_leave_nothing(self) -> None:
-        (self.folder / "three.bin").write_bytes(b"\5\0\0")
-        (self.folder / "unknown.bin").write_bytes(struct.pack("<II", 5, 25))
-        for name in ("itself.xml", "another", "vanishing"):
-            shutil.copy(self.folder / "R0015SES.REC", self.folder / name)
+        sessions = (self.folder / "R0015SES.REC").read_bytes()
+        files = {"three": b"123", "unknown": b"\5" * 9, "itself.xml": sessions, "another": sessions}
+        for name, data in {**files, "vanishing": sessions}.items():
+            (self.folder / name).write_bytes(data)
         (self.folder / "link.xml").symlink_to("another")
         self.addCleanup(os.remove, self.folder / "link.xml")
-        deep = self.folder.joinpath(*["x" * 50] * 9, "x" * (29 - len(bytes(self.folder))))
+        deep = self.folder.joinpath(*["x" * 50] * 9, "x" * (41 - len(bytes(self.folder))))
         deep.mkdir(parents=True)
         before = {*self.folder.iterdir()}
         cases: list[tuple[str, Any, type[Exception], str]] = [
             ("missing.REC", None, FileNotFoundError, "missing"),
-            ("three.bin", None, q.ConversionError, "3 of 8 bytes"),
-            ("unknown.bin", None, q.ConversionError, "unknown record type 25"),
+            ("three", None, q.ConversionError, "3 of 8 bytes"),
+            ("unknown", None, q.ConversionError, "unknown record type 84215045"),
             (".", None, q.ConversionError, "folder"),
             ("itself.xml", None, q.ConversionError, "itself"),
             ("R0010RVC.REC", self.folder, q.ConversionError, "Ω: is a folder"),
@@ -211,8 +205,7 @@ class Package(unittest.TestCase):
             with self.assertRaisesRegex(error, reason, msg=name):
                 q.convert(self.folder / name, document, overwrite=True)
         self.assertRaises(FileExistsError, q.convert, self.folder / "R0010RVC.REC")
-        vanish = mock.Mock(side_effect=lambda path, *_: os.remove(path))
-        with mock.patch.object(_library.library(), "convert", vanish):
+        with mock.patch.object(_library.library(), "convert", lambda path, *_: os.remove(path)):
             self.assertRaises(FileNotFoundError, q.convert, self.folder / "vanishing")
         self.assertRaisesRegex(OSError, "longer than 511", _library.path_bytes, Path("a" * 512))
         self.assertEqual(before - {self.folder / "vanishing"}, {*self.folder.iterdir()})
@@ -222,8 +215,8 @@ class Package(unittest.TestCase):
         for records, hour, count in ((144, 23, 1), ((139, None), 23, 6), ((7, 900), 1, 138)):
             part = q.read(convert(self.folder / "R0001GEN.REC", records=records))
             self.assertEqual((count, hour), (len(part), part[0]["START_TIME"].hour))
-        for records in (0, (5, 3), (1, 1 << 32), (145, None)):
-            reason = "144 records" if records == (145, None) else "no range"
+        wrong = {0: "no range", (5, 3): "no range", (1, 1 << 32): "no range", 145: "144 records"}
+        for records, reason in wrong.items():
             with self.assertRaisesRegex(ValueError, reason):
                 convert(self.folder / "R0001GEN.REC", records=records)
         self.assertRaises(ValueError, convert, self.folder / "R0010RVC.REC", records=1)

@@ -10,6 +10,7 @@
 #include "record_shape.h"
 #include "records/record_types.h"
 #include "settings/settings_table.h"
+#include "support/loads.h"
 
 namespace quorvex::tool {
 namespace {
@@ -19,13 +20,7 @@ constexpr uint8_t kConnections = 8;
 
 // The words of the settings that choose layouts. They are small: profiles, and intervals of a day
 // at the most.
-constexpr struct {
-  uint32_t UifParams::*word;
-  size_t at;
-} kChoosing[] = {
-    {&UifParams::profile, offsetof(UifParams, profile)},
-    {&UifParams::interval, offsetof(UifParams, interval)},
-};
+constexpr size_t kChoosing[] = {offsetof(UifParams, profile), offsetof(UifParams, interval)};
 constexpr uint32_t kMostChoosing = 86400;
 
 std::string Number(uint64_t number) { return std::to_string(number); }
@@ -50,7 +45,7 @@ std::string TimeAt(const Field& group, const std::vector<std::string>& names, ui
     if (f.kind != Kind::kGroup || f.repeated || f.behind) continue;
     const uint32_t at = place + f.offset;
     if (f.name[0] == '\0') {
-      const std::string inside = TimeAt(f, names, at, argument);
+      std::string inside = TimeAt(f, names, at, argument);
       if (!inside.empty()) return inside;
     } else if (IsTime(f) && std::find(names.begin(), names.end(), f.name) != names.end()) {
       return ", " + argument + "=" + Number(at);
@@ -95,21 +90,22 @@ std::string LayoutsText(const RecordType& type) {
   }
   std::string text;
   size_t at = 0;
-  for (const auto& choosing : kChoosing) {
-    uint32_t& word = settings.*choosing.word;
-    word = UINT32_MAX;
+  for (const size_t word : kChoosing) {
+    const auto set = [&settings, word](uint32_t value) {
+      Store(reinterpret_cast<uint8_t*>(&settings) + word, value);
+    };
+    set(UINT32_MAX);
     const Field* other = type.choice->choose(settings);
     const std::string others = other != nullptr ? entry("None", settings) : "";
     const size_t before = text.size();
-    for (word = 0; word <= kMostChoosing; ++word) {
-      const Field* layout = type.choice->choose(settings);
-      if (layout != other) text += entry(Number(word), settings);
+    for (uint32_t value = 0; value <= kMostChoosing; ++value) {
+      set(value);
+      if (type.choice->choose(settings) != other) text += entry(Number(value), settings);
     }
-    if (text.size() != before) {
-      text += others;
-      at = choosing.at;
-    }
-    word = 0;
+    set(0);
+    if (text.size() == before) continue;
+    text += others;
+    at = word;
   }
   return Number(at) + ",\n        layouts={" + text + "\n        },\n";
 }
@@ -117,26 +113,17 @@ std::string LayoutsText(const RecordType& type) {
 }  // namespace
 
 std::string PythonFormats() {
+  const auto constant = [](const std::string& name, size_t value) {
+    return name + " = " + Number(value) + "\n";
+  };
   std::string text =
-      "\"\"\"The formats of the recordings. Made from the library's tables by "
-      "scripts/generate.\"\"\"\n"
-      "\n"
-      "from ._layouts import Layout, RecordType\n"
-      "\n"
-      "SETTINGS_SIZE = " +
-      Number(kSettingsSize) +
-      "\n"
-      "CONNECTION_AT = " +
-      Number(offsetof(UifParams, connection)) +
-      "\n"
-      "REDUCED_LISTS_AT = " +
-      Number(offsetof(UifParams, reduced_lists)) +
-      "\n"
-      "INTERVAL_AT = " +
-      Number(offsetof(UifParams, interval)) +
-      "\n"
-      "\n"
-      "RECORD_TYPES = {\n";
+      "\"\"\"The formats of the recordings, made from the library's tables by "
+      "scripts/generate.\"\"\"\n\n"
+      "from ._layouts import Layout, RecordType\n\n" +
+      constant("SETTINGS_SIZE", kSettingsSize) +
+      constant("CONNECTION_AT", offsetof(UifParams, connection)) +
+      constant("REDUCED_LISTS_AT", offsetof(UifParams, reduced_lists)) +
+      constant("INTERVAL_AT", offsetof(UifParams, interval)) + "\nRECORD_TYPES = {\n";
   for (const RecordType* type : kRecordTypes) {
     text += "    " + Number(type->type) + ": RecordType(\n        name=\"" + type->name + "\",\n";
     const auto put = [&text](const std::string& name, const std::string& value) {
