@@ -106,6 +106,7 @@ const RecordType kLiveResults = {
     .write = WriteLiveResults,
     .state = true,
     .once = true,
+    .cut = {0, "with zeros in the place of the rest"},
     .samples_at = 0,
 };
 

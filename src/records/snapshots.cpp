@@ -119,6 +119,8 @@ const RecordType kSnapshots = {
     .companion = true,
     .state = true,
     .progress = true,
+    .cut = {kRecordStartSize,
+            "with what was read before left in the place of the rest (zeros in the first)"},
     .samples_at = kScopeCountAt,
 };
 
