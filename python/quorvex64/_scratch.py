@@ -3,6 +3,7 @@ complete. It is locked meanwhile, so that what a killed process left can be told
 
 from __future__ import annotations
 
+import ctypes
 import errno
 import itertools
 import os
@@ -21,7 +22,7 @@ if sys.platform != "win32":
 
 # Locks are known on the own host for certain, so only its leftovers are removed.
 _HOST = re.sub(r"[^A-Za-z0-9_.]", "_", socket.gethostname())[:40]
-_LEFTOVER = re.compile(rf"\.quorvex-{re.escape(_HOST)}-[0-9]+-[0-9]+~")
+_LEFTOVER = re.compile(rf"\.quorvex-{re.escape(_HOST)}-([0-9]+)-[0-9]+~")
 
 _numbers = itertools.count(1)
 _swept: set[str] = set()
@@ -57,10 +58,27 @@ def _hold(descriptor: int, path: str) -> bool:
     return True
 
 
-def _remove_leftover(path: str) -> None:
-    if sys.platform == "win32":
-        os.remove(path)  # refused while it is open
-    else:
+if sys.platform == "win32":
+
+    def _remove_leftover(path: str, process: int) -> None:
+        """Removes the file of a process that is gone. That Windows refuses to remove an open file
+        is not enough: a scratch file is not open from its first moment to its last."""
+        synchronize, invalid_parameter = 0x00100000, 87
+        kernel = ctypes.WinDLL("kernel32", use_last_error=True)
+        kernel.OpenProcess.restype = ctypes.c_void_p
+        handle = ctypes.c_void_p(kernel.OpenProcess(synchronize, False, ctypes.c_uint32(process)))
+        if handle:
+            gone = kernel.WaitForSingleObject(handle, 0) == 0
+            kernel.CloseHandle(handle)
+        else:
+            gone = ctypes.get_last_error() == invalid_parameter
+        if gone:
+            os.remove(path)
+
+else:
+
+    def _remove_leftover(path: str, process: int) -> None:
+        """Removes a file that no process has locked."""
         descriptor = os.open(path, os.O_RDWR | os.O_NOFOLLOW | os.O_NONBLOCK)
         try:
             fcntl.flock(descriptor, fcntl.LOCK_EX | fcntl.LOCK_NB)
@@ -77,9 +95,10 @@ def _sweep(folder: Path) -> None:
             return
         with suppress(OSError), os.scandir(folder) as entries:
             for entry in entries:
-                if _LEFTOVER.fullmatch(entry.name) and entry.is_file(follow_symlinks=False):
+                leftover = _LEFTOVER.fullmatch(entry.name)
+                if leftover and entry.is_file(follow_symlinks=False):
                     with suppress(OSError):
-                        _remove_leftover(entry.path)
+                        _remove_leftover(entry.path, int(leftover[1]))
         _swept.add(str(folder))
 
 

@@ -82,22 +82,24 @@ def _date_time(data: bytes) -> Optional[datetime]:
         moment = datetime(*whole)
     except (ValueError, struct.error):
         return None
-    return moment + timedelta(microseconds=int(seconds * 1e6)) if 0 <= seconds < 60 else None
+    if not (1970 <= moment.year < 2200 and 0 <= seconds < 60):
+        return None
+    return moment + timedelta(microseconds=int(seconds * 1e6))
 
 
 def _end(file: BinaryIO, place: int, layout: Layout, settings: bytes) -> Optional[datetime]:
-    """When the record at this place ends: its own word, or an interval after its start."""
-    for at, seconds in ((layout.end_at, 0), (layout.start_at, _word(settings, INTERVAL_AT))):
-        if at is None:
-            continue
-        file.seek(place + at)
-        moment = _date_time(file.read(_DATE_TIME.size))
-        if moment is not None:
-            try:
-                return moment + timedelta(seconds=seconds)
-            except OverflowError:
-                return None
-    return None
+    """When the record at this place ends: its own word, or else an interval after its start."""
+    at, seconds = layout.end_at, 0
+    if at is None:
+        at, seconds = layout.start_at, _word(settings, INTERVAL_AT)
+    if at is None:
+        return None
+    file.seek(place + at)
+    moment = _date_time(file.read(_DATE_TIME.size))
+    try:
+        return None if moment is None else moment + timedelta(seconds=seconds)
+    except OverflowError:
+        return None
 
 
 def shape_of(recording: Path, kind: RecordType) -> Shape:
