@@ -58,8 +58,9 @@ def _program() -> str:
 
 
 def _run(program: str, paths: list[str]) -> list[dict[str, Any]]:
-    # Behind "--" a path is no option, whatever it starts with.
-    command = [program, "check", "--json", "--", *paths]
+    # Behind "--" a path is no option, whatever it starts with; "-" would be the standard input.
+    sayable = [os.path.join(".", path) if path == "-" else path for path in paths]
+    command = [program, "check", "--json", "--", *sayable]
     window = 0
     if sys.platform == "win32":
         window = subprocess.CREATE_NO_WINDOW

@@ -249,6 +249,8 @@ class Package(unittest.TestCase):
         os.chdir(self.folder)
         data = Path("R0013INR.REC").read_bytes()
         Path("-damaged").write_bytes(data[:-22] + b"\x0d" + data[-21:])  # a month
+        os.link("-damaged", "-")
+        self.assertEqual("warning", q.check("-")[0].worst)
         paths = ["-damaged", "missing", *map(str, Path().glob("R*.REC"))]
         with mock.patch.object(_checks, "_MOST_ARGUMENTS", 100):
             found = [{**dataclasses.asdict(f), "file": str(f.file)} for f in q.check(paths)]
