@@ -11,6 +11,15 @@ namespace {
 
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
+// CreateFileA knows no paths beyond 259 bytes, however they begin.
+HANDLE Open(const char* path, DWORD access, DWORD share, DWORD disposition, DWORD flags) {
+  constexpr int kRoom = 1024;
+  wchar_t wide[kRoom];
+  const UINT code_page = AreFileApisANSI() != 0 ? CP_ACP : CP_OEMCP;
+  if (MultiByteToWideChar(code_page, 0, path, -1, wide, kRoom) == 0) return INVALID_HANDLE_VALUE;
+  return CreateFileW(wide, access, share, nullptr, disposition, flags, nullptr);
+}
+
 HANDLE HandleOf(std::FILE* stream) {
   return reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
 }
@@ -49,8 +58,7 @@ int ErrorNumber(DWORD error) {
 
 // Volume and index name a file whatever path leads to it. False where the path opens nothing.
 bool FileIdentity(const char* path, BY_HANDLE_FILE_INFORMATION* identity) {
-  const HANDLE file =
-      CreateFileA(path, 0, kShareAll, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  const HANDLE file = Open(path, 0, kShareAll, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
   if (file == INVALID_HANDLE_VALUE) return false;
   const bool known = GetFileInformationByHandle(file, identity) != 0;
   CloseHandle(file);
@@ -96,8 +104,7 @@ bool SameFile(const char* first, const char* second) {
 }
 
 std::FILE* OpenForReading(const char* path) {
-  const HANDLE file = CreateFileA(path, GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING,
-                                  FILE_ATTRIBUTE_NORMAL, nullptr);
+  const HANDLE file = Open(path, GENERIC_READ, kShareAll, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL);
   if (file == INVALID_HANDLE_VALUE) return nullptr;
   if (GetFileType(file) == FILE_TYPE_DISK) return StreamOf(file, _O_RDONLY, "rb");
   CloseHandle(file);
@@ -107,8 +114,8 @@ std::FILE* OpenForReading(const char* path) {
 std::FILE* OpenForAppending(const char* path) {
   // With this right alone the system itself writes at the end: the runtime would only where bytes
   // go through it.
-  const HANDLE file = CreateFileA(path, FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                  nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  const HANDLE file = Open(path, FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_ALWAYS,
+                           FILE_ATTRIBUTE_NORMAL);
   return file != INVALID_HANDLE_VALUE ? StreamOf(file, _O_WRONLY | _O_APPEND, "ab") : nullptr;
 }
 

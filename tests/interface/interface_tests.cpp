@@ -1,9 +1,13 @@
 // The library as a host meets it: loaded at run time, its exports looked up by name.
 #include <gtest/gtest.h>
 
+#include <immintrin.h>
+
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -12,8 +16,13 @@
 
 #ifdef _WIN32
 #include <windows.h>
+
+#include <psapi.h>
 #else
 #include <dlfcn.h>
+#include <pthread.h>
+
+#include <fstream>
 #endif
 
 namespace {
@@ -25,6 +34,16 @@ void* Lookup(const char* name) {
 #else
   static void* library = dlopen(QUORVEX_LIBRARY, RTLD_NOW);
   return library == nullptr ? nullptr : dlsym(library, name);
+#endif
+}
+
+std::string LibraryPath() {
+#ifdef _WIN32
+  char path[MAX_PATH];
+  GetModuleFileNameA(LoadLibraryA("Quorvex64.dll"), path, sizeof path);
+  return path;
+#else
+  return QUORVEX_LIBRARY;
 #endif
 }
 
@@ -145,5 +164,185 @@ TEST(Interface, NothingToDoIsSilent) {
   EXPECT_STREQ("before", text);
   EXPORT(QuorvexGetRecordInfo)("missing.rec", nullptr);
 }
+
+TEST(Interface, TheLineMayReplaceThePath) {
+  char text[512] = "same.rec", line[512];
+  WriteFile("same.rec", FileOf(1, 1, 3072));
+  EXPORT(QuorvexGetRecordInfo)("same.rec", line);
+  EXPORT(QuorvexGetRecordInfo)(text, text);
+  EXPECT_STREQ(line, text);
+  EXPECT_EQ('1', text[0]);
+  std::remove("same.rec");
+}
+
+// A recording of some records of any type, with all kinds of numbers in it.
+std::vector<uint8_t> Noise(uint32_t type) {
+  std::vector<uint8_t> bytes = FileOf(1, type, 3072 + 90000);
+  for (size_t i = 8; i < bytes.size(); ++i) bytes[i] = static_cast<uint8_t>(i * i * 37 + i / 5);
+  bytes[8 + 13] = 3;                                      // connection
+  for (size_t i = 976; i < 980; ++i) bytes[8 + i] = 0;    // profile
+  for (size_t i = 1376; i < 1380; ++i) bytes[8 + i] = 0;  // samples of a capture
+  return bytes;
+}
+
+// The processor's floating-point settings, and what has happened under them.
+struct Floats {
+  uint32_t sse;
+  uint16_t control, status;
+  bool operator==(const Floats&) const = default;
+};
+Floats CurrentFloats() {
+  Floats f{_mm_getcsr(), 0, 0};
+  asm volatile("fnstcw %0\n\tfnstsw %1" : "=m"(f.control), "=m"(f.status));
+  return f;
+}
+void SetFloats(const Floats& f) {
+  asm volatile("fnclex\n\tfldcw %0" : : "m"(f.control));
+  _mm_setcsr(f.sse);
+}
+
+Floats changed_floats, floats_seen;
+int32_t QUORVEX_CALL LookAndChange(float) {
+  floats_seen = CurrentFloats();
+  SetFloats(changed_floats);
+  return -1;
+}
+
+TEST(Interface, FloatingPointSettingsAreTheHosts) {
+  const auto convert = EXPORT(QuorvexConvert);
+  const auto describe = EXPORT(QuorvexGetRecordInfo);
+  const auto count = EXPORT(QuorvexGetNumberOfRecords);
+  const Floats before = CurrentFloats();
+  changed_floats = {0x5F80, 0x0A7F, 0};
+  // Every exception interrupts; rounding upwards, with denormals as zero; downwards, flags
+  // standing.
+  for (const Floats& host : {Floats{0, 0x0340, 0}, {0xDFC0, 0x0B40, 0}, {0x2021, 0x0760, 0}}) {
+    for (uint32_t type = 1; type <= 18; ++type) {
+      for (const size_t size : {size_t{4000}, size_t{93072}}) {
+        std::vector<uint8_t> recording = Noise(type);
+        recording.resize(size);
+        WriteFile("floats.rec", recording);
+        char lines[2][512];
+        Floats after[3];
+        convert("floats.rec", "usual.xml", nullptr);
+        describe("floats.rec", lines[0]);
+        floats_seen = host;
+        SetFloats(host);
+        convert("floats.rec", "floats.xml", nullptr);
+        describe("floats.rec", lines[1]);
+        count("floats.rec");
+        after[0] = CurrentFloats();
+        convert("floats.rec", "stopped.xml", LookAndChange);
+        after[1] = CurrentFloats();
+        asm volatile("fwait");  // where anything is pending it comes now
+        SetFloats(before);
+        EXPECT_TRUE(ReadFile("usual.xml") == ReadFile("floats.xml")) << type;
+        EXPECT_STREQ(lines[0], lines[1]);
+        EXPECT_TRUE(after[0] == host && floats_seen == host) << type << ' ' << size;
+        EXPECT_TRUE(after[1] == host || after[1] == changed_floats) << type << ' ' << size;
+      }
+    }
+  }
+  for (const char* name : {"floats.rec", "usual.xml", "floats.xml", "stopped.xml"}) {
+    std::remove(name);
+  }
+}
+
+// What a process holds: handles or descriptors, the next free slot for data of threads, memory.
+struct Held {
+  uint64_t handles, slot, kilobytes;
+};
+Held HeldNow() {
+#ifdef _WIN32
+  DWORD handles = 0;
+  GetProcessHandleCount(GetCurrentProcess(), &handles);
+  const DWORD slot = TlsAlloc();
+  TlsFree(slot);
+  PROCESS_MEMORY_COUNTERS memory{};
+  K32GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
+  return {handles, slot, memory.PagefileUsage / 1024};
+#else
+  pthread_key_t slot{};
+  pthread_key_create(&slot, nullptr);
+  pthread_key_delete(slot);
+  uint64_t all = 0, resident = 0;
+  std::ifstream("/proc/self/statm") >> all >> resident;
+  const auto files = std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+  return {static_cast<uint64_t>(files), slot, resident * 4};
+#endif
+}
+
+TEST(Interface, ComesAndGoesWithoutATrace) {
+  // A copy, which no other test has loaded.
+  const auto library = std::filesystem::absolute("comes-and-goes.dll");
+  std::filesystem::copy_file(LibraryPath(), library,
+                             std::filesystem::copy_options::overwrite_existing);
+  const std::string path = library.string();
+  WriteFile("cycle.rec", Noise(1));
+  Held first{}, last{};
+  for (int cycle = 0; cycle < 120; ++cycle) {
+    last = HeldNow();
+    if (cycle == 20) first = last;
+    char line[512];
+#ifdef _WIN32
+    const HMODULE loaded = LoadLibraryA(path.c_str());
+    const auto find = [&](const char* name) {
+      return reinterpret_cast<void*>(GetProcAddress(loaded, name));
+    };
+#else
+    void* loaded = dlopen(path.c_str(), RTLD_NOW);
+    const auto find = [&](const char* name) { return dlsym(loaded, name); };
+#endif
+    ASSERT_NE(nullptr, loaded);
+    reinterpret_cast<decltype(&QuorvexConvert)>(find("QuorvexConvert"))("cycle.rec", nullptr,
+                                                                        nullptr);
+    reinterpret_cast<decltype(&QuorvexGetRecordInfo)>(find("QuorvexGetRecordInfo"))("cycle.rec",
+                                                                                    line);
+#ifdef _WIN32
+    FreeLibrary(loaded);
+    ASSERT_EQ(nullptr, GetModuleHandleA(path.c_str()));
+#else
+    dlclose(loaded);
+    ASSERT_EQ(nullptr, dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD));
+#endif
+  }
+  EXPECT_EQ(first.handles, last.handles);
+  EXPECT_EQ(first.slot, last.slot);
+#ifndef __SANITIZE_ADDRESS__  // which keeps what is freed for a while
+  EXPECT_LT(last.kilobytes, first.kilobytes + 1000);
+#endif
+  for (const char* name : {"comes-and-goes.dll", "cycle.rec", "cycle.xml"}) std::remove(name);
+}
+
+#ifdef _WIN32
+TEST(Interface, LongPathsAndSharedRecordings) {
+  WriteFile("short.rec", Noise(18));
+  EXPORT(QuorvexConvert)("short.rec", "short.xml", nullptr);
+  char here[MAX_PATH];
+  GetCurrentDirectoryA(sizeof here, here);
+  std::string path = std::string("\\\\?\\") + here;
+  std::vector<std::wstring> made;
+  while (path.size() < 300) {
+    path += "\\" + std::string(60, 'd');
+    made.emplace_back(path.begin(), path.end());
+    CreateDirectoryW(made.back().c_str(), nullptr);
+  }
+  path += "\\long.rec";
+  const std::wstring wide(path.begin(), path.end());
+  ASSERT_TRUE(CopyFileW(L"short.rec", wide.c_str(), FALSE));
+  EXPORT(QuorvexConvert)(path.c_str(), "long.xml", nullptr);
+  EXPECT_TRUE(ReadFile("short.xml") == ReadFile("long.xml"));
+  DeleteFileW(wide.c_str());
+  for (; !made.empty(); made.pop_back()) RemoveDirectoryW(made.back().c_str());
+  // Somebody who means to delete it, and lets others go on meanwhile.
+  const HANDLE held = CreateFileA("short.rec", GENERIC_READ | DELETE,
+                                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                  OPEN_EXISTING, 0, nullptr);
+  ASSERT_NE(INVALID_HANDLE_VALUE, held);
+  EXPECT_EQ(1, EXPORT(QuorvexGetFileVersion)("short.rec"));
+  CloseHandle(held);
+  for (const char* name : {"short.rec", "short.xml", "long.xml"}) std::remove(name);
+}
+#endif
 
 }  // namespace
