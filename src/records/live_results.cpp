@@ -107,7 +107,7 @@ const RecordType kLiveResults = {
     .write = WriteLiveResults,
     .state = true,
     .once = true,
-    .cut = {0, "with zeros in the place of the rest"},
+    .cut = {0, "what it lacks is zero"},
     .samples_at = 0,
 };
 

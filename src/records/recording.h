@@ -42,14 +42,14 @@ static_assert(Tiles(kFileHeader));
 struct RecordType;
 
 // What becomes of a last record that is cut short: where at least `from` of its bytes are there, it
-// is written as `rest` says of what it lacks.
+// is written, and `rest` says how.
 struct CutRecord {
   uint32_t from;
   const char* rest;
 };
 constexpr CutRecord kLeftOut = {UINT32_MAX, ""};
 constexpr CutRecord kFilledFromBefore = {
-    1, "with what the record before left in the place of the rest (zeros in the first)"};
+    1, "what it lacks is left over from the record before (zeros in the first)"};
 
 // A conversion under way, as the writers of the record types see it.
 struct Conversion {

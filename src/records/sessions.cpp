@@ -68,7 +68,7 @@ const RecordType kSessions = {
     .write = WriteSessions,
     .settings_at = 0,
     .records_at = kFileHeaderSize,
-    .cut = {kSessionHeader.size, "without the elements that are not whole"},
+    .cut = {kSessionHeader.size, "elements that are not whole are left out"},
 };
 
 }  // namespace quorvex

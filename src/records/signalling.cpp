@@ -170,7 +170,7 @@ const RecordType kSignalling = {
     .list = "RECORDS",
     .record = &kRecording,
     .write = WriteSignalling,
-    .cut = {1, "with what was read before in the place of the rest (zeros in the first)"},
+    .cut = {1, "what it lacks is left over from what was read before (zeros in the first)"},
 };
 
 }  // namespace quorvex

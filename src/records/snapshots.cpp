@@ -119,8 +119,7 @@ const RecordType kSnapshots = {
     .companion = true,
     .state = true,
     .progress = true,
-    .cut = {kRecordStartSize,
-            "with what was read before left in the place of the rest (zeros in the first)"},
+    .cut = {kRecordStartSize, kFilledFromBefore.rest},
     .samples_at = kScopeCountAt,
 };
 

@@ -115,8 +115,7 @@ const RecordType kWaveformSeries = {
     .companion = true,
     .state = true,
     .progress = true,
-    .cut = {kRecordStartSize,
-            "with samples of the record before left in the place of the rest (zeros in the first)"},
+    .cut = {kRecordStartSize, kFilledFromBefore.rest},
 };
 
 }  // namespace quorvex
