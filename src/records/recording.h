@@ -82,7 +82,7 @@ struct RecordType {
   uint32_t settings_at = kFileHeaderSize;  // 0: the file carries no settings
   uint32_t records_at = kHeadSize;
   bool companion = false;              // a setting file beside it replaces the settings
-  bool state = false;                  // an instrument state record is current meanwhile
+  bool state = false;                  // an instrument state record is held meanwhile
   bool harmonics_flag = false;         // variant of the settings block
   bool progress = false;               // the host's callback reaches it: reports, can be stopped
   const Field* information = nullptr;  // block behind the settings, written before the list
