@@ -13,8 +13,10 @@ endif()
 # the Debian package gets the same from CPack.
 function(split_debug_information target)
   set(file $<TARGET_FILE:${target}>)
+  # Without "preserve" the time of the copy stands in its head.
+  set(copy ${CMAKE_OBJCOPY} --preserve-dates)
   add_custom_command(TARGET ${target} POST_BUILD VERBATIM
-    COMMAND ${CMAKE_OBJCOPY} --only-keep-debug ${file} ${file}.debug
-    COMMAND ${CMAKE_OBJCOPY} --strip-all --add-gnu-debuglink=${file}.debug ${file})
+    COMMAND ${copy} --only-keep-debug ${file} ${file}.debug
+    COMMAND ${copy} --strip-all --add-gnu-debuglink=${file}.debug ${file})
   install(FILES ${file}.debug TYPE BIN COMPONENT debug EXCLUDE_FROM_ALL)
 endfunction()
