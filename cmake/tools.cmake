@@ -10,9 +10,15 @@ file(CREATE_LINK ${JSON_INCLUDE}/nlohmann ${CMAKE_BINARY_DIR}/header-only/nlohma
 # The commands: a library, for the tests too, and the program around it.
 file(GLOB_RECURSE tool_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/quorvex/*.cpp)
 list(FILTER tool_sources EXCLUDE REGEX "main\\.cpp$")
+if(WIN32)
+  list(FILTER tool_sources EXCLUDE REGEX "_posix\\.cpp$")
+else()
+  list(FILTER tool_sources EXCLUDE REGEX "_windows\\.cpp$")
+endif()
 add_library(quorvex_commands STATIC ${tool_sources})
 target_include_directories(quorvex_commands PUBLIC ${CMAKE_SOURCE_DIR}/tools/quorvex)
 target_include_directories(quorvex_commands SYSTEM PRIVATE ${CMAKE_BINARY_DIR}/header-only)
+target_compile_definitions(quorvex_commands PRIVATE QUORVEX_TOOL_VERSION="${PROJECT_VERSION}")
 target_link_libraries(quorvex_commands PUBLIC quorvex_static PRIVATE quorvex_flags)
 add_executable(quorvex ${CMAKE_SOURCE_DIR}/tools/quorvex/main.cpp)
 target_include_directories(quorvex SYSTEM PRIVATE ${CMAKE_BINARY_DIR}/header-only)
@@ -20,6 +26,15 @@ target_link_libraries(quorvex PRIVATE quorvex_commands quorvex_flags)
 
 if(WIN32)
   target_link_options(quorvex PRIVATE -static)
+  # Its version, and the manifest that makes every file name one that it can say.
+  set(resource_kind VFT_APP)
+  set(resource_name quorvex)
+  set(resource_file quorvex.exe)
+  configure_file(${CMAKE_SOURCE_DIR}/cmake/version.rc.in ${CMAKE_BINARY_DIR}/quorvex.rc)
+  file(APPEND ${CMAKE_BINARY_DIR}/quorvex.rc "1 24 \"${CMAKE_SOURCE_DIR}/cmake/quorvex.manifest\"\n")
+  target_sources(quorvex PRIVATE ${CMAKE_BINARY_DIR}/quorvex.rc)
+  set_source_files_properties(${CMAKE_BINARY_DIR}/quorvex.rc PROPERTIES
+                              OBJECT_DEPENDS ${CMAKE_SOURCE_DIR}/cmake/quorvex.manifest)
 endif()
 
 # Sample recordings: a library, for the benchmarks too, and the program that writes them.

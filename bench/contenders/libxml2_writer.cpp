@@ -75,11 +75,12 @@ XmlWriter* CreateWriter(FileHandle* file) {
   return writer;
 }
 
-void CloseWriter(XmlWriter* writer) {
-  if (writer == nullptr) return;
+bool CloseWriter(XmlWriter* writer) {
+  if (writer == nullptr) return true;
   xmlFreeTextWriter(Writer(writer));
-  CloseFile(writer->file);
+  const bool closed = CloseFile(writer->file);
   Release(writer);
+  return closed;
 }
 
 }  // namespace quorvex

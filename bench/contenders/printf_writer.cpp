@@ -36,10 +36,11 @@ XmlWriter* CreateWriter(FileHandle* file) {
   return writer;
 }
 
-void CloseWriter(XmlWriter* writer) {
-  if (writer == nullptr) return;
-  CloseFile(writer->file);
+bool CloseWriter(XmlWriter* writer) {
+  if (writer == nullptr) return true;
+  const bool closed = CloseFile(writer->file);
   Release(writer);
+  return closed;
 }
 
 }  // namespace quorvex

@@ -125,6 +125,7 @@ const RecordType kAverages = {
     .record = &kSummariesRecord,
     .write = WriteSummaries,
     .once = true,
+    .cut = {1, "what it lacks is left over from the summary before (zeros in the first)"},
 };
 
 }  // namespace quorvex

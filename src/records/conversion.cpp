@@ -15,12 +15,14 @@ namespace {
 
 constexpr uint32_t kInformationRoom = 256;
 
-// False where the file cannot be opened. Bytes that a short file lacks stay as they are.
+// False where the file cannot be opened, or is of another type by now. Bytes that a short file
+// lacks stay as they are.
 bool ReadHead(const RecordType& type, const char* path, FileHeader* header, UifParams* settings,
               uint8_t* information) {
   File file(path, kOpenRead);
   if (!file) return false;
   ReadBytes(file.get(), header, sizeof *header);
+  if (header->type != type.type) return false;
   if (type.settings_at == 0) return true;
   if (!SeekTo(file.get(), type.settings_at)) return true;
   ReadBytes(file.get(), settings, kSettingsSize);
@@ -28,14 +30,16 @@ bool ReadHead(const RecordType& type, const char* path, FileHeader* header, UifP
   return true;
 }
 
-void WriteRecords(const RecordType& type, const Request& request, const UifParams& settings,
+// False where the file cannot be opened any longer.
+bool WriteRecords(const RecordType& type, const Request& request, const UifParams& settings,
                   XmlWriter* document) {
   File input(request.input, kOpenRead);
-  if (!input || !SeekTo(input.get(), type.records_at)) return;
+  if (!input || !SeekTo(input.get(), type.records_at)) return false;
   Tracked<FileInfo> info;
   const bool known = QueryFileInfo(request.input, info.get()) == 0;
   type.write({type, request, settings, document, input.get(), known ? info->size : 0,
               known ? WholeSize(*info) : 0});
+  return true;
 }
 
 }  // namespace
@@ -46,17 +50,18 @@ void ReadFileHeader(const char* path, FileHeader* header) {
   if (file) ReadBytes(file.get(), header, sizeof *header);
 }
 
-void ConvertRecording(const RecordType& type, const Request& request) {
+bool ConvertRecording(const RecordType& type, const Request& request) {
   FileHeader header{};
   Tracked<UifParams> settings;
   uint8_t information[kInformationRoom] = {};
-  if (!ReadHead(type, request.input, &header, settings.get(), information)) return;
+  if (!ReadHead(type, request.input, &header, settings.get(), information)) return false;
   if (type.companion) LoadSettingFile(request.input, settings.get());
   std::optional<ScopedState> state;
   if (type.state) state.emplace(settings.get());
 
   XmlWriter* document = CreateDocument(request.input, request.output);
-  if (document == nullptr) return;
+  if (document == nullptr) return false;
+  document->go_on = request.go_on;
   WriteDocumentStart(document);
   RenderOnce(document, kFileHeader, kAllCases, &header);
   if (type.settings_at != 0) WriteSettingsBlock(document, *settings, type.harmonics_flag);
@@ -64,10 +69,10 @@ void ConvertRecording(const RecordType& type, const Request& request) {
     RenderOnce(document, *type.information, CaseOf(*settings), information);
   }
   if (type.list != nullptr) OpenElement(document, type.list);
-  if (type.write != nullptr) WriteRecords(type, request, *settings, document);
+  const bool there = type.write == nullptr || WriteRecords(type, request, *settings, document);
   if (type.list != nullptr) CloseElement(document);
   CloseElement(document);
-  CloseDocument(document);
+  return CloseDocument(document) && there;
 }
 
 uint32_t CountRecords(uint32_t file_size, uint32_t record_size) {
@@ -82,7 +87,7 @@ void WriteCountedRecords(const Conversion& c) {
   Tracked<uint8_t> record(record_size);
   if (c.type.record_settings_at != 0) Store(record.get() + c.type.record_settings_at, c.settings);
   const uint32_t count = CountRecords(c.size, record_size);
-  for (uint32_t i = 0; i < count; ++i) {
+  for (uint32_t i = 0; i < count && !c.document->abandoned; ++i) {
     ReadBytes(c.input, record.get(), record_size);
     plan.Render(c.document, record.get());
   }

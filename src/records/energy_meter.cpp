@@ -66,6 +66,7 @@ const RecordType kEnergyMeter = {
     .list = "RECORDS",
     .record = &kResult,
     .write = WriteCountedRecords,
+    .cut = kFilledFromBefore,
 };
 
 }  // namespace quorvex

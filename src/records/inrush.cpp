@@ -23,6 +23,7 @@ const RecordType kInrushCurrents = {
     .list = "RECORDS",
     .record = &kInrush,
     .write = WriteCountedRecords,
+    .cut = kFilledFromBefore,
 };
 
 }  // namespace quorvex

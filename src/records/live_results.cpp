@@ -106,6 +106,7 @@ const RecordType kLiveResults = {
     .write = WriteLiveResults,
     .state = true,
     .once = true,
+    .cut = {0, "what it lacks is zero"},
     .samples_at = 0,
 };
 

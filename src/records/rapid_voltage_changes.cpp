@@ -45,6 +45,7 @@ const RecordType kRapidVoltageChanges = {
     .list = "RECORDS",
     .record = &kChange,
     .write = WriteCountedRecords,
+    .cut = kFilledFromBefore,
 };
 
 }  // namespace quorvex

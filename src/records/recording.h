@@ -21,6 +21,7 @@ struct Request {
   uint32_t first = 1;            // record numbers from 1, inclusive; general recordings only
   uint32_t last = 0xFFFFFFFF;
   ProgressCallback progress = nullptr;
+  GoOn go_on = nullptr;  // see WriteAll; where it says no, the document ends as it stands
 };
 
 // The eight bytes at the start of every file.
@@ -37,6 +38,16 @@ inline constexpr Field kFileHeader = Record("FILE_HEADER", sizeof(FileHeader), k
 static_assert(Tiles(kFileHeader));
 
 struct RecordType;
+
+// What becomes of a last record that is cut short: where at least `from` of its bytes are there, it
+// is written, and `rest` says how.
+struct CutRecord {
+  uint32_t from;
+  const char* rest;
+};
+constexpr CutRecord kLeftOut = {UINT32_MAX, ""};
+constexpr CutRecord kFilledFromBefore = {
+    1, "what it lacks is left over from the record before (zeros in the first)"};
 
 // A conversion under way, as the writers of the record types see it.
 struct Conversion {
@@ -75,6 +86,7 @@ struct RecordType {
   const Field* information = nullptr;  // block behind the settings, written before the list
   uint32_t record_settings_at = 0;     // where a record carries settings of its own, 0: nowhere
   bool once = false;                   // one record a file, whether it is all there or not
+  CutRecord cut = kLeftOut;
   // In the place of `record`, where there are several layouts.
   const LayoutChoice* choice = nullptr;
   int32_t samples_at = -1;  // the word of a record that counts its samples, if no row names it
@@ -92,9 +104,10 @@ constexpr uint32_t kLongHeadSize = kLongSettingsAt + kSettingsSize;
 // short for them leaves out keeps its value otherwise.
 void ReadFileHeader(const char* path, FileHeader* header);
 
-// Converts one file of a known type. Silent: without a readable input, or with an output that
-// cannot be created, there is no document.
-void ConvertRecording(const RecordType& type, const Request& request);
+// Converts one file of a known type. Without a readable input, or with an output that cannot be
+// created, there is no document. False then, and where the document is not all there: its writing
+// was given up, or the recording vanished or became one of another type meanwhile.
+bool ConvertRecording(const RecordType& type, const Request& request);
 
 // Number of records behind the head, a last partial one included, for the size of a file in 32-bit
 // arithmetic: a size below the head's wraps round to a huge count.

@@ -41,7 +41,7 @@ void WriteSessions(const Conversion& c) {
   const Plan header_plan(kSessionHeader, kAllCases);
   const Plan element_plan(kElement, kAllCases);
   uint8_t header[kSessionHeader.size];
-  while (ReadBytes(c.input, header, sizeof header) == sizeof header) {
+  while (!c.document->abandoned && ReadBytes(c.input, header, sizeof header) == sizeof header) {
     OpenElement(c.document, kSession.name);
     header_plan.Render(c.document, header);
     const auto elements = Load<int32_t>(header + kElementsNumAt);
@@ -68,6 +68,7 @@ const RecordType kSessions = {
     .write = WriteSessions,
     .settings_at = 0,
     .records_at = kFileHeaderSize,
+    .cut = {kSessionHeader.size, "elements that are not whole are left out"},
 };
 
 }  // namespace quorvex

@@ -143,7 +143,7 @@ void WriteSignalling(const Conversion& c) {
   uint8_t head[kHead.size] = {};  // what a last head lacks is left from the one before
   const uint32_t length = c.size - kHeadSize;
   uint64_t position = 0;
-  while (position < length) {
+  while (position < length && !c.document->abandoned) {
     ReadBytes(c.input, head, sizeof head);
     position += sizeof head;
     const auto announced = Load<int32_t>(head + kPacketsAt);
@@ -170,6 +170,7 @@ const RecordType kSignalling = {
     .list = "RECORDS",
     .record = &kRecording,
     .write = WriteSignalling,
+    .cut = {1, "what it lacks is left over from what was read before (zeros in the first)"},
 };
 
 }  // namespace quorvex

@@ -119,6 +119,7 @@ const RecordType kSnapshots = {
     .companion = true,
     .state = true,
     .progress = true,
+    .cut = {kRecordStartSize, kFilledFromBefore.rest},
     .samples_at = kScopeCountAt,
 };
 

@@ -29,6 +29,7 @@ const RecordType kTransients = {
     .record = &kEntry,
     .write = WriteCountedRecords,
     .record_settings_at = kNameSize,
+    .cut = kFilledFromBefore,
 };
 
 }  // namespace quorvex

@@ -183,6 +183,7 @@ const RecordType kWaveformCapture = {
     .companion = true,
     .state = true,
     .once = true,
+    .cut = {0, "what it lacks is left over from the waveform before (zeros in the first)"},
 };
 
 }  // namespace quorvex

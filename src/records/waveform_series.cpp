@@ -115,6 +115,7 @@ const RecordType kWaveformSeries = {
     .companion = true,
     .state = true,
     .progress = true,
+    .cut = {kRecordStartSize, kFilledFromBefore.rest},
 };
 
 }  // namespace quorvex

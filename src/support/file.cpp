@@ -1,5 +1,6 @@
 #include "support/file.h"
 
+#include <cerrno>
 #include <cstring>
 
 #include "support/memory.h"
@@ -35,11 +36,12 @@ FileHandle* OpenFile(const char* path, int32_t mode) {
   return file;
 }
 
-void CloseFile(FileHandle* file) {
-  if (file == nullptr) return;
-  if (file->stream != nullptr) std::fclose(file->stream);
+bool CloseFile(FileHandle* file) {
+  if (file == nullptr) return true;
+  const bool closed = file->stream == nullptr || std::fclose(file->stream) == 0;
   file->stream = nullptr;
   Release(file);
+  return closed;
 }
 
 uint32_t ReadBytes(FileHandle* file, void* to, uint32_t count) {
@@ -58,12 +60,16 @@ bool SeekTo(FileHandle* file, uint64_t position) {
 uint64_t PositionOf(FileHandle* file) { return static_cast<uint64_t>(ftello(file->stream)); }
 #endif
 
-uint32_t WriteAll(FileHandle* file, const void* bytes, uint32_t count) {
+uint32_t WriteAll(FileHandle* file, const void* bytes, uint32_t count, GoOn go_on) {
   // Past the stream's own buffer: a stream that fails half way forgets what it had buffered.
   uint32_t written = 0;
+  int error = 0;
   while (written < count) {
+    if (go_on != nullptr && !go_on(error)) break;
+    errno = 0;
     const uint32_t piece =
         WritePiece(file->stream, static_cast<const uint8_t*>(bytes) + written, count - written);
+    error = piece == 0 ? errno : 0;
     if (piece == 0) PauseMs(kFullDiskPauseMs);
     written += piece;
   }

@@ -24,8 +24,9 @@ enum OpenMode : int32_t { kOpenRead = 1, kOpenCreate = 2, kOpenAppend = 3, kOpen
 // read.
 FileHandle* OpenFile(const char* path, int32_t mode);
 
-// Closes the stream and releases the handle; null is left alone.
-void CloseFile(FileHandle* file);
+// Closes the stream and releases the handle; null is left alone. False where the system says only
+// now that something written before did not arrive.
+bool CloseFile(FileHandle* file);
 
 // Bytes read, fewer than `count` at the end of the file. The rest of the buffer stays as it was.
 uint32_t ReadBytes(FileHandle* file, void* to, uint32_t count);
@@ -33,9 +34,14 @@ uint32_t ReadBytes(FileHandle* file, void* to, uint32_t count);
 bool SeekTo(FileHandle* file, uint64_t position);
 uint64_t PositionOf(FileHandle* file);
 
+// Asked in front of a piece that is written (with 0), and after one of which nothing arrived (with
+// the reason as errno has it): whether to go on. No host can ask for this; the command line does.
+using GoOn = bool (*)(int error);
+
 // Writes all of `count` bytes and returns `count`. A piece that writes nothing (a full disk) is
-// tried again after a pause until there is room: a document is never silently cut short.
-uint32_t WriteAll(FileHandle* file, const void* bytes, uint32_t count);
+// tried again after a pause until there is room: a document is never silently cut short. Only
+// `go_on`, where there is one, ends that: then fewer bytes have been written.
+uint32_t WriteAll(FileHandle* file, const void* bytes, uint32_t count, GoOn go_on = nullptr);
 
 // Copies `source` without its last '.' and what follows. `destination` needs as much room.
 void StripExtension(const char* source, char* destination);

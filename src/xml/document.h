@@ -15,7 +15,7 @@ constexpr char kRootElement[] = "Project";
 // The XML declaration and the opened root.
 void WriteDocumentStart(XmlWriter* document);
 
-// Writes what is buffered, closes the file and releases the document.
-inline void CloseDocument(XmlWriter* document) { CloseWriter(document); }
+// Writes what is buffered, closes the file and releases the document. Whether all has arrived.
+inline bool CloseDocument(XmlWriter* document) { return CloseWriter(document); }
 
 }  // namespace quorvex

@@ -16,6 +16,12 @@ void Grow(XmlWriter* writer, uint32_t needed) {
   writer->buffer = larger;
 }
 
+void WriteOut(XmlWriter* writer) {
+  if (writer->abandoned) return;
+  const uint32_t written = WriteAll(writer->file, writer->buffer, writer->position, writer->go_on);
+  writer->abandoned = written != writer->position;
+}
+
 }  // namespace
 
 XmlWriter* CreateWriter(FileHandle* file) {
@@ -27,19 +33,20 @@ XmlWriter* CreateWriter(FileHandle* file) {
   return writer;
 }
 
-void CloseWriter(XmlWriter* writer) {
-  if (writer == nullptr) return;
-  if (writer->mode == Output::kFile) WriteAll(writer->file, writer->buffer, writer->position);
-  CloseFile(writer->file);
+bool CloseWriter(XmlWriter* writer) {
+  if (writer == nullptr) return true;
+  if (writer->mode == Output::kFile) WriteOut(writer);
+  const bool arrived = CloseFile(writer->file) && !writer->abandoned;
   Release(writer->buffer);
   Release(writer);
+  return arrived;
 }
 
 char* Reserve(XmlWriter* writer, uint32_t size) {
   assert(size <= kWriterBuffer);
   if (size > writer->capacity - writer->position) {
     if (writer->mode == Output::kFile) {
-      WriteAll(writer->file, writer->buffer, writer->position);
+      WriteOut(writer);
       writer->position = 0;
     } else {
       Grow(writer, writer->position + size);

@@ -23,14 +23,16 @@ struct XmlWriter {
   char* buffer;
   uint32_t capacity;
   uint32_t position;  // bytes in the buffer
+  GoOn go_on;         // see WriteAll; null for none
+  bool abandoned;     // it said no: nothing more is written
 };
 
 // A writer with an empty buffer of kWriterBuffer bytes; it owns `file` (null in memory mode).
 XmlWriter* CreateWriter(FileHandle* file);
 
 // Writes what the buffer holds, closes the file, releases everything. Null is left alone. Open
-// elements stay open: whoever opened them closes them first.
-void CloseWriter(XmlWriter* writer);
+// elements stay open: whoever opened them closes them first. Whether all text has arrived.
+bool CloseWriter(XmlWriter* writer);
 
 // Room for `size` more bytes in one piece, kWriterBuffer at the most. Write there, then Advance.
 char* Reserve(XmlWriter* writer, uint32_t size);

@@ -1,7 +1,6 @@
 // quorvex check: whether recordings are sound, for people and for programs.
-#include <cstdio>
-
 #include "commands.h"
+#include "gather.h"
 #include "json.h"
 #include "record_check.h"
 
@@ -37,11 +36,11 @@ Json ToJson(const std::string& path, const CheckResult& result) {
   return entry;
 }
 
-void Print(const std::string& path, const CheckResult& result) {
+void PrintResult(const std::string& path, const CheckResult& result) {
   for (const std::string& line : LinesOf(result.findings, Severity::kNote)) {
-    std::printf("%s: %s\n", path.c_str(), line.c_str());
+    Print(Shown(CalledName(path) + ": " + line) + "\n");
   }
-  if (CodeOf(result) == kDone) std::printf("%s: sound\n", path.c_str());
+  if (CodeOf(result) == kDone) Print(Shown(CalledName(path)) + ": sound\n");
 }
 
 }  // namespace
@@ -61,14 +60,15 @@ int Check(const CheckOptions& options) {
     if (options.json) {
       array.Add(ToJson(path, result));
     } else {
-      Print(path, result);
+      PrintResult(path, result);
     }
   }
   if (options.json) {
     array.Close();
   } else if (paths.size() > 1) {
-    std::printf("%zu checked: %zu sound, %zu with warnings, %zu with errors\n", paths.size(), sound,
-                doubtful, paths.size() - sound - doubtful);
+    const auto number = [](size_t count) { return std::to_string(count); };
+    Print(number(paths.size()) + " checked: " + number(sound) + " sound, " + number(doubtful) +
+          " with warnings, " + number(paths.size() - sound - doubtful) + " with errors\n");
   }
   return code;
 }

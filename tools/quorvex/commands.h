@@ -10,9 +10,11 @@ namespace quorvex::tool {
 struct ConvertOptions {
   std::vector<std::string> inputs;  // recordings, and folders of them
   std::string output;               // empty: beside each recording; a folder for several
-  std::string records;              // "A-B", empty for all
+  std::string records;              // "A-B", "A-" or "A", empty for all
   unsigned jobs = 0;                // side by side; 0: as many as there are cores
   bool quiet = false;               // failures only: no findings, no summary
+  bool overwrite = false;           // documents that exist already are replaced
+  bool no_clobber = false;          // ... are left alone, which is no failure then
 };
 int Convert(const ConvertOptions& options);
 
@@ -30,6 +32,9 @@ struct CheckOptions {
 int Check(const CheckOptions& options);
 
 int Count(const std::string& path);
+
+// "quorvex 3.7.44 (library 3744)"
+std::string VersionText();
 int Version();
 
 // The schema of one type's documents, of any type's for 0; the format reference. On stdout.

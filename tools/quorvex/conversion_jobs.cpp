@@ -1,102 +1,170 @@
 #include "conversion_jobs.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
 #include <mutex>
+#include <set>
 #include <thread>
 #include <vector>
 
-#include "quorvex64.h"
+#include "gather.h"
+#include "messages.h"
+#include "scratch.h"
 
 namespace quorvex::tool {
 namespace {
 
 thread_local Job* current_job = nullptr;
 
-int32_t QUORVEX_CALL OnProgress(float fraction) {
+int32_t OnProgress(float fraction) {
   if (fraction >= 0) current_job->fraction = std::min(fraction, 1.0f);
-  return Interrupted() ? -1 : 0;
+  return Interrupted() || current_job->write_error != 0 ? -1 : 0;
 }
 
-// Tries whether a file can be created, so that a failure has a reason.
-bool CanCreate(const std::string& path) {
-  std::FILE* file = std::fopen(path.c_str(), "wb");
-  if (file == nullptr) return false;
-  std::fclose(file);
-  return true;
+bool IsFull(int error) {
+#ifdef EDQUOT
+  if (error == EDQUOT) return true;
+#endif
+  return error == ENOSPC;
 }
 
-// The document appears under its name only when it is complete.
-void RunJob(Job* job, const Range& range, unsigned worker) {
-  // Into a device or a pipe the document goes directly: there is no name to keep clean.
-  const bool direct = IsSpecial(job->output);
-  const std::string scratch =
-      direct ? job->output
-             : job->output + "." + std::to_string(ProcessId()) + "-" + std::to_string(worker) + "~";
-  if (scratch.size() > kMaxPath) {
-    return job->Fail(kNoOutput, job->output, "the path is too long");
-  }
-  if (!direct && !CanCreate(scratch)) {
-    return job->Fail(kNoOutput, job->output, "cannot be written: " + LastError());
-  }
-  if (!direct) SetScratch(worker, scratch);
+// Asked by the library around its writes. A full disk is waited for, as a document may be large and
+// room can be made; nothing else is.
+bool GoOn(int error) {
+  Job& job = *current_job;
+  if (Interrupted()) return false;
+  const bool regular = !job.output.empty() && !IsSpecial(job.output);
+  job.waiting = regular && IsFull(error);
+  if (error == 0 || error == EINTR || error == EAGAIN || job.waiting) return true;
+  job.write_error = error;
+  return false;
+}
+
+// The library's conversion. Its outcome is the job's where it is a failure.
+bool ConvertInto(const std::string& document, Job* job) {
+  const Recording& recording = job->recording;
   current_job = job;
-  QuorvexConvertPerPartes(job->input.c_str(), scratch.c_str(), range.first, range.last, OnProgress);
+  errno = 0;
+  // Of a profile without a layout there is nothing to convert; the library would only count, for
+  // ever where the range has no end.
+  const bool countable = recording.has_layout;
+  const bool converted =
+      ConvertRecording(*recording.type, {job->input.c_str(), document.c_str(), job->range.first,
+                                         job->range.last, countable ? OnProgress : nullptr, GoOn});
+  const int error = errno;
   current_job = nullptr;
+  job->waiting = false;
   if (Interrupted()) {
     job->Fail(kCancelled, job->input, "cancelled");
-    if (!direct) std::remove(scratch.c_str());
-  } else if (!direct && !Replace(scratch, job->output)) {
-    job->Fail(kNoOutput, job->output, "cannot be written: " + LastError());
-    std::remove(scratch.c_str());
+  } else if (job->write_error != 0) {
+    job->Fail(kNoOutput, job->named, "cannot be written: " + TextOfError(job->write_error));
+  } else if (!converted) {
+    // What the tool saw is no longer so, or the system saw an error only when the file was closed.
+    const Recording now = Inspect(job->input);
+    if (now.code != kDone) {
+      job->Fail(now.code, job->input, now.problem);
+    } else {
+      job->Fail(kNoOutput, job->named,
+                "cannot be written" + (error != 0 ? ": " + TextOfError(error) : ""));
+    }
   }
-  SetScratch(worker, "");
+  return job->code == kDone;
 }
 
-class ProgressBar {
+// Whether all of it arrives shows at the end of the program.
+void CopyToOutput(const std::string& path, Job* job) {
+  std::FILE* from = std::fopen(path.c_str(), "rb");
+  if (from == nullptr) return job->Fail(kNoOutput, path, LastError());
+  UseBytes(stdout);
+  std::string piece;
+  do {
+    piece.resize(1 << 16);
+    piece.resize(std::fread(piece.data(), 1, piece.size(), from));
+  } while (!piece.empty() && Print(piece) && !Interrupted());
+  std::fclose(from);
+  if (Interrupted()) job->Fail(kCancelled, job->input, "cancelled");
+}
+
+// The documents that this run has put in their places.
+class Documents {
  public:
-  explicit ProgressBar(const std::deque<Job>& jobs) : jobs_(jobs), shown_(ErrorsGoToTerminal()) {
-    for (const Job& job : jobs) total_ += static_cast<double>(job.recording.size);
-  }
-
-  void Draw() {
-    if (!shown_ || total_ == 0) return;
-    double done = 0;
-    size_t finished = 0;
-    for (const Job& job : jobs_) {
-      finished += job.finished ? 1 : 0;
-      done += static_cast<double>(job.recording.size) *
-              (job.finished ? 1.0 : static_cast<double>(job.fraction));
+  void Put(Scratch* scratch, bool overwrite, Job* job) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    const std::optional<Identity> there = IdentityOf(job->output);
+    if (there && placed_.count(*there) != 0) {
+      return job->Fail(kNoOutput, job->input,
+                       "its document " + job->named + " is the one of another recording already");
     }
-    constexpr int kWidth = 40;
-    const int marks = static_cast<int>(done / total_ * kWidth);
-    std::fprintf(stderr, "\r[%.*s%*s] %3d%%  %zu of %zu", marks,
-                 "########################################", kWidth - marks, "",
-                 static_cast<int>(done / total_ * 100), finished, jobs_.size());
-    drawn_ = true;
-  }
-
-  void Clear() {
-    if (drawn_) std::fprintf(stderr, "\r%70s\r", "");
-    drawn_ = false;
+    const std::optional<Identity> fresh = IdentityOf(scratch->path());
+    if (scratch->Become(job->output, overwrite)) {
+      if (fresh) placed_.insert(*fresh);
+      return;
+    }
+    const std::string reason = SystemError();
+    if (!overwrite && Exists(job->output)) return job->FailExisting();
+    job->Fail(kNoOutput, job->named, "cannot be written: " + reason);
   }
 
  private:
-  const std::deque<Job>& jobs_;
-  double total_ = 0;
-  bool shown_;
-  bool drawn_ = false;
+  std::mutex mutex_;
+  std::set<Identity> placed_;
 };
+
+// The document appears under its name only when it is complete.
+void RunJob(Job* job, const Placing& placing, unsigned worker, Documents* documents) {
+  const bool to_stdout = job->output.empty();
+  // Into a device or a pipe the document goes directly: there is no name to keep clean.
+  if (!to_stdout && IsSpecial(job->output)) {
+    ConvertInto(job->output, job);
+    return;
+  }
+  Scratch scratch(to_stdout ? kOutputSlot : worker);
+  const std::string folder = to_stdout ? TemporaryFolder() : FolderOf(job->output);
+  if (!scratch.Create(folder)) {
+    return job->Fail(kNoOutput, job->named, "cannot be written: " + LastError());
+  }
+  if (scratch.path().size() > kMaxPath) {
+    return job->Fail(kNoOutput, job->named, "the path is too long");
+  }
+  if (!ConvertInto(scratch.path(), job)) return;
+  if (to_stdout) {
+    CopyToOutput(scratch.path(), job);
+  } else {
+    documents->Put(&scratch, placing.overwrite, job);
+  }
+}
+
+Done SumOf(const std::deque<Job>& jobs) {
+  Done sum;
+  sum.of_files = jobs.size();
+  for (const Job& job : jobs) {
+    const auto size = static_cast<double>(job.recording.size);
+    sum.of_bytes += size;
+    sum.files += job.finished ? 1 : 0;
+    sum.bytes += size * (job.finished ? 1.0 : static_cast<double>(job.fraction));
+  }
+  return sum;
+}
+
+void Tell(const Job& job, Progress* progress) {
+  const std::vector<std::string> lines = LinesOf(job.findings, Severity::kWarning);
+  const bool interrupted = job.code == kCancelled && Interrupted();
+  const bool problem = !job.problem.empty() && !interrupted && !job.exists;
+  if (problem || !lines.empty()) progress->Clear();
+  for (const std::string& line : lines) Complain(job.input, line);
+  if (problem) Complain(job.culprit, job.problem);
+}
 
 }  // namespace
 
-bool RunJobs(std::deque<Job>* jobs, const Range& range, unsigned workers, bool check) {
-  CatchInterrupts();
+bool RunJobs(std::deque<Job>* jobs, const Placing& placing, unsigned workers, Progress* progress) {
   std::atomic<size_t> next{0};
   std::mutex mutex;
   std::condition_variable changed;
+  Documents documents;
   const auto finish = [&](Job* job) {
     const std::lock_guard<std::mutex> lock(mutex);
     job->finished = true;
@@ -107,8 +175,12 @@ bool RunJobs(std::deque<Job>* jobs, const Range& range, unsigned workers, bool c
       Job& job = (*jobs)[i];
       if (job.problem.empty() && Interrupted()) job.Fail(kCancelled, job.input, "cancelled");
       if (job.problem.empty()) {
-        RunJob(&job, range, worker);
-        if (check && job.code == kDone) job.findings = CheckRecording(job.input).findings;
+        RunJob(&job, placing, worker, &documents);
+        if (placing.check && job.code == kDone) {
+          job.findings = CheckRecording(job.input).findings;
+        } else if (job.code == kDone && !job.recording.has_layout) {
+          job.findings.Add(NoLayout(job.recording.profile));
+        }
       }
       finish(&job);
     }
@@ -116,38 +188,31 @@ bool RunJobs(std::deque<Job>* jobs, const Range& range, unsigned workers, bool c
   std::vector<std::thread> threads;
   for (unsigned i = 0; i < workers; ++i) threads.emplace_back(work, i);
 
-  // Failures are told in the order of the jobs, whichever ends first.
-  ProgressBar bar(*jobs);
-  constexpr auto kBetweenDrawings = std::chrono::milliseconds(100);
-  constexpr int kPatience = 10;  // drawings until an interrupt is not waited for any longer
+  // What happened is told in the order of the jobs, whichever ends first.
+  constexpr auto kTick = std::chrono::milliseconds(100);
+  constexpr int kPatience = 50, kLittlePatience = 10;  // ticks, after one interrupt and after more
   int waited = 0;
   bool said_full = false;
   for (size_t told = 0; told < jobs->size();) {
     const Job& job = (*jobs)[told];
     std::unique_lock<std::mutex> lock(mutex);
-    if (!changed.wait_for(lock, kBetweenDrawings, [&] { return job.finished.load(); })) {
-      if (Interrupted() && ++waited > kPatience) {
-        std::fprintf(stderr, "quorvex: cancelled\n");
-        EndAtOnce();
-      }
-      if (!said_full && IsDiskFull(job.output)) {
-        bar.Clear();
-        Complain(job.output, "the disk is full; waiting for room (an interrupt cancels)");
-        said_full = true;
-      }
-      bar.Draw();
-      continue;
+    const bool finished = changed.wait_for(lock, kTick, [&] { return job.finished.load(); });
+    lock.unlock();
+    if (finished) {
+      ++told;
+      Tell(job, progress);
+    } else if (Interrupted() && ++waited > (Interrupts() > 1 ? kLittlePatience : kPatience)) {
+      std::fprintf(stderr, "quorvex: cancelled\n");
+      EndAtOnce();
+    } else if (!said_full && job.waiting) {
+      progress->Clear();
+      Complain(job.named, "the disk is full; waiting for room (an interrupt cancels)");
+      said_full = true;
     }
-    ++told;
-    bar.Clear();
-    for (const std::string& line : LinesOf(job.findings, Severity::kWarning)) {
-      Complain(job.input, line);
-    }
-    if (job.problem.empty() || (job.code == kCancelled && Interrupted())) continue;
-    Complain(job.culprit, job.problem);
+    if (progress->IsDue()) progress->Tell(SumOf(*jobs));
   }
   for (std::thread& thread : threads) thread.join();
-  bar.Clear();
+  progress->Clear();
   return !Interrupted();
 }
 

@@ -1,9 +1,8 @@
 // quorvex schema and formats.
-#include <cstdio>
-
 #include "commands.h"
 #include "formats/generate.h"
 #include "host.h"
+#include "messages.h"
 #include "records/record_types.h"
 
 namespace quorvex::tool {
@@ -11,12 +10,12 @@ namespace quorvex::tool {
 int PrintSchema(uint32_t type) {
   const RecordType* row = FindRecordType(type);
   const std::string schema = row != nullptr ? SchemaOf(*row) : SchemaOfAnyType();
-  std::fputs(schema.c_str(), stdout);
+  Print(schema);
   return kDone;
 }
 
 int PrintFormats() {
-  std::fputs(FormatReference().c_str(), stdout);
+  Print(FormatReference());
   return kDone;
 }
 

@@ -1,9 +1,12 @@
 // What the command line needs of its host: file matters that the two platforms do differently,
-// messages, and the exit codes.
+// interrupts, and the exit codes.
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quorvex::tool {
@@ -20,44 +23,85 @@ enum ExitCode {
   kCancelled = 130,
 };
 
-// "FILE: reason" on stderr, in the one form that all messages have.
-void Complain(const std::string& path, const std::string& reason);
+// The program's arguments, without its name. On Windows they come from the command line as it was
+// typed: a backslash in front of a quote is part of a path there ("C:\My card\"), and * and ? are
+// for the program to expand.
+std::vector<std::string> Arguments(int argc, char** argv);
+
+// Whether the program has a window of its own, which closes when it ends: recordings were dropped
+// on it, or it was opened by a double click.
+bool OwnsItsWindow();
+void WaitForEnter();
+
+// What is printed is UTF-8, whatever the terminal thinks; bytes are not changed on their way.
+void PrepareStreams();
+void UseBytes(std::FILE* stream);
+bool ErrorsGoToTerminal();
 
 // A path as the host has it, in UTF-8.
 std::string Utf8(const std::string& path);
 
-// The text of the last failed call.
+// Why the last call failed: of the system's own, and of the C library.
+std::string SystemError();
 std::string LastError();
+std::string TextOfError(int error);
 
 // Whether something stands at `path` that is no regular file (a device, a pipe, a folder).
 bool IsFolder(const std::string& path);
 bool IsSpecial(const std::string& path);
+bool Exists(const std::string& path);
 bool SameRecording(const std::string& first, const std::string& second);
+
+// What names a file or folder whatever path leads to it; nothing where there is none.
+using Identity = std::pair<uint64_t, uint64_t>;
+std::optional<Identity> IdentityOf(const std::string& path);
 
 // The file that a symbolic link leads to; the path itself where it is none.
 std::string Resolved(const std::string& path);
 
-// Puts `from` in the place of `to`, which may exist.
-bool Replace(const std::string& from, const std::string& to);
+// A name of a file as its folder compares names.
+std::string NameKey(const std::string& name);
 
-// Whether the disk that `path` stands on has no room for the next piece of a document.
-bool IsDiskFull(const std::string& path);
+// Gives the file `from` the name `to`. Without `replace` only where nothing has that name, also
+// not since a moment ago. False: SystemError().
+bool PutInPlace(const std::string& from, const std::string& to, bool replace);
 
+// Creates a folder and those around it. False: SystemError().
+bool CreateFolder(const std::string& path);
+
+// What separates the parts of a path.
+#ifdef _WIN32
+constexpr char kSeparators[] = "/\\:";
+#else
+constexpr char kSeparators[] = "/";
+#endif
+
+// Names in a folder, sorted, without "." and "..". False where it cannot be read: LastError().
+// Names that cannot be said in this system's code page go into `unsayable`.
+bool NamesIn(const std::string& folder, std::vector<std::string>* names,
+             std::vector<std::string>* unsayable);
+
+std::string HostName();
 uint32_t ProcessId();
-bool ErrorsGoToTerminal();
+std::string TemporaryFolder();
 
-// Names in a folder, sorted, without "." and "..". Empty where it cannot be read.
-std::vector<std::string> NamesIn(const std::string& folder);
+// Takes a file for this process, so that RemoveLeftover in another one leaves it alone. False where
+// it is taken or gone. `taken` is to be given back, which takes -1 too.
+bool TakeFile(const std::string& path, int* taken);
+void GiveBack(int taken);
+// Removes a scratch file of process `owner` unless that still has it.
+void RemoveLeftover(const std::string& path, uint32_t owner);
 
-// From now on an interrupt only sets the flag that Interrupted() reads; a second one ends at once.
+// From now on an interrupt (a closed terminal too) is only counted. One more than `kMostPatience`
+// ends at once.
 void CatchInterrupts();
-bool Interrupted();
+int Interrupts();
+inline bool Interrupted() { return Interrupts() > 0; }
+void CountInterrupt();
+// The program is about to end in order: a closed console need not wait any longer.
+void InterruptsAreDone();
 
 // Removes the scratch files and ends the process, for conversions that cannot be asked to stop.
 [[noreturn]] void EndAtOnce();
-
-// The file that a worker is writing; empty for none.
-constexpr unsigned kMostWorkers = 64;
-void SetScratch(unsigned worker, const std::string& path);
 
 }  // namespace quorvex::tool

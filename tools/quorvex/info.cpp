@@ -7,9 +7,11 @@
 
 #include "api/time_texts.h"
 #include "commands.h"
+#include "gather.h"
 #include "inspection.h"
 #include "json.h"
 #include "quorvex64.h"
+#include "scratch.h"
 
 namespace quorvex::tool {
 namespace {
@@ -105,12 +107,13 @@ void PutValue(const InfoValue& value, Json* to) {
 
 Json ToJson(const Facts& facts) {
   const Recording& r = facts.recording;
-  Json entry = JsonOf(facts.path, r, facts.records);
+  Json entry = JsonOf(facts.path, r, r.records);
   for (const InfoField& field : AllInfoFields()) {
     entry[KeyOf(field)] = nullptr;
     if (field.form == InfoForm::kLevel) entry[KeyOf(field) + "_percent"] = nullptr;
   }
   for (const InfoValue& value : facts.values) PutValue(value, &entry);
+  entry["end_from"] = facts.end_from != nullptr ? Json(facts.end_from) : Json();
   entry["instrument"] = nullptr;
   if (facts.instrument) {
     entry["instrument"] = {{"name", *facts.instrument},
@@ -119,16 +122,6 @@ Json ToJson(const Facts& facts) {
   entry["connection"] = OrNull(facts.connection);
   entry["problem"] = r.code != kDone ? Json(r.problem) : Json();
   return entry;
-}
-
-std::string ShortSize(uint64_t bytes) {
-  constexpr const char* kUnits[] = {"B", "kB", "MB", "GB", "TB"};
-  auto size = static_cast<double>(bytes);
-  size_t unit = 0;
-  for (; size >= 999.5 && unit + 1 < std::size(kUnits); ++unit) size /= 1000;
-  char text[32];
-  std::snprintf(text, sizeof text, "%.*f %s", unit > 0 && size < 9.95 ? 1 : 0, size, kUnits[unit]);
-  return text;
 }
 
 using Row = std::vector<std::string>;
@@ -150,13 +143,13 @@ Row ToRow(const Facts& facts, const std::string& folder) {
     if (label == "end") end = ShortTime(value.text);
     if (label == "interval") interval = value.text;
   }
-  return {facts.path.substr(folder.size()),
+  return {Shown(CalledName(facts.path).substr(folder.size())),
           r.type != nullptr ? r.type->name : "-",
           start,
           end,
           interval,
-          facts.records ? std::to_string(*facts.records) : "",
-          r.code != kNoInput ? ShortSize(r.size) : "",
+          r.records ? std::to_string(*r.records) : "",
+          r.code != kNoInput ? ShortSize(static_cast<double>(r.size)) : "",
           r.problem};
 }
 
@@ -165,35 +158,41 @@ void PrintTable(const std::vector<Row>& rows) {
   constexpr size_t kNumbersFrom = 5;  // to the right, up to the last column
   std::vector<size_t> widths(heads.size());
   for (size_t c = 0; c < heads.size(); ++c) {
-    widths[c] = heads[c].size();
-    for (const Row& row : rows) widths[c] = std::max(widths[c], row[c].size());
+    widths[c] = WidthOf(heads[c]);
+    for (const Row& row : rows) widths[c] = std::max(widths[c], WidthOf(row[c]));
   }
   const auto print = [&](const Row& row) {
     std::string line;
     for (size_t c = 0; c < row.size(); ++c) {
-      const std::string room(widths[c] - row[c].size(), ' ');
+      const std::string room(widths[c] - WidthOf(row[c]), ' ');
       const bool number = c >= kNumbersFrom && c + 1 < row.size();
       line += number ? room + row[c] : row[c] + room;
       line += "  ";
     }
     line.erase(line.find_last_not_of(' ') + 1);
-    std::printf("%s\n", line.c_str());
+    Print(line + "\n");
   };
   print(heads);
   for (const Row& row : rows) print(row);
 }
 
 void PrintLabelled(const std::string& label, const std::string& value) {
-  std::printf("%-20s%s\n", (label + ":").c_str(), value.c_str());
+  const std::string head = label + ":";
+  Print(head + std::string(20 - head.size(), ' ') + Shown(value) + "\n");
 }
 
 void PrintLabelled(const Facts& facts) {
   const Recording& r = facts.recording;
-  PrintLabelled("file", facts.path);
+  PrintLabelled("file", CalledName(facts.path));
   PrintLabelled("type", std::to_string(r.type->type) + ", " + r.type->name);
   PrintLabelled("version", std::to_string(static_cast<int32_t>(r.header->version)));
   PrintLabelled("size", std::to_string(r.size) + " bytes");
-  for (const InfoValue& value : facts.values) PrintLabelled(value.field.label, value.text);
+  if (r.records) PrintLabelled("records", std::to_string(*r.records));
+  for (const InfoValue& value : facts.values) {
+    const bool estimate =
+        facts.end_from == std::string("estimate") && value.field.label == std::string("end");
+    PrintLabelled(value.field.label, value.text + (estimate ? " (estimated)" : ""));
+  }
 }
 
 ExitCode PrintRaw(const std::string& path) {
@@ -204,7 +203,7 @@ ExitCode PrintRaw(const std::string& path) {
   }
   char line[512];
   QuorvexGetRecordInfo(path.c_str(), line);
-  std::printf("%s\n", line);
+  Print(std::string(line) + "\n");
   return kDone;
 }
 
@@ -213,9 +212,9 @@ ExitCode PrintRaw(const std::string& path) {
 int Info(const InfoOptions& options) {
   std::vector<std::string> paths;
   ExitCode code = GatherRecordings(options.inputs, &paths) ? kDone : kNoInput;
-  const bool alone = paths.size() == 1 && paths == options.inputs;
+  const bool alone = paths.size() == 1 && (paths == options.inputs || IsSpooled(paths.front()));
   const bool one_folder = options.inputs.size() == 1 && !alone;
-  const std::string folder = one_folder ? Inside(options.inputs[0], "") : "";
+  const std::string folder = one_folder ? Utf8(Inside(options.inputs[0], "")) : "";
   JsonArray array;
   std::vector<Row> rows;
   for (const std::string& path : paths) {

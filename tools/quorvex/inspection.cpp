@@ -6,8 +6,11 @@
 #include <cstring>
 #include <iterator>
 
+#include "api/time_texts.h"
+#include "places.h"
 #include "quorvex64.h"
 #include "record_shape.h"
+#include "scratch.h"
 #include "settings/setting_file.h"
 #include "settings/settings_table.h"
 #include "settings/value_texts.h"
@@ -86,12 +89,14 @@ void ReadHead(const std::string& path, Recording* recording, UifParams* settings
                 "ends inside its head (" + std::to_string(recording->size) + " of " +
                     std::to_string(head) + " bytes)");
   }
-  if (settings == nullptr || recording->type == nullptr || recording->type->settings_at == 0)
-    return;
-  if (SeekTo(file.get(), recording->type->settings_at)) {
+  const RecordType& type = *recording->type;
+  if (type.settings_at != 0 && SeekTo(file.get(), type.settings_at)) {
     ReadBytes(file.get(), settings, kSettingsSize);
   }
-  if (recording->type->companion) LoadSettingFile(path.c_str(), settings);
+  if (type.companion) recording->setting_file = LoadSettingFile(path.c_str(), settings) == 0;
+  recording->has_layout = type.choice == nullptr || type.choice->choose(*settings) != nullptr;
+  recording->profile = settings->profile;
+  recording->records = RecordCount(*recording, *settings);
 }
 
 std::string InfoLine(const std::string& path) {
@@ -100,29 +105,12 @@ std::string InfoLine(const std::string& path) {
   return line;
 }
 
-bool IsRecordingName(const std::string& name) {
-  if (name.size() < 4) return false;
-  std::string end = name.substr(name.size() - 4);
-  std::transform(end.begin(), end.end(), end.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-  return end == ".REC";
-}
-
-void Gather(const std::string& path, std::vector<std::string>* recordings) {
-  if (!IsFolder(path)) {
-    recordings->push_back(path);
-    return;
-  }
-  for (const std::string& name : NamesIn(path)) {
-    const std::string inside = Inside(path, name);
-    if (IsRecordingName(name) || IsFolder(inside)) Gather(inside, recordings);
-  }
-}
-
 }  // namespace
 
 Recording Inspect(const std::string& path, UifParams* settings) {
   Recording recording;
+  UifParams own{};
+  if (settings == nullptr) settings = &own;
   if (path.size() > kMaxPath) {
     Fail(&recording, kNoInput, "the path is longer than 511 bytes");
   } else if (IsFolder(path)) {
@@ -174,6 +162,44 @@ std::vector<InfoField> AllInfoFields() {
   return all;
 }
 
+namespace {
+
+// Of records that follow each other in time the information line has an estimate; the last whole
+// record knows better.
+void ReadEnd(const UifParams& settings, Facts* facts) {
+  const Recording& r = facts->recording;
+  const auto end = std::find_if(facts->values.begin(), facts->values.end(), [](const InfoValue& v) {
+    return std::strcmp(v.field.label, kEnd.label) == 0;
+  });
+  if (end == facts->values.end()) return;
+  constexpr uint32_t kGeneral = 1, kVoltageQuality = 16, kEnergyMeter = 18;
+  if (r.type->type != kGeneral && r.type->type != kVoltageQuality) {
+    facts->end_from = r.type->type == kEnergyMeter ? "records" : "settings";
+    return;
+  }
+  facts->end_from = r.setting_file ? "settings" : "estimate";
+  if (r.records.value_or(0) == 0) return;
+  const RecordShape shape = ShapeOf(*r.type, settings);
+  const Places places = PlacesOf(*shape.layout, shape.which);
+  const auto place = std::find_if(places.all.begin(), places.all.end(),
+                                  [](const Place& p) { return p.element == "LAST_TIME"; });
+  if (place == places.all.end()) return;
+  File file(facts->path.c_str(), kOpenRead);
+  const uint64_t last = r.type->records_at + (*r.records - 1) * FixedRecordSize(shape);
+  DateTimeRecord time{};
+  if (!file || !SeekTo(file.get(), last + place->offset) ||
+      ReadBytes(file.get(), &time, sizeof time) != sizeof time || !IsPointInTime(time)) {
+    return;
+  }
+  char text[48];
+  BoundedText to(text, sizeof text);
+  DateTimeText(time, TimeDetail::kMilliseconds, &to);
+  end->text = text;
+  facts->end_from = "records";
+}
+
+}  // namespace
+
 Facts FactsOf(const std::string& path) {
   Facts facts;
   facts.path = path;
@@ -181,8 +207,8 @@ Facts FactsOf(const std::string& path) {
   facts.recording = Inspect(path, &settings);
   if (facts.recording.code != kDone) return facts;
   const RecordType& type = *facts.recording.type;
-  facts.records = RecordCount(facts.recording, settings);
   facts.values = InfoValues(path, type);
+  ReadEnd(settings, &facts);
   if (type.settings_at == 0) return facts;
   char text[kLongestMadeText];
   const auto* place = reinterpret_cast<const uint8_t*>(&settings);
@@ -192,23 +218,6 @@ Facts FactsOf(const std::string& path) {
   const char* connection = ConnectionText(settings.connection);
   if (connection != nullptr) facts.connection = connection;
   return facts;
-}
-
-std::string Inside(const std::string& folder, const std::string& name) {
-  const bool open = folder.empty() || (folder.back() != '/' && folder.back() != '\\');
-  return folder + (open ? "/" : "") + name;
-}
-
-bool GatherRecordings(const std::vector<std::string>& paths, std::vector<std::string>* recordings) {
-  bool all = true;
-  for (const std::string& path : paths) {
-    const size_t before = recordings->size();
-    Gather(path, recordings);
-    if (recordings->size() != before) continue;
-    Complain(path, "holds no recordings");
-    all = false;
-  }
-  return all;
 }
 
 }  // namespace quorvex::tool

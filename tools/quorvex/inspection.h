@@ -19,6 +19,10 @@ struct Recording {
   std::optional<FileHeader> header;
   const RecordType* type = nullptr;  // null for unknown types
   uint64_t size = 0;
+  bool setting_file = false;  // its settings are those of a setting file
+  bool has_layout = true;     // for its records; the settings may name none
+  uint32_t profile = 0;
+  std::optional<uint64_t> records;  // see RecordCount
 };
 // `settings`, where asked for, are those in force: the setting file's where the type takes one.
 Recording Inspect(const std::string& path, UifParams* settings = nullptr);
@@ -52,16 +56,10 @@ std::vector<InfoField> AllInfoFields();
 struct Facts {
   std::string path;
   Recording recording;
-  std::optional<uint64_t> records;
   std::vector<InfoValue> values;
+  const char* end_from = nullptr;  // where the end comes from; null where there is none
   std::optional<std::string> instrument, serial, connection;
 };
 Facts FactsOf(const std::string& path);
-
-std::string Inside(const std::string& folder, const std::string& name);
-
-// Paths as they are; of folders, every .REC file below, in the order of names. Folders without any
-// are told on stderr, and give false.
-bool GatherRecordings(const std::vector<std::string>& paths, std::vector<std::string>* recordings);
 
 }  // namespace quorvex::tool

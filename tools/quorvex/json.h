@@ -1,12 +1,12 @@
 // JSON as the commands print it: an array with each entry on a line of its own, in UTF-8.
 #pragma once
 
-#include <cstdio>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 
 #include "inspection.h"
+#include "messages.h"
 
 namespace quorvex::tool {
 
@@ -21,7 +21,7 @@ Json OrNull(const std::optional<T>& value) {
 inline Json JsonOf(const std::string& path, const Recording& r,
                    const std::optional<uint64_t>& records) {
   Json entry;
-  entry["file"] = Utf8(path);
+  entry["file"] = CalledName(path);
   entry["type"] = r.header ? Json(r.header->type) : Json();
   entry["name"] = r.type != nullptr ? Json(r.type->name) : Json();
   entry["version"] = r.header ? Json(static_cast<int32_t>(r.header->version)) : Json();
@@ -33,11 +33,11 @@ inline Json JsonOf(const std::string& path, const Recording& r,
 class JsonArray {
  public:
   void Add(const Json& entry) {
-    std::printf("%s%s", started_ ? ",\n" : "[\n",
-                entry.dump(-1, ' ', false, Json::error_handler_t::replace).c_str());
+    Print(started_ ? ",\n" : "[\n");
+    Print(entry.dump(-1, ' ', false, Json::error_handler_t::replace));
     started_ = true;
   }
-  void Close() { std::printf(started_ ? "\n]\n" : "[]\n"); }
+  void Close() { Print(started_ ? "\n]\n" : "[]\n"); }
 
  private:
   bool started_ = false;

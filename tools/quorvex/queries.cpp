@@ -1,29 +1,41 @@
 // quorvex count and version: small questions.
-#include <cstdio>
-
 #include "commands.h"
+#include "gather.h"
 #include "inspection.h"
+#include "messages.h"
 #include "quorvex64.h"
+#include "record_check.h"
 
 namespace quorvex::tool {
+
 int Count(const std::string& path) {
-  const Recording recording = Inspect(path);
+  std::vector<std::string> paths = {path};
+  if (path == "-" && !GatherRecordings({path}, &paths)) return kNoInput;
+  const Recording recording = Inspect(paths.back());
   if (recording.code != kDone) {
     Complain(path, recording.problem);
     return recording.code;
   }
-  constexpr uint32_t kGeneral = 1;
-  if (recording.type->type != kGeneral) {
+  if (!recording.has_layout) {
+    Complain(path, NoLayout(recording.profile).text);
+    return kDamaged;
+  }
+  if (!recording.records) {
     Complain(path, std::string("holds ") + recording.type->name +
-                       "; only general recordings are counted");
+                       ", records of different lengths; a conversion tells how many");
     return kUnknownType;
   }
-  std::printf("%d\n", QuorvexGetNumberOfRecords(path.c_str()));
+  Print(std::to_string(*recording.records) + "\n");
   return kDone;
 }
 
+std::string VersionText() {
+  return std::string("quorvex ") + QUORVEX_TOOL_VERSION + " (library " +
+         std::to_string(QuorvexGetVersion()) + ")";
+}
+
 int Version() {
-  std::printf("Quorvex64 %d\n", QuorvexGetVersion());
+  Print(VersionText() + "\n");
   return kDone;
 }
 

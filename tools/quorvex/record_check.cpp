@@ -1,11 +1,13 @@
 #include "record_check.h"
 
 #include <algorithm>
+#include <cerrno>
 
 #include "api/time_texts.h"
 #include "places.h"
 #include "record_shape.h"
 #include "record_times.h"
+#include "scratch.h"
 #include "settings/cases.h"
 #include "settings/setting_file.h"
 #include "settings/settings_table.h"
@@ -60,7 +62,8 @@ void CheckHead(const Recording& r, Findings* findings) {
 }
 
 // Says whose settings are in force; the result goes behind what is found in them.
-std::string CheckSettingFile(const std::string& path, Findings* findings) {
+std::string CheckSettingFile(const std::string& path, bool used, Findings* findings) {
+  if (IsSpooled(path)) return "";
   char name[kMaxPath + 1];
   if (!BuildSettingFileName(path.c_str(), name, "PAR", 0)) return "";
   const std::string path_of_file = name;
@@ -71,6 +74,14 @@ std::string CheckSettingFile(const std::string& path, Findings* findings) {
   FileInfo info{};
   if (IsFolder(path_of_file) || QueryFileInfo(name, &info) != 0) {
     add(Severity::kNote, "no setting file " + file + ": the settings are its own");
+    return "";
+  }
+  if (!used) {
+    errno = 0;
+    const File again(name, kOpenRead);
+    const std::string reason = errno != 0 ? LastError() : "is no regular file";
+    add(Severity::kWarning, "the setting file " + file +
+                                " cannot be read, the settings are the recording's own: " + reason);
     return "";
   }
   const uint64_t size = WholeSize(info);
@@ -192,9 +203,7 @@ struct RecordWalk {
   void Run() {
     Prepare();
     if (shape.layout == nullptr) {
-      return Add(Severity::kError, std::nullopt, 0,
-                 "the settings' profile " + Number(settings.profile) +
-                     " has no layout; no record is converted");
+      return findings->Add(NoLayout(settings.profile));
     }
     if (size == type.records_at) return Add(Severity::kNote, size, 0, "there are no records");
     if (size > UINT32_MAX) {
@@ -218,8 +227,11 @@ struct RecordWalk {
         needed = RecordSize(shape, count);
       }
       if (left < needed) {
+        const std::string outcome = left >= type.cut.from
+                                        ? std::string("; the document holds it: ") + type.cut.rest
+                                        : "; the document leaves it out";
         return Add(Severity::kError, at, record,
-                   "ends after " + Number(left) + " of " + Number(needed) + " bytes");
+                   "ends after " + Number(left) + " of " + Number(needed) + " bytes" + outcome);
       }
       at += needed;
       if (type.once) break;
@@ -235,6 +247,15 @@ struct RecordWalk {
 
 }  // namespace
 
+Finding NoLayout(uint32_t profile) {
+  return {Severity::kError,
+          FindingKind::kSize,
+          std::nullopt,
+          0,
+          "",
+          "the settings' profile " + Number(profile) + " has no layout; no record is converted"};
+}
+
 CheckResult CheckRecording(const std::string& path) {
   CheckResult result;
   Findings* findings = &result.findings;
@@ -244,9 +265,9 @@ CheckResult CheckRecording(const std::string& path) {
   if (result.recording.code != kDone) return result;
   const RecordType& type = *result.recording.type;
   const uint64_t size = result.recording.size;
-  result.records = RecordCount(result.recording, settings);
+  result.records = result.recording.records;
   std::string remark;
-  if (type.companion) remark = CheckSettingFile(path, findings);
+  if (type.companion) remark = CheckSettingFile(path, result.recording.setting_file, findings);
   if (type.settings_at != 0) CheckSettings(path, type, settings, remark, findings);
   RecordWalk walk{path, type, settings, size, findings};
   if (type.write != nullptr) {

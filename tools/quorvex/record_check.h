@@ -14,4 +14,7 @@ struct CheckResult {
 };
 CheckResult CheckRecording(const std::string& path);
 
+// What is to be said of general records of a profile that no layout belongs to.
+Finding NoLayout(uint32_t profile);
+
 }  // namespace quorvex::tool

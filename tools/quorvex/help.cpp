@@ -1,0 +1,86 @@
+#include "help.h"
+
+#include <algorithm>
+#include <numeric>
+
+#include "host.h"
+#include "messages.h"
+
+namespace quorvex::tool {
+namespace {
+
+constexpr struct {
+  int code;
+  const char* meaning;
+} kCodes[] = {
+    {kDone, "done"},
+    {kDoubtful, "checked: there are warnings"},
+    {kUsage, "wrong arguments"},
+    {kNoInput, "a recording or folder is missing or cannot be read"},
+    {kUnknownType, "a file is of an unknown record type, or not of the type asked for"},
+    {kCutShort, "a recording ends inside its head"},
+    {kNoOutput, "a document cannot be written, or exists already"},
+    {kDamaged, "checked: there are errors"},
+    {kCancelled, "cancelled"},
+};
+
+// How many letters must be changed, added or left out to make one word of the other.
+size_t Distance(const std::string& a, const std::string& b) {
+  std::vector<size_t> row(b.size() + 1);
+  std::iota(row.begin(), row.end(), size_t{0});
+  for (size_t i = 1; i <= a.size(); ++i) {
+    size_t corner = row[0]++;
+    for (size_t j = 1; j <= b.size(); ++j) {
+      const size_t changed = corner + (a[i - 1] == b[j - 1] ? 0 : 1);
+      corner = row[j];
+      row[j] = std::min({changed, row[j] + 1, row[j - 1] + 1});
+    }
+  }
+  return row.back();
+}
+
+}  // namespace
+
+std::string HelpFormatter::make_option_opts(const CLI::Option* option) const {
+  const std::string& value = option->get_option_text();
+  return value.empty() ? "" : " " + value;
+}
+
+std::string Footer(const std::vector<std::string>& examples, const std::vector<int>& codes) {
+  std::string text = examples.empty() ? "" : "Examples:\n";
+  for (const std::string& example : examples) text += "  " + example + "\n";
+  if (!examples.empty()) text += "\n";
+  text += "Exit codes:";
+  for (const auto& row : kCodes) {
+    if (std::find(codes.begin(), codes.end(), row.code) == codes.end()) continue;
+    const std::string number = std::to_string(row.code);
+    text += "\n  " + number + std::string(5 - number.size(), ' ') + row.meaning;
+  }
+  return text;
+}
+
+std::string Misspelt(const CLI::App& app, const std::vector<std::string>& arguments) {
+  if (arguments.empty() || arguments[0].empty() || arguments[0][0] == '-') return "";
+  const std::string& word = arguments[0];
+  std::string nearest;
+  size_t least = 3;  // more is another word
+  for (const CLI::App* command : app.get_subcommands(nullptr)) {
+    const std::string& name = command->get_name();
+    if (name == word) return "";
+    if (command->get_group().empty()) continue;
+    const size_t distance = Distance(word, name);
+    if (distance < least) {
+      least = distance;
+      nearest = name;
+    }
+  }
+  if (Exists(word)) {
+    return Utf8(word) + " is a " + (IsFolder(word) ? "folder" : "file") +
+           ", no command; did you mean: quorvex convert \"" + Utf8(word) + "\"?";
+  }
+  if (!nearest.empty())
+    return Utf8(word) + " is no command; did you mean: quorvex " + nearest + "?";
+  return Utf8(word) + " is no command; quorvex --help lists them";
+}
+
+}  // namespace quorvex::tool

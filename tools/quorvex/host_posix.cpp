@@ -1,0 +1,116 @@
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+
+#include "host.h"
+
+namespace quorvex::tool {
+
+std::vector<std::string> Arguments(int argc, char** argv) { return {argv + 1, argv + argc}; }
+
+bool OwnsItsWindow() { return false; }
+void WaitForEnter() {}
+void PrepareStreams() {}
+void UseBytes(std::FILE*) {}
+bool ErrorsGoToTerminal() { return isatty(fileno(stderr)) != 0; }
+
+std::string Utf8(const std::string& path) { return path; }
+std::string SystemError() { return LastError(); }
+
+std::optional<Identity> IdentityOf(const std::string& path) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) return std::nullopt;
+  return Identity(status.st_dev, status.st_ino);
+}
+
+std::string Resolved(const std::string& path) {
+  char* real = realpath(path.c_str(), nullptr);
+  if (real == nullptr) return path;
+  std::string resolved = real;
+  std::free(real);
+  return resolved;
+}
+
+std::string NameKey(const std::string& name) { return name; }
+
+bool PutInPlace(const std::string& from, const std::string& to, bool replace) {
+  if (!replace) {
+    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return true;
+    // Some file systems cannot promise that; a look comes close.
+    if (errno != EINVAL && errno != ENOSYS) return false;
+    if (Exists(to)) {
+      errno = EEXIST;
+      return false;
+    }
+  }
+  return std::rename(from.c_str(), to.c_str()) == 0;
+}
+
+bool CreateFolder(const std::string& path) {
+  for (size_t at = path.find('/', 1);; at = path.find('/', at + 1)) {
+    const std::string front = path.substr(0, at);
+    if (mkdir(front.c_str(), 0777) != 0 && errno != EEXIST && !IsFolder(front)) return false;
+    if (at == std::string::npos) return true;
+  }
+}
+
+std::string HostName() {
+  char name[256] = "";
+  gethostname(name, sizeof name - 1);
+  return name;
+}
+
+uint32_t ProcessId() { return static_cast<uint32_t>(getpid()); }
+
+std::string TemporaryFolder() {
+  const char* named = std::getenv("TMPDIR");
+  return named != nullptr && named[0] != '\0' ? named : "/tmp";
+}
+
+bool TakeFile(const std::string& path, int* taken) {
+  *taken = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+  struct stat here {};
+  struct stat named {};
+  // Whoever had it may have removed it since it was opened.
+  if (*taken >= 0 && flock(*taken, LOCK_EX | LOCK_NB) == 0 && fstat(*taken, &here) == 0 &&
+      lstat(path.c_str(), &named) == 0 && here.st_ino == named.st_ino) {
+    return true;
+  }
+  GiveBack(*taken);
+  *taken = -1;
+  return false;
+}
+
+void GiveBack(int taken) {
+  if (taken >= 0) close(taken);
+}
+
+void RemoveLeftover(const std::string& path, uint32_t) {
+  int taken = -1;
+  if (TakeFile(path, &taken)) std::remove(path.c_str());
+  GiveBack(taken);
+}
+
+void CatchInterrupts() {
+  struct sigaction action {};
+  action.sa_handler = [](int) { CountInterrupt(); };
+  for (const int signal_number : {SIGINT, SIGTERM, SIGHUP}) {
+    // What whoever started us ignores (nohup), we ignore too.
+    struct sigaction before {};
+    sigaction(signal_number, nullptr, &before);
+    if (before.sa_handler != SIG_IGN) sigaction(signal_number, &action, nullptr);
+  }
+  // A write that fails says why: a limit on file sizes, a reader that has gone.
+  std::signal(SIGXFSZ, SIG_IGN);
+  std::signal(SIGPIPE, SIG_IGN);
+}
+
+void InterruptsAreDone() {}
+
+}  // namespace quorvex::tool

@@ -1,0 +1,32 @@
+// How far a batch is, for people: on a terminal a line that is drawn over, elsewhere a line a
+// minute.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <string>
+
+namespace quorvex::tool {
+
+struct Done {
+  size_t files = 0, of_files = 0;
+  double bytes = 0, of_bytes = 0;
+};
+
+class Progress {
+ public:
+  explicit Progress(bool shown);
+  // Whether it is time to say something; then Tell does.
+  bool IsDue() const { return shown_ && Clock::now() >= next_; }
+  void Tell(const Done& done);
+  // Takes the line away, for something else to be written.
+  void Clear();
+
+ private:
+  using Clock = std::chrono::steady_clock;
+  bool shown_, on_terminal_;
+  Clock::time_point start_, next_;
+  size_t drawn_ = 0;  // columns
+};
+
+}  // namespace quorvex::tool

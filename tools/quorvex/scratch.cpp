@@ -1,0 +1,131 @@
+#include "scratch.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "host.h"
+#include "support/file.h"
+
+namespace quorvex::tool {
+namespace {
+
+constexpr char kMark[] = ".quorvex-";
+constexpr char kRecordingEnd[] = ".REC";  // the record information line wants it
+
+// For the end of a process that cannot wait: no allocation.
+char paths[kScratchSlots][kMaxPath + 1];
+
+std::string OfThisHost() {
+  std::string host = HostName().substr(0, 40);
+  std::replace_if(
+      host.begin(), host.end(),
+      [](unsigned char c) { return c >= 0x80 || (!std::isalnum(c) && c != '.' && c != '_'); }, '_');
+  return kMark + host + "-";
+}
+
+// The process of ".quorvex-HOST-PROCESS-SLOT~" with this prefix; nothing for other names.
+std::optional<uint32_t> OwnerOf(const std::string& name, const std::string& prefix) {
+  if (name.compare(0, prefix.size(), prefix) != 0) return std::nullopt;
+  unsigned owner = 0, slot = 0;
+  int used = 0;
+  const char* rest = name.c_str() + prefix.size();
+  if (std::sscanf(rest, "%9u-%9u~%n", &owner, &slot, &used) != 2 || used == 0) return std::nullopt;
+  const std::string end = rest + used;
+  if (!end.empty() && end != kRecordingEnd) return std::nullopt;
+  return owner;
+}
+
+std::unique_ptr<Scratch> spool;
+
+}  // namespace
+
+bool Scratch::Create(const std::string& folder, const char* extension) {
+  Remove();
+  const bool open = folder.empty() || folder.back() == '/' || folder.back() == '\\';
+  path_ = folder + (open ? "" : "/") + OfThisHost() + std::to_string(ProcessId()) + "-" +
+          std::to_string(slot_) + "~" + extension;
+  // Another run may just be looking whether it is left over.
+  constexpr int kTries = 3;
+  for (int i = 0; i < kTries; ++i) {
+    std::FILE* file = std::fopen(path_.c_str(), "wb");
+    if (file == nullptr) {
+      path_.clear();
+      return false;
+    }
+    std::fclose(file);
+    if (TakeFile(path_, &taken_)) break;
+  }
+  std::snprintf(paths[slot_], sizeof paths[slot_], "%s", path_.c_str());
+  return true;
+}
+
+bool Scratch::Become(const std::string& name, bool replace) {
+  if (!PutInPlace(path_, name, replace)) return false;
+  paths[slot_][0] = '\0';
+  path_.clear();
+  GiveBack(taken_);
+  taken_ = -1;
+  return true;
+}
+
+void Scratch::Remove() {
+  if (!path_.empty()) std::remove(path_.c_str());
+  paths[slot_][0] = '\0';
+  path_.clear();
+  GiveBack(taken_);
+  taken_ = -1;
+}
+
+void RemoveLeftovers(const std::string& folder) {
+  std::vector<std::string> names, unsayable;
+  NamesIn(folder, &names, &unsayable);
+  const std::string prefix = OfThisHost();
+  for (const std::string& name : names) {
+    const std::string path = folder + "/" + name;
+    const std::optional<uint32_t> owner = OwnerOf(name, prefix);
+    if (owner && *owner != ProcessId() && !IsSpecial(path)) RemoveLeftover(path, *owner);
+  }
+}
+
+void RemoveAllScratch() {
+  for (const auto& path : paths) {
+    if (path[0] != '\0') std::remove(path);
+  }
+}
+
+std::string Spooled(std::string* problem) {
+  if (spool != nullptr) return spool->path();
+  spool = std::make_unique<Scratch>(kSpoolSlot);
+  const std::string folder = TemporaryFolder();
+  RemoveLeftovers(folder);
+  std::FILE* to =
+      spool->Create(folder, kRecordingEnd) ? std::fopen(spool->path().c_str(), "wb") : nullptr;
+  UseBytes(stdin);
+  CatchInterrupts();
+  bool written = to != nullptr;
+  std::vector<char> piece(1 << 16);
+  while (written) {
+    const size_t got = std::fread(piece.data(), 1, piece.size(), stdin);
+    if (got == 0) break;
+    written = std::fwrite(piece.data(), 1, got, to) == got && !Interrupted();
+  }
+  written = written && std::ferror(stdin) == 0;
+  if (!written) *problem = Interrupted() ? "cancelled" : LastError();
+  if (to != nullptr && std::fclose(to) != 0 && written) {
+    *problem = LastError();
+    written = false;
+  }
+  if (!written) spool->Remove();
+  return spool->path();
+}
+
+bool IsSpooled(const std::string& path) {
+  return spool != nullptr && !path.empty() && path == spool->path();
+}
+
+}  // namespace quorvex::tool

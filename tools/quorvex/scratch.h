@@ -1,0 +1,47 @@
+// Scratch files: a document is written into one beside its place and gets its name when it is
+// complete. Their names carry host and process, and whoever writes one has taken it, so that the
+// next run can tell what a run that was killed has left over.
+#pragma once
+
+#include <string>
+
+namespace quorvex::tool {
+
+constexpr unsigned kMostWorkers = 64;
+constexpr unsigned kSpoolSlot = kMostWorkers;  // standard input
+constexpr unsigned kOutputSlot = kMostWorkers + 1;
+constexpr unsigned kScratchSlots = kMostWorkers + 2;
+
+// Removed when its scope ends, unless it has got its name. One a slot at a time.
+class Scratch {
+ public:
+  explicit Scratch(unsigned slot) : slot_(slot) {}
+  ~Scratch() { Remove(); }
+  Scratch(const Scratch&) = delete;
+  Scratch& operator=(const Scratch&) = delete;
+
+  // False where it cannot be created: LastError().
+  bool Create(const std::string& folder, const char* extension = "");
+  const std::string& path() const { return path_; }
+  // False: SystemError().
+  bool Become(const std::string& name, bool replace);
+  void Remove();
+
+ private:
+  unsigned slot_;
+  std::string path_;
+  int taken_ = -1;
+};
+
+// Removes what runs on this host have left over in a folder.
+void RemoveLeftovers(const std::string& folder);
+
+// Removes every scratch file that there is; only for a process that ends.
+void RemoveAllScratch();
+
+// Reads standard input into a scratch file, once; later calls give the same. Empty where that
+// fails, with the reason.
+std::string Spooled(std::string* problem);
+bool IsSpooled(const std::string& path);
+
+}  // namespace quorvex::tool
