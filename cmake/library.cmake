@@ -13,13 +13,14 @@ target_compile_definitions(quorvex_objects PRIVATE QUORVEX_BUILD)
 target_compile_options(quorvex_objects PRIVATE -fno-exceptions -fno-rtti)
 set_target_properties(quorvex_objects PROPERTIES CXX_VISIBILITY_PRESET hidden
                                                  VISIBILITY_INLINES_HIDDEN ON)
-target_link_libraries(quorvex_objects PRIVATE quorvex_flags)
+target_link_libraries(quorvex_objects PRIVATE quorvex_flags quorvex_hardening)
 
 add_library(quorvex_static STATIC $<TARGET_OBJECTS:quorvex_objects>)
 target_include_directories(quorvex_static PUBLIC ${CMAKE_SOURCE_DIR}/src ${CMAKE_SOURCE_DIR}/include)
 target_compile_definitions(quorvex_static INTERFACE QUORVEX_STATIC)
 
 add_library(Quorvex64 SHARED $<TARGET_OBJECTS:quorvex_objects>)
+target_link_libraries(Quorvex64 PRIVATE quorvex_hardening)
 target_include_directories(Quorvex64 INTERFACE $<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}/include>)
 if(WIN32)
   set(resource_kind VFT_DLL)
@@ -40,9 +41,11 @@ if(WIN32)
   # The DLL imports nothing but what Windows has: the C++ runtime is linked in.
   target_link_options(Quorvex64 PRIVATE -static)
 else()
-  # Exactly the exports: template instantiations of the C++ library stay inside.
+  # Exactly the exports: template instantiations of the C++ library stay inside. Nothing of it is
+  # called either, and what is not called is not loaded: it would stay when the library goes.
   set(export_map ${CMAKE_SOURCE_DIR}/cmake/exports.map)
-  target_link_options(Quorvex64 PRIVATE -Wl,--version-script=${export_map} -Wl,--no-undefined)
+  target_link_options(Quorvex64 PRIVATE -Wl,--version-script=${export_map} -Wl,--no-undefined
+                      -Wl,--as-needed)
   set_target_properties(Quorvex64 PROPERTIES LINK_DEPENDS ${export_map} VERSION ${PROJECT_VERSION}
                                              SOVERSION ${PROJECT_VERSION_MAJOR})
   if(QUORVEX_SANITIZE)

@@ -19,10 +19,11 @@ add_library(quorvex_commands STATIC ${tool_sources})
 target_include_directories(quorvex_commands PUBLIC ${CMAKE_SOURCE_DIR}/tools/quorvex)
 target_include_directories(quorvex_commands SYSTEM PRIVATE ${CMAKE_BINARY_DIR}/header-only)
 target_compile_definitions(quorvex_commands PRIVATE QUORVEX_TOOL_VERSION="${PROJECT_VERSION}")
-target_link_libraries(quorvex_commands PUBLIC quorvex_static PRIVATE quorvex_flags)
+target_link_libraries(quorvex_commands PUBLIC quorvex_static
+                                       PRIVATE quorvex_flags quorvex_hardening)
 add_executable(quorvex ${CMAKE_SOURCE_DIR}/tools/quorvex/main.cpp)
 target_include_directories(quorvex SYSTEM PRIVATE ${CMAKE_BINARY_DIR}/header-only)
-target_link_libraries(quorvex PRIVATE quorvex_commands quorvex_flags)
+target_link_libraries(quorvex PRIVATE quorvex_commands quorvex_flags quorvex_hardening)
 
 if(WIN32)
   target_link_options(quorvex PRIVATE -static)

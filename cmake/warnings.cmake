@@ -10,6 +10,22 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
   # -Wconversion leaves alone in C++.
   target_compile_options(quorvex_flags INTERFACE -fconstexpr-steps=50000000 -Wno-sign-conversion)
 endif()
+
+# Hardening of what is shipped: damaged files are its daily bread. tests/check_exports looks for it.
+# Sanitizers check more, and do not go with the compiler's part. On Windows the stack protector would
+# bring a runtime along that writes to a console.
+add_library(quorvex_hardening INTERFACE)
+if(WIN32)
+  target_link_options(quorvex_hardening INTERFACE
+                      -Wl,--dynamicbase -Wl,--nxcompat -Wl,--high-entropy-va)
+else()
+  if(NOT QUORVEX_SANITIZE AND NOT QUORVEX_FUZZ)
+    target_compile_options(quorvex_hardening INTERFACE -fstack-protector-strong -fcf-protection
+      $<$<CONFIG:Release>:-U_FORTIFY_SOURCE$<SEMICOLON>-D_FORTIFY_SOURCE=2>)
+  endif()
+  target_link_options(quorvex_hardening INTERFACE -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
+endif()
+
 if(QUORVEX_SANITIZE)
   set(sanitize -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_compile_options(${sanitize})

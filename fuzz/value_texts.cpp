@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include "settings/instrument_state.h"
 #include "settings/value_texts.h"
 #include "support/loads.h"
 
@@ -18,11 +17,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   UifParams settings{};
   settings.nominal_voltage = input.nominal;
   settings.clamp[0] = input.clamp;
-  const ScopedState state(&settings);
   char room[64];
   for (const bool percent_first : {false, true}) {
     BoundedText text(room, sizeof room);
-    LevelText(input.value, input.trigger % 9, &text, percent_first);
+    LevelText(input.value, input.trigger % 9, settings, &text, percent_first);
   }
   for (const ValueDescriptor* descriptor : {&kVoltageDescriptor, &kCurrentDescriptor}) {
     BoundedText text(room, sizeof room);

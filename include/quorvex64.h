@@ -19,7 +19,10 @@
  *  5. Threads: functions may run on several threads at once, for different files. Two conversions
  *     into the same document at once are the caller's mistake. A progress callback runs on
  *     the thread of its conversion.
- *  6. Ownership: only the two buffer functions hand out memory, and only the two destroy functions
+ *  6. Floating point: a call computes under settings of its own (no exception interrupts, round to
+ *     nearest) and gives the host's back as they were. A progress callback runs under the host's;
+ *     what it changes in them stays changed.
+ *  7. Ownership: only the two buffer functions hand out memory, and only the two destroy functions
  *     take it back. Every other pointer stays the caller's and is not kept.
  *
  * A document is written in place, from the first byte to the last. A host that must not show half a
@@ -55,10 +58,17 @@ extern "C" {
 /*
  * Progress of a conversion: `fraction` is the part done so far. A negative result stops the
  * conversion after the record just written; the document is closed properly and holds what was
- * converted until then. The fraction is a guide, not a promise: it may pass 1 for a file that is
- * cut short, and is not a number where the size of a file is unknown.
+ * converted until then. The fraction is a guide, not a promise. It passes 1 where the file grows
+ * meanwhile, and is infinite for a range that ends just before it begins (3 to 2). Sizes count in
+ * 32 bits: of a file of 4 GiB and more it may be anything.
  *
  * Called after each record by the record types 1, 2, 3, 7, 8, 14, 16 and 17, by no other.
+ *
+ * A general recording (type 1) of an unknown profile has no records to write, but the callback is
+ * called for every record number of the range all the same. Up to 0xFFFFFFFF, as QuorvexConvert
+ * goes, that is for ever: the numbers come round, and only a negative result ends the call. The
+ * fraction is infinite there (and once in 2^32 calls not a number), so a host that converts such
+ * files can tell them by their first call.
  */
 typedef int32_t(QUORVEX_CALL* QuorvexProgress)(float fraction);
 
@@ -108,8 +118,8 @@ QUORVEX_API int32_t QUORVEX_CALL QuorvexGetNumberOfRecords(const char* path);
 /*
  * One line that describes a record file, for file lists: the type number and fields in single
  * quotes. `text` is the caller's and holds 512 bytes at least; the line never exceeds 511 bytes and
- * its terminator. Empty where the name does not end in ".REC" (in any case) and for types without a
- * description.
+ * its terminator. It may be the buffer that holds the path: the line is written last. Empty where
+ * the name does not end in ".REC" (in any case) and for types without a description.
  *
  *   1, 16   start, end, interval ("10 Min "; the end is an estimate until a setting file tells it)
  *   2       start, end, trigger, level, slope, duration, pretrigger

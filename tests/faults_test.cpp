@@ -1,13 +1,10 @@
-// What a disk, a path or another process can do to a conversion.
+// What a path or another process can do to a conversion.
 #include <gtest/gtest.h>
 
 #ifndef _WIN32
 
 #include <sys/stat.h>
-#include <sys/syscall.h>
-#include <unistd.h>
 
-#include <cerrno>
 #include <filesystem>
 #include <random>
 #include <set>
@@ -18,42 +15,12 @@
 #include "sample.h"
 #include "support.h"
 
-namespace {
-
-// How the disk behaves: after so many bytes it takes them in odd pieces, and now and then none.
-size_t room_left = SIZE_MAX;
-int refusals = 0;
-
-}  // namespace
-
-// Stands in for the C library's write in this program, the library's code included.
-extern "C" ssize_t write(int file, const void* bytes, size_t count) {
-  if (room_left == SIZE_MAX) return syscall(SYS_write, file, bytes, count);
-  if (room_left == 0) {
-    room_left = 1 + static_cast<size_t>(++refusals) * 1013 % 4099;
-    errno = ENOSPC;
-    return -1;
-  }
-  const size_t piece = std::min(count, room_left);
-  room_left -= piece;
-  return syscall(SYS_write, file, bytes, piece);
-}
-
 namespace quorvex::test {
 namespace {
 
 namespace fs = std::filesystem;
 
 Bytes Changes(size_t records) { return HeadOf(10).PadTo(3072 + records * 4088); }
-
-TEST(Faults, AFullDiskDelaysButLosesNothing) {
-  const std::string whole = Converted(Changes(5));
-  room_left = 70000;
-  const std::string delayed = Converted(Changes(5));
-  room_left = SIZE_MAX;
-  EXPECT_GT(refusals, 10);
-  EXPECT_TRUE(whole == delayed);
-}
 
 TEST(Faults, InputsThatAreNoFiles) {
   const std::string pipe = InFolder("pipe.REC");

@@ -1,6 +1,7 @@
 // What everything stands on: tracked memory, files, the element writer and the layout tables.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstring>
 
 #include "outline.h"
@@ -47,6 +48,15 @@ TEST(Files, NumberedModes) {
     EXPECT_EQ(17u, PositionOf(file.get()));
   }
   EXPECT_STREQ("REated, appended", text);
+  {
+    File file(path.c_str(), kOpenUpdate);
+    EXPECT_EQ(2u, ReadBytes(file.get(), text, 2));
+    WriteAll(file.get(), "EA", 2);  // where the reading stood, however much was read ahead
+    EXPECT_EQ(4u, PositionOf(file.get()));
+    EXPECT_EQ(3u, ReadBytes(file.get(), text, 3));
+    EXPECT_EQ("ted", std::string(text, 3));
+  }
+  EXPECT_EQ("CREAted, appended", ReadFile(path));
   write(kOpenCreate, "x");
   EXPECT_EQ("x", ReadFile(path));
 }
@@ -61,10 +71,17 @@ TEST(Files, InformationOfAFile) {
   EXPECT_STREQ("information.rec", info.name);
   EXPECT_EQ(70000u, info.size);
   EXPECT_EQ(70000u, WholeSize(info));
-  EXPECT_GE(info.year, 2024);
-  EXPECT_TRUE(info.month >= 1 && info.month <= 12 && info.day >= 1 && info.day <= 31);
+  namespace chrono = std::chrono;
+  const auto created = chrono::sys_days(chrono::year(info.year) / info.month / info.day) +
+                       chrono::seconds(3600 * info.hour + 60 * info.minute + info.second);
+  EXPECT_LT(chrono::abs(chrono::system_clock::now() - created), chrono::minutes(2));
   info.in_progress = 1;
   EXPECT_EQ(1, QueryFileInfo(path.c_str(), &info)) << "each query stands alone";
+#ifdef _WIN32
+  info.search = FindFirstFileA(path.c_str(), &info.found);
+  EXPECT_EQ(1, QueryFileInfo(path.c_str(), &info)) << "there is no second one";
+  EXPECT_EQ(INVALID_HANDLE_VALUE, info.search) << "closed in every case";
+#endif
 }
 
 TEST(Files, StripExtension) {

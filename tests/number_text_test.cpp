@@ -6,8 +6,11 @@
 #include <bit>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <random>
+
+#include "support/bounded_text.h"
 
 namespace quorvex::test {
 namespace {
@@ -79,13 +82,28 @@ TEST(NumberText, RandomFloatsAndDoubles) {
   for (int i = 0; i < 3000000; ++i) Check(static_cast<uint32_t>(random()));
   EXPECT_EQ(0u, wrong);
   char text[kLongestNumber];
-  for (int i = 0; i < 200000; ++i) {
-    const auto value = std::bit_cast<double>(random());
+  const auto check = [&](double value) {
     ASSERT_EQ(Expected(value), std::string(text, DoubleText(value, text)));
+    if (!std::isfinite(value)) return;
+    for (const int decimals : {0, 1, 3}) {
+      char want[400], got[400];
+      BoundedText(got, sizeof got).PutFixed(value, decimals);
+      std::snprintf(want, sizeof want, "%.*f", decimals, value);
+      ASSERT_STREQ(want, got);
+    }
+  };
+  for (int i = 0; i < 30000; ++i) {
+    check(std::bit_cast<double>(random()));
+    check(std::bit_cast<double>(random() >> 12 >> random() % 52));  // denormals
+    check(static_cast<double>(random() % 40000) / 16);              // half-way cases of %.*f
+    check(std::ldexp(static_cast<double>(random() % 20000000) + 0.5, static_cast<int>(i % 7)));
   }
-  for (const double value : {0.0, -0.0, 9.9999995, 1e-310, 1e308, HUGE_VAL, 1e99, 1e100, 0.5}) {
-    EXPECT_EQ(Expected(value), std::string(text, DoubleText(value, text)));
+  for (int exponent = -330; exponent <= 308; ++exponent) {
+    const double power = std::strtod(("1e" + std::to_string(exponent)).c_str(), nullptr);
+    for (const double value : {power, std::nextafter(power, 0.0), 9.9999995 * power}) check(value);
   }
+  for (const double value : {0.0, -0.0, 9.9999995, -0.05, 999.95, HUGE_VAL, -HUGE_VAL})
+    check(value);
   EXPECT_EQ("-", std::string(text, DoubleText(kNoValueDouble, text)));
   EXPECT_EQ("-1.000000E+37", std::string(text, DoubleText(-1e37, text))) << "not the marker";
 }

@@ -181,7 +181,6 @@ TEST(ValueTexts, EngineeringFormatAndLevels) {
   clamp.type = 2;
   EXPECT_EQ(24000, ClampNominalCurrent(clamp));
   settings.nominal_voltage = 20000;
-  const ScopedState state(&settings);
   const struct {
     uint32_t trigger;
     bool percent_first;
@@ -192,8 +191,9 @@ TEST(ValueTexts, EngineeringFormatAndLevels) {
                 {6, true, "12.5% (3.000kA)"},
                 {8, true, "12.5%"}};
   for (const auto& l : levels) {
-    EXPECT_EQ(l.text,
-              TextOf([&](BoundedText* to) { LevelText(12.5f, l.trigger, to, l.percent_first); }));
+    EXPECT_EQ(l.text, TextOf([&](BoundedText* to) {
+                LevelText(12.5f, l.trigger, settings, to, l.percent_first);
+              }));
   }
   const char* const texts[][2] = {
       {"", TriggerKindText(0)},  {"Events & Alarms", TriggerKindText(4)},

@@ -286,17 +286,16 @@ TEST(SettingFile, ReplacesTheSettingsAsFarAsItGoes) {
   EXPECT_EQ(77u, settings->rand_mark) << "behind the end of the short file";
 }
 
-TEST(InstrumentStateRecord, IsCurrentWhileItLivesAndReleasesWhatItOwns) {
+TEST(InstrumentStateRecord, HasTheRecordingsSettingsAndReleasesWhatItOwns) {
   const uint32_t before = TrackedBytes();
   UifParams settings{};
   settings.nominal_voltage = 4321.0f;
   {
     ScopedState state(&settings);
-    EXPECT_EQ(4321.0f, CurrentState()->settings.nominal_voltage) << "not validated";
-    EXPECT_EQ(2u, CurrentState()->fixed122904);
-    const_cast<InstrumentState*>(CurrentState())->owned[1] = Allocate(100);
+    EXPECT_EQ(4321.0f, state->settings.nominal_voltage) << "not validated";
+    EXPECT_EQ(2u, state->fixed122904);
+    state->owned[1] = Allocate(100);
   }
-  EXPECT_EQ(nullptr, CurrentState());
   EXPECT_EQ(before, TrackedBytes());
 }
 

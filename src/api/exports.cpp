@@ -11,11 +11,13 @@ using namespace quorvex;
 
 constexpr uint32_t kHeadParamsBuffer = 30720;  // room for a head-and-settings document
 constexpr uint32_t kGenRecBuffer = 404480;     // ten times the full general record
-constexpr uint32_t kGeneralType = 1;
-constexpr float kGeneralRecordSize = 40448.0f;
 
-void Convert(const Request& request) {
+// What computes is behind these functions, in other files: nothing of it is moved to where the
+// host's floating-point settings are still in force.
+void Convert(Request request) {
   if (request.input == nullptr) return;
+  OwnFloats floats;
+  request.host_floats = floats.host();
   FileHeader header{};
   ReadFileHeader(request.input, &header);
   if (const RecordType* type = FindRecordType(header.type)) ConvertRecording(*type, request);
@@ -41,18 +43,12 @@ void QuorvexConvertPerPartes(const char* path, const char* output_path, uint32_t
 }
 
 int32_t QuorvexGetNumberOfRecords(const char* path) {
-  FileHeader header{};
-  ReadFileHeader(path, &header);
-  if (header.type != kGeneralType) return 0;
-  Tracked<FileInfo> info;
-  const uint32_t size = QueryFileInfo(path, info.get()) == 0 ? info->size : 0;
-  // A size below the head's wraps round, and its quotient then fits no 32-bit integer.
-  const uint64_t behind_head = static_cast<uint64_t>(size) - kHeadSize;
-  const float count = static_cast<float>(behind_head) / kGeneralRecordSize + 0.5f;
-  return count < 2147483648.0f ? static_cast<int32_t>(count) : INT32_MIN;
+  const OwnFloats floats;
+  return CountGeneralRecords(path);
 }
 
 void QuorvexGetRecordInfo(const char* path, char* text) {
+  const OwnFloats floats;
   if (path != nullptr && text != nullptr) DescribeRecording(path, text);
 }
 

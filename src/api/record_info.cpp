@@ -18,8 +18,9 @@ struct Head {
   const char* path;
   FileHeader header;
   UifParams settings;
-  bool estimated;   // no setting file: the end follows from the number of records
-  int32_t records;  // where it is estimated
+  const UifParams* in_force;  // of the instrument state: what the texts of levels are made with
+  bool estimated;             // no setting file: the end follows from the number of records
+  int32_t records;            // where it is estimated
 };
 
 uint32_t SizeOf(const char* path) {
@@ -70,9 +71,9 @@ void PutPeriods(uint32_t periods, BoundedText* to) {
   to->Put(" periods'");
 }
 
-void PutLevel(float level, uint32_t trigger, BoundedText* to) {
+void PutLevel(const Head& head, float level, uint32_t trigger, BoundedText* to) {
   to->Put(" '");
-  LevelText(level, trigger, to, true);
+  LevelText(level, trigger, *head.in_force, to, true);
   to->Put('\'');
 }
 
@@ -108,7 +109,7 @@ void DescribeSnapshots(const Head& head, BoundedText* to) {
   PutTime(wave.end_time, to);
   PutQuoted(TriggerKindText(wave.trigger), to);
   if (wave.trigger == kTriggerLevelU || wave.trigger == kTriggerLevelI) {
-    PutLevel(wave.level, wave.trigger, to);
+    PutLevel(head, wave.level, wave.trigger, to);
     PutQuoted(SlopeText(wave.slope), to);
   } else {
     PutQuoted("-", to);
@@ -151,7 +152,7 @@ void DescribeInrush(const Head& head, BoundedText* to) {
   const InrushParams& inrush = head.settings.inrush;
   PutTime(inrush.start_time, to);
   PutTime(inrush.end_time, to);
-  PutLevel(inrush.level, kTriggerLevelI, to);
+  PutLevel(head, inrush.level, kTriggerLevelI, to);
   PutQuoted(SlopeText(inrush.slope), to);
   PutDuration(inrush.duration, to);
   PutDuration(inrush.pretrigger, to);
@@ -214,16 +215,31 @@ bool EndsInRec(const char* path) {
 }  // namespace
 
 void DescribeRecording(const char* path, char* text) {
-  BoundedText to(text, kRecordInfoRoom);
-  if (!EndsInRec(path)) return;
+  Tracked<char> line(kRecordInfoRoom);
+  BoundedText to(line.get(), kRecordInfoRoom);
   Tracked<Head> head;
-  if (!ReadHead(path, head.get())) return;
-  const ScopedState state(head->estimated ? nullptr : &head->settings);
-  for (const auto& description : kDescriptions) {
-    if (description.type != head->header.type) continue;
-    to.PutInteger(static_cast<int32_t>(head->header.type));
-    description.describe(*head, &to);
+  if (EndsInRec(path) && ReadHead(path, head.get())) {
+    const ScopedState state(head->estimated ? nullptr : &head->settings);
+    head->in_force = &state->settings;
+    for (const auto& description : kDescriptions) {
+      if (description.type != head->header.type) continue;
+      to.PutInteger(static_cast<int32_t>(head->header.type));
+      description.describe(*head, &to);
+    }
   }
+  std::strcpy(text, line.get());
+}
+
+int32_t CountGeneralRecords(const char* path) {
+  constexpr uint32_t kGeneralType = 1;
+  constexpr float kFullRecordSize = 40448.0f;
+  FileHeader header{};
+  ReadFileHeader(path, &header);
+  if (header.type != kGeneralType) return 0;
+  // A size below the head's wraps round, and its quotient then fits no 32-bit integer.
+  const uint64_t behind_head = static_cast<uint64_t>(SizeOf(path)) - kHeadSize;
+  const float count = static_cast<float>(behind_head) / kFullRecordSize + 0.5f;
+  return count < 2147483648.0f ? static_cast<int32_t>(count) : INT32_MIN;
 }
 
 }  // namespace quorvex

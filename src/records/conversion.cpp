@@ -35,10 +35,11 @@ bool WriteRecords(const RecordType& type, const Request& request, const UifParam
                   XmlWriter* document) {
   File input(request.input, kOpenRead);
   if (!input || !SeekTo(input.get(), type.records_at)) return false;
-  Tracked<FileInfo> info;
-  const bool known = QueryFileInfo(request.input, info.get()) == 0;
-  type.write({type, request, settings, document, input.get(), known ? info->size : 0,
-              known ? WholeSize(*info) : 0});
+  Request reached = request;
+  if (!type.progress) reached.progress = nullptr;
+  // Of the open file: its name may be too long for a search, or a link's.
+  const uint64_t size = SizeOf(input.get());
+  type.write({type, reached, settings, document, input.get(), static_cast<uint32_t>(size), size});
   return true;
 }
 
@@ -103,10 +104,21 @@ void WriteRecordsToEnd(const Conversion& c) {
   }
 }
 
+// Not inline, so that the fraction is computed before the settings change hands.
+__attribute__((noinline)) bool Report(const Request& request, float fraction) {
+  if (request.host_floats != nullptr) RestoreFloats(*request.host_floats);
+  const int32_t answer = request.progress(fraction);
+  if (request.host_floats != nullptr) {
+    SaveFloats(request.host_floats);
+    SetOwnFloats();
+  }
+  return answer >= 0;
+}
+
 bool ReportPosition(const Conversion& c) {
   if (c.request.progress == nullptr) return true;
   const auto position = static_cast<float>(PositionOf(c.input));
-  return c.request.progress(position / static_cast<float>(c.size)) >= 0;
+  return Report(c.request, position / static_cast<float>(c.size));
 }
 
 }  // namespace quorvex

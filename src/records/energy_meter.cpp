@@ -60,8 +60,9 @@ const RecordType kEnergyMeter = {
     .type = 18,
     .name = "energy meter tests",
     .about =
-        "What is written follows the connection; of an unknown one only the error of the meter "
-        "is told. A last record that is cut short is written with the bytes of the one before "
+        "What is written follows the connection; of an unknown one there are the interval, the "
+        "energies and the error of the meter, but no quantities of the network. A last record that "
+        "is cut short is written with the bytes of the one before "
         "in the place of those that it lacks.",
     .list = "RECORDS",
     .record = &kResult,

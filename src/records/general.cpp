@@ -65,7 +65,7 @@ void WriteIntervals(const Conversion& c) {
     ++index;
     if (request.progress != nullptr) {
       const auto done = static_cast<float>(index - request.first);
-      if (request.progress(done / static_cast<float>(expected)) < 0) return;
+      if (!Report(request, done / static_cast<float>(expected))) return;
     }
   } while (index <= request.last);
 }

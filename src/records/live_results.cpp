@@ -1,5 +1,6 @@
 // Type 6: one copy of the live results, every channel position of the instrument whatever the
-// connection.
+// connection. The instrument can keep these results bare, without head, settings and totals; a file
+// of them would have no type to be known by, so that form is not built.
 #include "records/channel_groups.h"
 #include "records/channels.h"
 #include "records/record_types.h"

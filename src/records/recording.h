@@ -6,6 +6,7 @@
 #include "settings/cases.h"
 #include "settings/settings_record.h"
 #include "support/file.h"
+#include "support/float_environment.h"
 #include "xml/element_writer.h"
 #include "xml/layout.h"
 
@@ -22,6 +23,7 @@ struct Request {
   uint32_t last = 0xFFFFFFFF;
   ProgressCallback progress = nullptr;
   GoOn go_on = nullptr;  // see WriteAll; where it says no, the document ends as it stands
+  FloatEnvironment* host_floats = nullptr;  // what the callback works under; null: as it is
 };
 
 // The eight bytes at the start of every file.
@@ -80,9 +82,9 @@ struct RecordType {
   uint32_t settings_at = kFileHeaderSize;  // 0: the file carries no settings
   uint32_t records_at = kHeadSize;
   bool companion = false;              // a setting file beside it replaces the settings
-  bool state = false;                  // an instrument state record is current meanwhile
+  bool state = false;                  // an instrument state record is held meanwhile
   bool harmonics_flag = false;         // variant of the settings block
-  bool progress = false;               // reports progress and can be stopped
+  bool progress = false;               // the host's callback reaches it: reports, can be stopped
   const Field* information = nullptr;  // block behind the settings, written before the list
   uint32_t record_settings_at = 0;     // where a record carries settings of its own, 0: nowhere
   bool once = false;                   // one record a file, whether it is all there or not
@@ -120,6 +122,9 @@ void WriteCountedRecords(const Conversion& c);
 
 // Writes the whole records of `type.record` up to the end of the file, with progress by position.
 void WriteRecordsToEnd(const Conversion& c);
+
+// Tells the host's callback, which there is, the fraction done. False: stop here.
+bool Report(const Request& request, float fraction);
 
 // Reports the position in the file as progress, where the host wants it. False: stop here.
 bool ReportPosition(const Conversion& c);

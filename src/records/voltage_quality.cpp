@@ -122,7 +122,7 @@ void WriteIntervals(const Conversion& c) {
     ++done;
     if (c.request.progress != nullptr) {
       const float fraction = static_cast<float>(done) / static_cast<float>(expected);
-      if (c.request.progress(fraction) < 0) return;
+      if (!Report(c.request, fraction)) return;
     }
   } while (done <= expected);
 }

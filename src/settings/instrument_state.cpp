@@ -4,11 +4,6 @@
 #include "support/memory.h"
 
 namespace quorvex {
-namespace {
-
-thread_local InstrumentState* current_state = nullptr;
-
-}  // namespace
 
 void ReleaseWorkArea(InstrumentState* area) {
   if (area == nullptr) return;
@@ -16,19 +11,12 @@ void ReleaseWorkArea(InstrumentState* area) {
   Release(area);
 }
 
-const InstrumentState* CurrentState() { return current_state; }
-
 ScopedState::ScopedState(const UifParams* settings)
-    : state_(static_cast<InstrumentState*>(Allocate(sizeof(InstrumentState)))),
-      outer_(current_state) {
+    : state_(static_cast<InstrumentState*>(Allocate(sizeof(InstrumentState)))) {
   ValidateSettings(state_, 0);
   if (settings != nullptr) state_->settings = *settings;
-  current_state = state_;
 }
 
-ScopedState::~ScopedState() {
-  current_state = outer_;
-  ReleaseWorkArea(state_);
-}
+ScopedState::~ScopedState() { ReleaseWorkArea(state_); }
 
 }  // namespace quorvex

@@ -1,5 +1,4 @@
-// The instrument state record of a conversion: built from a recording's settings, current on the
-// calling thread while it lives.
+// The instrument state record of a conversion or a query, built from a recording's settings.
 #pragma once
 
 #include "settings/settings_record.h"
@@ -9,10 +8,8 @@ namespace quorvex {
 // Releases a state record and the two tracked blocks that it owns.
 void ReleaseWorkArea(InstrumentState* area);
 
-// The state record of the conversion that runs on this thread; null outside of one.
-const InstrumentState* CurrentState();
-
-// Zeroed, validated, then given the recording's settings (null leaves the defaults).
+// Zeroed, validated, then given the recording's settings (null leaves the defaults). Handed down to
+// whoever reads it: a slot of the thread's own would outlive the library in a host that unloads it.
 class ScopedState {
  public:
   explicit ScopedState(const UifParams* settings);
@@ -20,9 +17,10 @@ class ScopedState {
   ScopedState(const ScopedState&) = delete;
   ScopedState& operator=(const ScopedState&) = delete;
 
+  InstrumentState* operator->() const { return state_; }
+
  private:
   InstrumentState* state_;
-  InstrumentState* outer_;  // a progress callback may ask about another recording
 };
 
 }  // namespace quorvex

@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <iterator>
 
-#include "settings/instrument_state.h"
 #include "xml/number_text.h"
 
 namespace quorvex {
@@ -137,8 +136,8 @@ EngineeringChoice EngineeringFormat(double value) {
   return choice;
 }
 
-void LevelText(float level, uint32_t trigger, BoundedText* to, bool percent_first) {
-  const UifParams& settings = CurrentState()->settings;
+void LevelText(float level, uint32_t trigger, const UifParams& settings, BoundedText* to,
+               bool percent_first) {
   const auto percent = static_cast<double>(level);
   double amount = 0;
   uint32_t unit = kNoUnit;

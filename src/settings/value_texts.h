@@ -35,9 +35,9 @@ EngineeringChoice EngineeringFormat(double value);
 
 // The text of a trigger level given in percent, with what it comes to: in voltage (of the nominal
 // voltage) for the triggers 5 and 7, in current (of the phase 1 clamp) for 6, alone for others. For
-// a current the percentage stands first where `percent_first` is set. Reads the current instrument
-// state.
-void LevelText(float level, uint32_t trigger, BoundedText* to, bool percent_first);
+// a current the percentage stands first where `percent_first` is set.
+void LevelText(float level, uint32_t trigger, const UifParams& settings, BoundedText* to,
+               bool percent_first);
 
 // `value` rounded to so many decimals, half away from zero, and the same without the point.
 // Integers beyond 32 bits are the nearest of them.

@@ -1,7 +1,10 @@
 #include "support/bounded_text.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+
+#include "support/exact_decimal.h"
 
 namespace quorvex {
 
@@ -31,10 +34,20 @@ void BoundedText::PutFixed(double value, int decimals) {
     Put(std::isinf(value) ? "inf" : "nan");
     return;
   }
-  char digits[330] = "";  // the longest double has 309 digits before the point
-  const char* end =
-      std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed, decimals).ptr;
-  for (const char* at = digits; at < end; ++at) Put(*at);
+  const ExactDecimal decimal(value);
+  const int last = -decimals;
+  // Rounding up ends at the first digit from behind that is no 9; what it passes becomes 0.
+  int raised = last - 1;
+  if (decimal.RoundsUp(last)) {
+    raised = last;
+    while (decimal.DigitAt(raised) == 9) ++raised;
+  }
+  if (std::signbit(value)) Put('-');
+  for (int place = std::max({decimal.Exponent(), raised, 0}); place >= last; --place) {
+    const uint32_t digit = place < raised ? 0 : decimal.DigitAt(place) + (place == raised ? 1 : 0);
+    if (place == -1) Put('.');
+    Put(static_cast<char>('0' + digit));
+  }
 }
 
 }  // namespace quorvex

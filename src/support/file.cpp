@@ -15,7 +15,7 @@ std::FILE* OpenStream(const char* path, int32_t mode) {
     case kOpenCreate:
       return std::fopen(path, "wb");
     case kOpenAppend:
-      return std::fopen(path, "ab");
+      return OpenForAppending(path);
     case kOpenUpdate:
       return std::fopen(path, "rb+");
     default:
@@ -60,8 +60,11 @@ bool SeekTo(FileHandle* file, uint64_t position) {
 uint64_t PositionOf(FileHandle* file) { return static_cast<uint64_t>(ftello(file->stream)); }
 #endif
 
+uint64_t SizeOf(FileHandle* file) { return SizeOfStream(file->stream); }
+
 uint32_t WriteAll(FileHandle* file, const void* bytes, uint32_t count, GoOn go_on) {
   // Past the stream's own buffer: a stream that fails half way forgets what it had buffered.
+  DropReadAhead(file->stream);
   uint32_t written = 0;
   int error = 0;
   while (written < count) {

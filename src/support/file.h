@@ -33,6 +33,8 @@ uint32_t ReadBytes(FileHandle* file, void* to, uint32_t count);
 
 bool SeekTo(FileHandle* file, uint64_t position);
 uint64_t PositionOf(FileHandle* file);
+// In bytes; 0 where it is not known.
+uint64_t SizeOf(FileHandle* file);
 
 // Asked in front of a piece that is written (with 0), and after one of which nothing arrived (with
 // the reason as errno has it): whether to go on. No host can ask for this; the command line does.

@@ -1,9 +1,9 @@
 #include "support/memory.h"
 
 #include <atomic>
-#include <cstdio>
 #include <cstdlib>
 
+#include "support/bounded_text.h"
 #include "support/loads.h"
 #include "support/platform.h"
 
@@ -33,7 +33,10 @@ void* Allocate(uint32_t size) {
     }
     if (++attempts == kAttemptsPerMessage) {
       char message[48];
-      std::snprintf(message, sizeof message, "Out of heap. (%d bytes)\n\r", static_cast<int>(size));
+      BoundedText text(message, sizeof message);
+      text.Put("Out of heap. (");
+      text.PutInteger(static_cast<int32_t>(size));
+      text.Put(" bytes)\n\r");
       SendDiagnostic(message);
       attempts = 0;
     }

@@ -46,11 +46,21 @@ uint64_t WholeSize(const FileInfo& info);
 bool SameFile(const char* first, const char* second);
 
 // Opens a regular file for reading. Null for everything else: a pipe or a device could keep its
-// reader waiting for ever, and cannot be read twice.
+// reader waiting for ever, and cannot be read twice. Others may have it open for anything, deleting
+// too.
 std::FILE* OpenForReading(const char* path);
 
-// Writes up to `count` bytes behind what was written before; returns how many arrived, 0 on
-// failure.
+// Opens or creates a file; whatever is written goes to its end.
+std::FILE* OpenForAppending(const char* path);
+
+// The size of an open file, 0 where that is not known.
+uint64_t SizeOfStream(std::FILE* stream);
+
+// Gives up what a stream has read ahead: what is written next goes past its buffer.
+void DropReadAhead(std::FILE* stream);
+
+// Writes up to `count` bytes where the file stands; returns how many arrived. 0 on failure, with
+// the reason in `errno`.
 uint32_t WritePiece(std::FILE* stream, const void* bytes, uint32_t count);
 
 void PauseMs(uint32_t milliseconds);

@@ -1,6 +1,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <ctime>
 
@@ -19,14 +21,17 @@ int QueryFileInfo(const char* path, FileInfo* info) {
   // Some file systems keep no creation time; the last change is the nearest that they know.
   const bool has_birth = (info->found.stx_mask & STATX_BTIME) != 0;
   const time_t created = has_birth ? info->found.stx_btime.tv_sec : info->found.stx_mtime.tv_sec;
-  struct tm utc {};
-  gmtime_r(&created, &utc);
-  info->year = static_cast<uint16_t>(utc.tm_year + 1900);
-  info->month = static_cast<uint8_t>(utc.tm_mon + 1);
-  info->day = static_cast<uint8_t>(utc.tm_mday);
-  info->hour = static_cast<uint8_t>(utc.tm_hour);
-  info->minute = static_cast<uint8_t>(utc.tm_min);
-  info->second = static_cast<uint8_t>(utc.tm_sec);
+  // Without gmtime_r, which reads the environment, while a host may be changing it.
+  const std::chrono::sys_seconds time{std::chrono::seconds{created}};
+  const auto midnight = std::chrono::floor<std::chrono::days>(time);
+  const std::chrono::year_month_day date{midnight};
+  const std::chrono::hh_mm_ss clock{time - midnight};
+  info->year = static_cast<uint16_t>(static_cast<int>(date.year()));
+  info->month = static_cast<uint8_t>(static_cast<unsigned int>(date.month()));
+  info->day = static_cast<uint8_t>(static_cast<unsigned int>(date.day()));
+  info->hour = static_cast<uint8_t>(clock.hours().count());
+  info->minute = static_cast<uint8_t>(clock.minutes().count());
+  info->second = static_cast<uint8_t>(clock.seconds().count());
   return 0;
 }
 
@@ -52,8 +57,19 @@ std::FILE* OpenForReading(const char* path) {
   return stream;
 }
 
+std::FILE* OpenForAppending(const char* path) { return std::fopen(path, "ab"); }
+
+uint64_t SizeOfStream(std::FILE* stream) {
+  struct stat status {};
+  return fstat(fileno(stream), &status) == 0 ? static_cast<uint64_t>(status.st_size) : 0;
+}
+
+void DropReadAhead(std::FILE* stream) { std::fflush(stream); }
+
 uint32_t WritePiece(std::FILE* stream, const void* bytes, uint32_t count) {
-  const ssize_t written = write(fileno(stream), bytes, count);
+  ssize_t written = 0;
+  do written = write(fileno(stream), bytes, count);
+  while (written < 0 && errno == EINTR);  // a signal of the host's is no failure
   return written > 0 ? static_cast<uint32_t>(written) : 0;
 }
 

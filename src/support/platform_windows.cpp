@@ -1,5 +1,7 @@
+#include <fcntl.h>
 #include <io.h>
 
+#include <cerrno>
 #include <cstring>
 
 #include "support/platform.h"
@@ -7,10 +9,56 @@
 namespace quorvex {
 namespace {
 
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+// CreateFileA knows no paths beyond 259 bytes, however they begin.
+HANDLE Open(const char* path, DWORD access, DWORD share, DWORD disposition, DWORD flags) {
+  constexpr int kRoom = 1024;
+  wchar_t wide[kRoom];
+  const UINT code_page = AreFileApisANSI() != 0 ? CP_ACP : CP_OEMCP;
+  if (MultiByteToWideChar(code_page, 0, path, -1, wide, kRoom) == 0) return INVALID_HANDLE_VALUE;
+  return CreateFileW(wide, access, share, nullptr, disposition, flags, nullptr);
+}
+
+HANDLE HandleOf(std::FILE* stream) {
+  return reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
+}
+
+// A stream that owns `file`. Null where the runtime has no room for another.
+std::FILE* StreamOf(HANDLE file, int flags, const char* mode) {
+  const int descriptor = _open_osfhandle(reinterpret_cast<intptr_t>(file), flags | _O_BINARY);
+  if (descriptor < 0) {
+    CloseHandle(file);
+    return nullptr;
+  }
+  std::FILE* stream = _fdopen(descriptor, mode);
+  if (stream == nullptr) _close(descriptor);
+  return stream;
+}
+
+// Why a write failed, as the C library would say it.
+int ErrorNumber(DWORD error) {
+  switch (error) {
+    case ERROR_DISK_FULL:
+    case ERROR_HANDLE_DISK_FULL:
+      return ENOSPC;
+    case ERROR_ACCESS_DENIED:
+    case ERROR_LOCK_VIOLATION:
+      return EACCES;
+    case ERROR_INVALID_HANDLE:
+      return EBADF;
+    case ERROR_WRITE_PROTECT:
+      return EROFS;
+    case ERROR_FILE_TOO_LARGE:
+      return EFBIG;
+    default:
+      return EIO;
+  }
+}
+
 // Volume and index name a file whatever path leads to it. False where the path opens nothing.
 bool FileIdentity(const char* path, BY_HANDLE_FILE_INFORMATION* identity) {
-  const HANDLE file = CreateFileA(path, 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                  nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  const HANDLE file = Open(path, 0, kShareAll, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
   if (file == INVALID_HANDLE_VALUE) return false;
   const bool known = GetFileInformationByHandle(file, identity) != 0;
   CloseHandle(file);
@@ -21,14 +69,14 @@ bool FileIdentity(const char* path, BY_HANDLE_FILE_INFORMATION* identity) {
 
 int QueryFileInfo(const char* path, FileInfo* info) {
   if (path == nullptr) return 1;
+  bool found = info->in_progress != 0 && FindNextFileA(info->search, &info->found) != 0;
   if (info->in_progress == 0) {
     info->search = FindFirstFileA(path, &info->found);
-    if (info->search == INVALID_HANDLE_VALUE) return 1;
-  } else if (FindNextFileA(info->search, &info->found) == 0) {
-    return 1;
+    found = info->search != INVALID_HANDLE_VALUE;
   }
-  FindClose(info->search);
+  if (info->search != INVALID_HANDLE_VALUE) FindClose(info->search);
   info->search = INVALID_HANDLE_VALUE;
+  if (!found) return 1;
   std::strncpy(info->name, info->found.cFileName, sizeof info->name - 1);
   info->name[sizeof info->name - 1] = '\0';
   info->size = info->found.nFileSizeLow;
@@ -56,17 +104,35 @@ bool SameFile(const char* first, const char* second) {
 }
 
 std::FILE* OpenForReading(const char* path) {
-  std::FILE* stream = std::fopen(path, "rb");
-  if (stream == nullptr) return nullptr;
-  const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
-  if (GetFileType(handle) == FILE_TYPE_DISK) return stream;
-  std::fclose(stream);
+  const HANDLE file = Open(path, GENERIC_READ, kShareAll, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL);
+  if (file == INVALID_HANDLE_VALUE) return nullptr;
+  if (GetFileType(file) == FILE_TYPE_DISK) return StreamOf(file, _O_RDONLY, "rb");
+  CloseHandle(file);
   return nullptr;
 }
 
+std::FILE* OpenForAppending(const char* path) {
+  // With this right alone the system itself writes at the end: the runtime would only where bytes
+  // go through it.
+  const HANDLE file = Open(path, FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_ALWAYS,
+                           FILE_ATTRIBUTE_NORMAL);
+  return file != INVALID_HANDLE_VALUE ? StreamOf(file, _O_WRONLY | _O_APPEND, "ab") : nullptr;
+}
+
+uint64_t SizeOfStream(std::FILE* stream) {
+  LARGE_INTEGER size{};
+  return GetFileSizeEx(HandleOf(stream), &size) != 0 ? static_cast<uint64_t>(size.QuadPart) : 0;
+}
+
+void DropReadAhead(std::FILE* stream) { _fseeki64(stream, 0, SEEK_CUR); }
+
+// Not through the runtime, which says of a write that a full disk cut short that it failed, and not
+// how much it took.
 uint32_t WritePiece(std::FILE* stream, const void* bytes, uint32_t count) {
-  const int written = _write(_fileno(stream), bytes, count);
-  return written > 0 ? static_cast<uint32_t>(written) : 0;
+  DWORD written = 0;
+  const bool whole = WriteFile(HandleOf(stream), bytes, count, &written, nullptr) != 0;
+  if (written == 0) errno = whole ? ENOSPC : ErrorNumber(GetLastError());
+  return written;
 }
 
 void PauseMs(uint32_t milliseconds) { Sleep(milliseconds); }

@@ -3,6 +3,7 @@
 #include <cassert>
 #include <cstring>
 
+#include "support/bounded_text.h"
 #include "support/memory.h"
 
 namespace quorvex {
@@ -89,6 +90,13 @@ void CloseElement(XmlWriter* writer) {
   PutText(writer, "</");
   if (writer->depth < kMaxOpenElements) PutText(writer, writer->open[writer->depth]);
   PutText(writer, ">\r\n");
+}
+
+void PhaseAttribute(const char* label, char* to, uint32_t room) {
+  BoundedText text(to, room);
+  text.Put("phase=\"");
+  text.Put(label);
+  text.Put('"');
 }
 
 void ValueElement(XmlWriter* writer, const char* name, const char* value) {

@@ -47,6 +47,9 @@ void PutText(XmlWriter* writer, const char* text);
 void OpenElement(XmlWriter* writer, const char* name, const char* attributes = "");
 void CloseElement(XmlWriter* writer);
 
+// The attribute that tells elements of one name apart: phase="label".
+void PhaseAttribute(const char* label, char* to, uint32_t room);
+
 // <name>value</name> on one line. The value stands as given: free text goes through EscapeText.
 void ValueElement(XmlWriter* writer, const char* name, const char* value);
 

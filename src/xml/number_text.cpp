@@ -6,9 +6,11 @@
 #include <cmath>
 #include <cstring>
 
+#include "support/exact_decimal.h"
 #include "xml/float_text.h"
 
 namespace quorvex {
+
 char* DoubleText(double value, char* to) {
   if (value == kNoValueDouble) {
     *to = '-';
@@ -18,14 +20,28 @@ char* DoubleText(double value, char* to) {
     if (std::signbit(value)) *to++ = '-';
     return NotFiniteText(std::isinf(value), to);
   }
-  char* end = std::to_chars(to, to + kLongestNumber, value, std::chars_format::scientific, 6).ptr;
-  for (char* at = end - 1; at > to; --at) {
-    if (*at == 'e') {
-      *at = 'E';
-      break;
-    }
+  const ExactDecimal decimal(value);
+  int exponent = decimal.Exponent();
+  uint32_t digits = 0;
+  for (int place = exponent; place >= exponent - 6; --place) {
+    digits = digits * 10 + decimal.DigitAt(place);
   }
-  return end;
+  if (decimal.RoundsUp(exponent - 6)) ++digits;
+  if (digits == 10000000) {
+    digits = 1000000;
+    ++exponent;
+  }
+  if (std::signbit(value)) *to++ = '-';
+  to[0] = static_cast<char>('0' + digits / 1000000);
+  to[1] = '.';
+  std::memcpy(to + 2, kThreeDigits[digits / 1000 % 1000].data(), 4);
+  std::memcpy(to + 5, kThreeDigits[digits % 1000].data(), 4);
+  to[8] = 'E';
+  to[9] = exponent < 0 ? '-' : '+';
+  const auto size = static_cast<size_t>(exponent < 0 ? -exponent : exponent);
+  const size_t left_out = size < 100 ? 1 : 0;  // a third digit only where there is one
+  std::memcpy(to + 10, kThreeDigits[size].data() + left_out, 3);
+  return to + 13 - left_out;
 }
 
 char* IntegerText(int64_t value, char* to) {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <bit>
 #include <cassert>
-#include <cstdio>
 #include <cstring>
 
 #include "support/loads.h"
@@ -213,7 +212,7 @@ void Plan::Add(const Field& f, uint32_t place, uint32_t step) {
 
 void Plan::AddRows(const Field& f, uint32_t offset, uint32_t step) {
   char attributes[64] = "";
-  if (f.phase != nullptr) std::snprintf(attributes, sizeof attributes, "phase=\"%s\"", f.phase);
+  if (f.phase != nullptr) PhaseAttribute(f.phase, attributes, sizeof attributes);
   if (f.kind == Kind::kGroup) {
     if (f.name[0] != '\0') OpenElement(text_, f.name, attributes);
     for (uint32_t r = 0; r < f.row_count; ++r) {

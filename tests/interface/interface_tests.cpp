@@ -1,9 +1,13 @@
 // The library as a host meets it: loaded at run time, its exports looked up by name.
 #include <gtest/gtest.h>
 
+#include <immintrin.h>
+
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -12,20 +16,38 @@
 
 #ifdef _WIN32
 #include <windows.h>
+
+#include <psapi.h>
 #else
 #include <dlfcn.h>
+#include <pthread.h>
+
+#include <fstream>
 #endif
 
 namespace {
 
-void* Lookup(const char* name) {
 #ifdef _WIN32
-  static const HMODULE library = LoadLibraryA("Quorvex64.dll");
-  return library == nullptr ? nullptr : reinterpret_cast<void*>(GetProcAddress(library, name));
+void* Load(const char* path) { return LoadLibraryA(path); }
+void* Find(void* library, const char* name) {
+  return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(library), name));
+}
+bool Unload(void* library, const char* path) {
+  FreeLibrary(static_cast<HMODULE>(library));
+  return GetModuleHandleA(path) == nullptr;
+}
 #else
-  static void* library = dlopen(QUORVEX_LIBRARY, RTLD_NOW);
-  return library == nullptr ? nullptr : dlsym(library, name);
+void* Load(const char* path) { return dlopen(path, RTLD_NOW); }
+void* Find(void* library, const char* name) { return dlsym(library, name); }
+bool Unload(void* library, const char* path) {
+  dlclose(library);
+  return dlopen(path, RTLD_NOW | RTLD_NOLOAD) == nullptr;
+}
 #endif
+
+void* Lookup(const char* name) {
+  static void* library = Load(QUORVEX_LIBRARY);
+  return library == nullptr ? nullptr : Find(library, name);
 }
 
 #define EXPORT(name) reinterpret_cast<decltype(&name)>(Lookup(#name))
@@ -99,6 +121,12 @@ TEST(Interface, NumberOfRecordsRoundsToWholeFullRecords) {
     WriteFile("count.rec", FileOf(1, c.type, c.size));
     EXPECT_EQ(c.count, EXPORT(QuorvexGetNumberOfRecords)("count.rec")) << c.type << ' ' << c.size;
   }
+  char path[512] = "count.rec", line[512];
+  WriteFile(path, FileOf(1, 1, 3072));
+  EXPORT(QuorvexGetRecordInfo)(path, line);
+  EXPORT(QuorvexGetRecordInfo)(path, path);
+  EXPECT_STREQ(line, path) << "the line may replace the path";
+  EXPECT_EQ('1', line[0]);
   std::remove("count.rec");
   EXPECT_EQ(0, EXPORT(QuorvexGetNumberOfRecords)("count.rec"));
 }
@@ -145,5 +173,151 @@ TEST(Interface, NothingToDoIsSilent) {
   EXPECT_STREQ("before", text);
   EXPORT(QuorvexGetRecordInfo)("missing.rec", nullptr);
 }
+
+// A recording of any type with all kinds of numbers in it.
+std::vector<uint8_t> Noise(uint32_t type) {
+  std::vector<uint8_t> bytes = FileOf(1, type, 60000);
+  for (size_t i = 8; i < bytes.size(); ++i) bytes[i] = static_cast<uint8_t>(i * i * 37 + i / 5);
+  bytes[8 + 13] = 3;                    // connection
+  std::memset(&bytes[8 + 976], 0, 4);   // profile
+  std::memset(&bytes[8 + 1376], 0, 4);  // samples of a capture
+  return bytes;
+}
+
+// The processor's floating-point settings, and what has happened under them.
+struct Floats {
+  uint32_t sse;
+  uint16_t control, status;
+  bool operator==(const Floats&) const = default;
+};
+Floats CurrentFloats() {
+  Floats f{_mm_getcsr(), 0, 0};
+  asm volatile("fnstcw %0\n\tfnstsw %1" : "=m"(f.control), "=m"(f.status));
+  return f;
+}
+void SetFloats(const Floats& f) {
+  asm volatile("fnclex\n\tfldcw %0" : : "m"(f.control));
+  _mm_setcsr(f.sse);
+}
+
+constexpr Floats kChanged = {0x5F80, 0x0A7F, 0};
+Floats floats_seen;
+int32_t QUORVEX_CALL LookAndChange(float) {
+  floats_seen = CurrentFloats();
+  SetFloats(kChanged);
+  return -1;
+}
+
+TEST(Interface, FloatingPointSettingsAreTheHosts) {
+  const auto convert = EXPORT(QuorvexConvert);
+  const auto describe = EXPORT(QuorvexGetRecordInfo);
+  const Floats before = CurrentFloats();
+  // Every exception interrupts; rounding upwards, with denormals as zero; downwards, flags
+  // standing.
+  for (const Floats& host : {Floats{0, 0x0340, 0}, {0xDFC0, 0x0B40, 0}, {0x2021, 0x0760, 0}}) {
+    for (uint32_t type = 1; type <= 18; ++type) {
+      WriteFile("floats.rec", Noise(type));
+      char lines[2][512];
+      convert("floats.rec", "usual.xml", nullptr);
+      describe("floats.rec", lines[0]);
+      floats_seen = host;
+      SetFloats(host);
+      convert("floats.rec", "floats.xml", nullptr);
+      describe("floats.rec", lines[1]);
+      EXPORT(QuorvexGetNumberOfRecords)("floats.rec");
+      const Floats after = CurrentFloats();
+      convert("floats.rec", "stopped.xml", LookAndChange);
+      const Floats stopped = CurrentFloats();
+      asm volatile("fwait");  // where anything is pending it comes now
+      SetFloats(before);
+      EXPECT_TRUE(ReadFile("usual.xml") == ReadFile("floats.xml")) << type;
+      EXPECT_STREQ(lines[0], lines[1]);
+      EXPECT_TRUE(after == host && floats_seen == host) << type;
+      EXPECT_TRUE(stopped == host || stopped == kChanged) << type;
+    }
+  }
+  for (const char* name : {"floats.rec", "usual.xml", "floats.xml", "stopped.xml"}) {
+    std::remove(name);
+  }
+}
+
+// What a process holds: handles or descriptors, the next free slot for data of threads, memory.
+struct Held {
+  uint64_t handles, slot, kilobytes;
+};
+Held HeldNow() {
+#ifdef _WIN32
+  // Not counted, as Wine does not: the lowest free one is given out.
+  const HANDLE fresh = CreateEventA(nullptr, FALSE, FALSE, nullptr);
+  CloseHandle(fresh);
+  const DWORD slot = TlsAlloc();
+  TlsFree(slot);
+  PROCESS_MEMORY_COUNTERS memory{};
+  K32GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
+  return {reinterpret_cast<uintptr_t>(fresh), slot, memory.PagefileUsage / 1024};
+#else
+  pthread_key_t slot{};
+  pthread_key_create(&slot, nullptr);
+  pthread_key_delete(slot);
+  uint64_t all = 0, resident = 0;
+  std::ifstream("/proc/self/statm") >> all >> resident;
+  const auto files = std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+  return {static_cast<uint64_t>(files), slot, resident * 4};
+#endif
+}
+
+TEST(Interface, ComesAndGoesWithoutATrace) {
+  constexpr char kCopy[] = "./comes-and-goes.dll";  // no other test has loaded it
+  std::filesystem::copy_file(QUORVEX_LIBRARY, kCopy,
+                             std::filesystem::copy_options::overwrite_existing);
+  WriteFile("cycle.rec", Noise(1));
+  Held first{}, last{};
+  for (int cycle = 0; cycle < 120; ++cycle) {
+    last = HeldNow();
+    if (cycle == 20) first = last;
+    void* library = Load(kCopy);
+    ASSERT_NE(nullptr, library);
+    char line[512];
+    void* convert = Find(library, "QuorvexConvert");
+    void* describe = Find(library, "QuorvexGetRecordInfo");
+    reinterpret_cast<decltype(&QuorvexConvert)>(convert)("cycle.rec", nullptr, nullptr);
+    reinterpret_cast<decltype(&QuorvexGetRecordInfo)>(describe)("cycle.rec", line);
+    ASSERT_TRUE(Unload(library, kCopy));
+  }
+  EXPECT_EQ(first.slot, last.slot);
+  EXPECT_LE(last.handles, first.handles + 40);  // Windows gives them out in an order of its own
+#ifndef __SANITIZE_ADDRESS__                    // which keeps what is freed for a while
+  EXPECT_LT(last.kilobytes, first.kilobytes + 1000);
+#endif
+  for (const char* name : {kCopy, "cycle.rec", "cycle.xml"}) std::remove(name);
+}
+
+#ifdef _WIN32
+TEST(Interface, LongPathsAndSharedRecordings) {
+  WriteFile("short.rec", Noise(18));
+  EXPORT(QuorvexConvert)("short.rec", "short.xml", nullptr);
+  std::wstring path = L"\\\\?\\" + std::filesystem::current_path().wstring();
+  std::vector<std::wstring> folders;
+  while (path.size() < 300) {
+    folders.push_back(path += L"\\" + std::wstring(60, L'd'));
+    CreateDirectoryW(path.c_str(), nullptr);
+  }
+  path += L"\\long.rec";
+  ASSERT_TRUE(CopyFileW(L"short.rec", path.c_str(), FALSE));
+  std::string bytes;
+  for (const wchar_t c : path) bytes += static_cast<char>(c);
+  EXPORT(QuorvexConvert)(bytes.c_str(), "long.xml", nullptr);
+  EXPECT_TRUE(ReadFile("short.xml") == ReadFile("long.xml"));
+  // Somebody who means to delete it, and lets others go on meanwhile.
+  constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+  const HANDLE held = CreateFileA("short.rec", GENERIC_READ | DELETE, kShareAll, nullptr,
+                                  OPEN_EXISTING, 0, nullptr);
+  EXPECT_EQ(1, EXPORT(QuorvexGetFileVersion)("short.rec"));
+  CloseHandle(held);
+  DeleteFileW(path.c_str());
+  for (; !folders.empty(); folders.pop_back()) RemoveDirectoryW(folders.back().c_str());
+  for (const char* name : {"short.rec", "short.xml", "long.xml"}) std::remove(name);
+}
+#endif
 
 }  // namespace
