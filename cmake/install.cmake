@@ -24,19 +24,38 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/Quorvex64ConfigVersion.cmak
                                  COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_BINARY_DIR}/Quorvex64ConfigVersion.cmake DESTINATION ${cmake_dir})
 
-install(DIRECTORY examples docs DESTINATION ${doc_dir} PATTERN windows.txt EXCLUDE)
+# Of the documents those that users need: docs/performance.md is about the source tree.
+install(FILES docs/command-line.md docs/formats.md docs/host.md docs/safety.md
+        DESTINATION ${doc_dir}/docs)
+install(DIRECTORY examples DESTINATION ${doc_dir})
 install(DIRECTORY schema DESTINATION ${data_dir})
 install(DIRECTORY python/quorvex64 DESTINATION ${python_dir}
         FILES_MATCHING PATTERN "*.py" PATTERN py.typed)
+# Recordings for a first try, which scripts/package makes.
+set(QUORVEX_SAMPLE_CARD "" CACHE PATH "A folder of sample recordings to install")
+if(QUORVEX_SAMPLE_CARD)
+  install(DIRECTORY ${QUORVEX_SAMPLE_CARD}/ DESTINATION ${doc_dir}/card)
+endif()
 
 # Builds all of it, without the tests.
 add_custom_target(installed_files DEPENDS Quorvex64 quorvex)
 
 if(WIN32)
   install(FILES docs/windows.txt DESTINATION . RENAME README.txt)
+  install(FILES CHANGELOG.md DESTINATION . RENAME CHANGES.txt)
   install(FILES cmake/Quorvex64.def TYPE LIB)
+  split_debug_information(Quorvex64)
+  split_debug_information(quorvex)
 else()
-  install(FILES README.md DESTINATION ${doc_dir})
+  install(FILES docs/debian.txt DESTINATION ${doc_dir} RENAME README.txt)
+  add_custom_command(OUTPUT changelog.gz DEPENDS ${CMAKE_SOURCE_DIR}/CHANGELOG.md VERBATIM
+                     COMMAND gzip -9nc ${CMAKE_SOURCE_DIR}/CHANGELOG.md > changelog.gz)
+  add_custom_target(changelog ALL DEPENDS changelog.gz)
+  add_dependencies(installed_files changelog)
+  install(FILES ${CMAKE_BINARY_DIR}/changelog.gz DESTINATION ${doc_dir})
+  # Where the documents' links look for it.
+  file(CREATE_LINK ../../quorvex64/schema ${CMAKE_BINARY_DIR}/schema SYMBOLIC)
+  install(FILES ${CMAKE_BINARY_DIR}/schema DESTINATION ${doc_dir})
   install(FILES tools/quorvex/completion.bash RENAME quorvex
           DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
   file(RELATIVE_PATH up /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)

@@ -20,7 +20,7 @@ VERSION = int(__version__.replace(".", ""))
 FILE_NAME = "Quorvex64.dll" if sys.platform == "win32" else "libQuorvex64.so"
 VARIABLE = "QUORVEX64_LIBRARY"
 LAST_RECORD = 0xFFFFFFFF
-_MOST_PATH_BYTES = 511  # the library takes a longer path for a file that cannot be opened
+MOST_PATH_BYTES = 511  # the library takes a longer path for a file that cannot be opened
 _LINE_ROOM = 512
 
 # Both platforms use the C calling convention. ctypes gives the GIL free during a call and takes it
@@ -52,6 +52,7 @@ class Library:
     """A loaded library. Its functions take paths as path_bytes() gives them."""
 
     def __init__(self, path: str) -> None:
+        self.path = path
         try:
             self._calls = ctypes.CDLL(path)
         except OSError as error:
@@ -100,8 +101,8 @@ def path_bytes(path: Path) -> bytes:
             raise OSError(errno.EINVAL, problem, text) from error
     else:
         encoded = os.fsencode(text)
-    if len(encoded) > _MOST_PATH_BYTES:
-        problem = f"is longer than {_MOST_PATH_BYTES} bytes"
+    if len(encoded) > MOST_PATH_BYTES:
+        problem = f"is longer than {MOST_PATH_BYTES} bytes"
         raise OSError(errno.ENAMETOOLONG, problem, text)
     return encoded
 

@@ -2,58 +2,47 @@
 
 from __future__ import annotations
 
-import math
+import errno
+import operator
 import os
 import re
 import stat
 import struct
-import tempfile
 from dataclasses import dataclass
 from datetime import datetime, timedelta
-from functools import partial
 from pathlib import Path
-from typing import Callable, Optional
+from typing import Callable, Optional, Union
 
+from ._formats import RECORD_TYPES
+from ._layouts import RecordType
 from ._library import LAST_RECORD, QuorvexError, StrPath, library, path_bytes
+from ._scratch import scratch_for
+from ._shapes import Shape, shape_of
 
-# The record types, and what the texts of their information line are.
-_TYPES: dict[int, tuple[str, tuple[str, ...]]] = {
-    1: ("general records", ("start", "end", "interval")),
-    2: (
-        "snapshots",
-        ("start", "end", "trigger", "level", "slope", "duration", "pretrigger"),
-    ),
-    3: ("channel readings", ()),
-    4: ("settings", ()),
-    5: (
-        "waveform capture",
-        ("start", "end", "trigger")
-        + ("voltage level", "voltage envelope", "neutral level", "neutral envelope")
-        + ("current level", "current envelope", "neutral I level", "neutral I envelope"),
-    ),
-    6: ("live results", ("time",)),
-    7: ("alarms", ()),
-    8: ("voltage events", ()),
-    9: ("signalling", ()),
-    10: ("rapid voltage changes", ()),
-    11: ("averages", ()),
-    12: ("transients", ()),
-    13: ("inrush currents", ()),
-    14: (
-        "channel readings (second list)",
-        ("start", "end", "level", "slope", "duration", "pretrigger", "mark"),
-    ),
-    15: ("sessions", ()),
-    16: ("voltage quality", ("start", "end", "interval")),
-    17: ("waveform series", ("start", "end", "trigger", "level", "duration", "pretrigger")),
-    18: ("energy meter tests", ("start", "end")),
+# What the texts of the information line are, for the record types that have one.
+_LABELS: dict[int, tuple[str, ...]] = {
+    1: ("start", "end", "interval"),
+    2: ("start", "end", "trigger", "level", "slope", "duration", "pretrigger"),
+    5: ("start", "end", "trigger")
+    + ("voltage level", "voltage envelope", "neutral level", "neutral envelope")
+    + ("current level", "current envelope", "neutral I level", "neutral I envelope"),
+    6: ("time",),
+    14: ("start", "end", "level", "slope", "duration", "pretrigger", "mark"),
+    16: ("start", "end", "interval"),
+    17: ("start", "end", "trigger", "level", "duration", "pretrigger"),
+    18: ("start", "end"),
 }
-_GENERAL = 1
+# Whose end is a record's: of every record an interval, and of energy meter tests.
+_PERIODIC = (1, 16)
+_METER_TESTS = 18
 
 _FIELD = re.compile(r" '([^']*)'| ([^ ]+)")
 _TIME = re.compile(r"(\d\d)\.(\w{3})\.(\d{4}) (\d\d):(\d\d):(\d\d)\.(\d{3})")
 _MONTHS = "Jan Feb Mar Apr May Jun Jul Aug Sep Oct Nov Dec".split()
 _INTERVAL = re.compile(r"(?:(\d+) Min)? ?(?:(\d+) s)?")
+
+# A record's number; or first and last, the last record that there is where that is None.
+Records = Union[int, tuple[int, Optional[int]]]
 
 
 class ConversionError(QuorvexError):
@@ -74,11 +63,16 @@ class RecordInfo:
     version: int  # of the file format
     size: int  # in bytes
     start: Optional[datetime]
-    end: Optional[datetime]  # of general recordings an estimate, until a setting file tells it
+    end: Optional[datetime]
+    end_from: Optional[str]  # "records", "settings", or "estimate" where neither tells it
     interval: Optional[timedelta]
-    records: Optional[int]  # of general recordings, as if all were of the full profile
+    records: Optional[int]  # whole ones; None where they differ in length or have no layout
     line: str  # the information line as the library gives it
     fields: dict[str, str]  # the other texts of that line
+
+
+def _type_in(header: bytes) -> int:
+    return int(struct.unpack("<II", header)[1]) if len(header) == 8 else 0
 
 
 def _type_of(recording: Path) -> int:
@@ -91,8 +85,8 @@ def _type_of(recording: Path) -> int:
         header = file.read(8)
     if len(header) < 8:
         raise ConversionError(f"{recording}: ends inside its head ({len(header)} of 8 bytes)")
-    kind = int(struct.unpack("<II", header)[1])
-    if kind not in _TYPES:
+    kind = _type_in(header)
+    if kind not in RECORD_TYPES:
         raise ConversionError(f"{recording}: is of the unknown record type {kind}")
     return kind
 
@@ -116,30 +110,43 @@ def _interval(text: Optional[str]) -> Optional[timedelta]:
     return timedelta(minutes=int(match[1] or 0), seconds=int(match[2] or 0))
 
 
+def _end(told: Optional[datetime], kind: int, shape: Shape) -> tuple[Optional[datetime], str]:
+    """The end of a recording, and what tells it. The line's is wrong for most layouts of periodic
+    recordings as long as there is no setting file, and of a copied card that file is missing."""
+    if kind not in _PERIODIC:
+        return told, "records" if kind == _METER_TESTS else "settings"
+    if shape.end is not None:
+        return shape.end, "records"
+    return told, "settings" if shape.setting_file else "estimate"
+
+
 def info(recording: StrPath) -> RecordInfo:
     """Says what a recording is.
 
     Times, interval and fields come from the library's information line, which it has for some
-    record types and for names that end in ".REC".
+    record types and for names that end in ".REC". The end of general and voltage quality recordings
+    is the last whole record's own.
     """
     path = Path(recording)
     kind = _type_of(path)
-    name, labels = _TYPES[kind]
     encoded = path_bytes(path)
+    shape = shape_of(path, RECORD_TYPES[kind])
     line = library().record_line(encoded)
     texts = [quoted or bare for quoted, bare in _FIELD.findall(line)]
-    fields = dict(zip(labels, texts))
+    fields = dict(zip(_LABELS.get(kind, ()), texts))
     start = fields.pop("start", None) or fields.pop("time", None)
+    end, end_from = _end(_time(fields.pop("end", None)), kind, shape)
     return RecordInfo(
         file=path,
         type=kind,
-        name=name,
+        name=RECORD_TYPES[kind].name,
         version=library().file_version(encoded),
         size=path.stat().st_size,
         start=_time(start),
-        end=_time(fields.pop("end", None)),
+        end=end,
+        end_from=None if end is None else end_from,
         interval=_interval(fields.pop("interval", None)),
-        records=max(0, library().number_of_records(encoded)) if kind == _GENERAL else None,
+        records=shape.records,
         line=line,
         fields=fields,
     )
@@ -151,15 +158,9 @@ class _Reporter:
     def __init__(self, progress: Callable[[float], object]) -> None:
         self._progress = progress
         self.raised: Optional[BaseException] = None
-        self.endless = False
 
     def __call__(self, fraction: float) -> int:
         try:
-            # Of an unknown profile there is nothing to convert, but the library would count through
-            # all record numbers, only to call here.
-            if math.isinf(fraction):
-                self.endless = True
-                return -1
             # It may pass 1 for a file that is cut short, or be no number.
             if self._progress(min(fraction, 1.0) if fraction > 0 else 0.0) is False:
                 raise Cancelled("the progress callback stopped the conversion")
@@ -169,45 +170,91 @@ class _Reporter:
         return 0
 
 
+def _range(records: Records, source: Path, kind: RecordType, shape: Shape) -> tuple[int, int]:
+    if not kind.ranges:
+        raise ValueError(f"records: {source} holds {kind.name}, which are converted whole")
+    first, last = (records, records) if isinstance(records, int) else records
+    first, last = operator.index(first), operator.index(LAST_RECORD if last is None else last)
+    if not 1 <= first <= last <= LAST_RECORD:
+        raise ValueError(f"records: {first} to {last} is no range")
+    if shape.records is None:
+        raise ValueError(f"records: {source} is of a profile without records that can be read")
+    if first > shape.records:
+        raise ValueError(f"records: {source} has {shape.records} records, none of number {first}")
+    # The library keeps the distance to a record in 32 bits.
+    if (first - 1) * shape.record_size > 0xFFFFFFFF:
+        raise ValueError(f"records: {first} of {source} lies beyond 4 GiB, where no range starts")
+    return first, last
+
+
+def _default_document(source: Path) -> Path:
+    dot = source.name.rfind(".")
+    return source.with_name((source.name[:dot] if dot > 0 else source.name) + ".xml")
+
+
+def _is_recording(path: Path) -> bool:
+    with open(path, "rb") as file:
+        return _type_in(file.read(8)) in RECORD_TYPES
+
+
+def _refuse(document: Path, target: Path, source: Path, overwrite: bool) -> None:
+    """Raises where no document may be written. `target` is where `document` leads to."""
+    there = os.path.lexists(target)
+    if there and target.samefile(source):
+        raise ConversionError(f"{document}: is the recording itself; it is not overwritten")
+    if any(path.name.upper().endswith(".REC") for path in (document, target)):
+        raise ConversionError(f"{document}: has a recording's name; no document is written there")
+    if not there:
+        return
+    if target.is_dir():
+        raise ConversionError(f"{document}: is a folder")
+    if not target.is_file():
+        raise ConversionError(f"{document}: is no regular file")
+    if _is_recording(target):
+        raise ConversionError(f"{document}: is another recording; it is not overwritten")
+    if not overwrite:
+        raise FileExistsError(errno.EEXIST, os.strerror(errno.EEXIST), str(document))
+
+
 def convert(
     recording: StrPath,
     document: Optional[StrPath] = None,
     progress: Optional[Callable[[float], object]] = None,
-    records: Optional[tuple[int, int]] = None,
+    records: Optional[Records] = None,
+    *,
+    overwrite: bool = False,
 ) -> Path:
     """Converts a recording into an XML document and returns the document's path.
 
-      document  where it goes; by default beside the recording, with the extension ".xml"
-      progress  called with the fraction done after each record, for the record types that report
-                it; False, or an exception, cancels the conversion
-      records   first and last record of a general recording, counted from 1; other recordings are
-                converted whole
+      document   where it goes; by default beside the recording, with the extension ".xml"
+      progress   called with the fraction done after each record, for the record types that report
+                 it; False, or an exception, cancels the conversion
+      records    of a general recording: first and last record, counted from 1, None for the last
+                 that there is; or the number of a single record
+      overwrite  replaces an existing document, which raises FileExistsError otherwise; a recording
+                 is never replaced
 
     The document appears under its name when it is complete, and not at all where this raises. An
     exception of the callback comes through.
     """
     source = Path(recording)
-    _type_of(source)
-    first, last = (1, LAST_RECORD) if records is None else records
-    if not 1 <= first <= last <= LAST_RECORD:
-        raise ValueError(f"records: {first} to {last} is no range")
-    named = source.with_suffix(".xml") if document is None else Path(document)
+    kind = RECORD_TYPES[_type_of(source)]
+    encoded = path_bytes(source)
+    shape = shape_of(source, kind)
+    span = (1, LAST_RECORD) if records is None else _range(records, source, kind, shape)
+    named = _default_document(source) if document is None else Path(document)
     target = Path(os.path.realpath(named))
-    if target.exists():
-        if target.samefile(source):
-            raise ConversionError(f"{named}: is the recording itself; it is not overwritten")
-        if not target.is_file():
-            raise ConversionError(f"{named}: is no regular file")
-    reporter = None if progress is None else _Reporter(progress)
-    with tempfile.TemporaryDirectory(prefix=".quorvex64-", dir=target.parent) as folder:
-        fresh = Path(folder, "document.xml")
-        call = partial(library().convert, path_bytes(source), path_bytes(fresh), (first, last))
-        call(reporter)
+    _refuse(named, target, source, overwrite)
+    # Of a profile without a layout there is nothing to convert, but for a callback the library
+    # counts through all record numbers.
+    reporter = _Reporter(progress) if progress is not None and shape.has_layout else None
+    with scratch_for(named, target) as scratch:
+        library().convert(encoded, path_bytes(scratch.path), span, reporter)
         if reporter is not None and reporter.raised is not None:
             raise reporter.raised
-        if reporter is not None and reporter.endless:
-            call(None)
-        if not fresh.exists():
+        if scratch.size() == 0:
+            source.stat()  # raises where it has vanished
             raise ConversionError(f"{source}: cannot be converted")
-        os.replace(fresh, target)
+        _refuse(named, target, source, overwrite)  # it may be there by now
+        scratch.become(named, target, overwrite)
     return named

@@ -2,8 +2,10 @@
 which the command line lies and the program that makes the samples."""
 
 import _ctypes
+import dataclasses
 import doctest
 import importlib.util
+import json
 import os
 import re
 import shutil
@@ -17,13 +19,15 @@ import unittest
 from collections import Counter
 from concurrent.futures import ThreadPoolExecutor
 from datetime import datetime, timedelta
+from functools import partial
 from pathlib import Path
 from typing import Any
 from unittest import mock
 from xml.etree import ElementTree
 
 import quorvex64 as q
-from quorvex64 import _documents, _library
+from quorvex64 import _checks, _documents, _library
+from quorvex64._formats import RECORD_TYPES
 
 NEEDS_PANDAS = unittest.skipUnless(importlib.util.find_spec("pandas"), "pandas is not installed")
 LIBRARY = Path(os.environ["QUORVEX64_LIBRARY"]).resolve()
@@ -36,21 +40,14 @@ VALUES = """
 R0001GEN 3072 40448 143  VOLTAGES/U[u2]/rms/max             f     256
 R0001GEN 3072 40448 0    HARMONICS_U/HARM_U[u2h]            102f  12624
 R0002SNP 3072 42148 1    RESULTS/RMS12/Vrms12/29/TIME_STAMP T     1812
-R0003RDG 3072 32    23   timeEnd                            T     0
-R0005WAV 3072 64000 0    VOLTAGES/U[u2]/v                   2000f 8000
-R0006LIV 3072 79516 0    TIME_START                         T     78528
-R0007ALA 3364 864   5    QUANTITY_VALUE                     f     840
 R0008EVE 3224 264   3    RMS_12_AT_TRANSITION               f     4
 R0009SIG 3072 3448  0    SIGNALLING_DATA/END_TIMES/END_TIME/1 T   64
 R0010RVC 3072 4088  1    RMS12_VALUES/RMS12/199/TIME_STAMP  T     4040
 R0011AVG 3072 7688  0    L1/MOTOR/Ep                        d     40
 R0012TRA 3072 3164  2    name                               16s   0
-R0013INR 3072 24    2    MAX_I                              f     20
 R0014RDG 3072 32    9    type                               B     16
 R0015SES 8    96    0    ELEMENT/2/num                      i     84
 R0016VQ  3072 536   1007 HARMONICS_U/HARM_U[u3h]            41f   356
-R0017WSR 3072 24032 1    timeStart                          T     0
-R0018EME 3072 144   4    PFm                                f     132
 """
 
 
@@ -68,6 +65,11 @@ def stored(data: bytes, form: str, offset: int, exact: bool = False) -> Any:
     return values if len(form) > 1 else values[0]
 
 
+def tool(*arguments: Any) -> str:
+    command = [str(LIBRARY.with_name("quorvex")), *map(str, arguments)]
+    return subprocess.run(command, capture_output=True, text=True).stdout
+
+
 class Package(unittest.TestCase):
     folder: Path
 
@@ -78,6 +80,7 @@ class Package(unittest.TestCase):
         cls.folder = Path(scratch.name, "Messgeräte Ω")
         cls.folder.mkdir()
         subprocess.run([LIBRARY.with_name("make_samples"), cls.folder], check=True)
+        shutil.copytree(cls.folder, cls.folder / "fresh")
         for recording in cls.folder.glob("*.REC"):
             q.convert(recording)
 
@@ -145,55 +148,132 @@ class Package(unittest.TestCase):
             self.assertRaisesRegex(ImportError, "needs pandas", q.frame, "R0010RVC.xml")
 
     def test_info_is_what_the_command_line_tells(self) -> None:
+        fresh = self.folder / "fresh"
+        words = [(13, 1, code) for code in range(9)] + [(976, 4, profile) for profile in range(7)]
+        words += [(2560, 1, 1), (844, 4, 1), (844, 4, 900), (1440, 4, 7), (1440, 4, 0xFFFFFFFF)]
         for path in self.folder.glob("R*.REC"):
-            command = [str(LIBRARY.with_name("quorvex")), "info", str(path)]
-            answer = subprocess.run(command, check=True, capture_output=True, text=True).stdout
-            told = {label: text.strip() for label, text in re.findall("(.+?): (.+)", answer)}
-            told["start"] = told.pop("time", told.get("start", "None"))
-            info = q.info(path)
-            self.assertEqual((told["type"], told["version"]), (f"{info.type}, {info.name}", "5"))
-            for time, label in ((info.start, "start"), (info.end, "end")):
-                shown = f"{time:%d.%b.%Y %H:%M:%S.%f}"[:-3] if time else "None"
-                self.assertEqual(told.get(label, "None"), shown)
-            self.assertEqual("interval" in told, info.interval == timedelta(minutes=10))
-            self.assertEqual({label: told.get(label) for label in info.fields}, info.fields)
-            self.assertEqual("trigger" in told, "trigger" in info.fields)
-        self.assertEqual(144, q.info(self.folder / "R0001GEN.REC").records)
+            data = path.read_bytes()[:4000]
+            for number, (offset, size, value) in enumerate(words):
+                place = offset + (RECORD_TYPES[data[4]].settings_at or 0)
+                variant = fresh / f"{path.stem}-{number}.REC"
+                word = value.to_bytes(size, "little")
+                variant.write_bytes(data[:place] + word + data[place + size :])
+                os.truncate(variant, 4000 if "01GEN-0" in variant.name else path.stat().st_size)
+        origins: set[Any] = set()
+        for told in json.loads(tool("info", "--json", fresh)):
+            info = q.info(told["file"])
+            for key in ("type", "name", "version", "size", "records"):
+                self.assertEqual(told[key], getattr(info, key), info.file)
+            start, end = (t and t.isoformat("T", "milliseconds") for t in (info.start, info.end))
+            self.assertEqual(told["start"] or told["time"], start)
+            self.assertEqual(told["interval"], info.interval and info.interval.total_seconds())
+            self.assertIn(info.fields.get("trigger"), (told["trigger"], "-"))
+            document = self.folder / f"{info.file.stem}.xml"
+            if info.type not in (1, 16) or info.end_from != "records":
+                self.assertEqual(told["end"], end)
+            elif document.exists():
+                self.assertEqual(q.read(document)[-1]["LAST_TIME"], info.end)
+            origins |= {info.end_from} if info.type == 1 else set()
+        self.assertEqual({"records", "settings", "estimate"}, origins)
 
     def test_failures_say_why_and_leave_nothing(self) -> None:
-        (self.folder / "three.bin").write_bytes(b"\5\0\0")
-        (self.folder / "unknown.bin").write_bytes(struct.pack("<II", 5, 25))
-        shutil.copy(self.folder / "R0015SES.REC", self.folder / "itself.xml")
-        before = sorted(self.folder.iterdir())
+        sessions = (self.folder / "R0015SES.REC").read_bytes()
+        files = {"three": b"123", "unknown": b"\5" * 9, "itself.xml": sessions, "another": sessions}
+        for name, data in {**files, "vanishing": sessions}.items():
+            (self.folder / name).write_bytes(data)
+        os.symlink("another", self.folder / "link.xml")
+        os.mkfifo(self.folder / "pipe")
+        deep = self.folder.joinpath(*["x" * 50] * 9, "x" * (41 - len(bytes(self.folder))))
+        deep.mkdir(parents=True)
+        before = {*self.folder.iterdir()}
         cases: list[tuple[str, Any, type[Exception], str]] = [
             ("missing.REC", None, FileNotFoundError, "missing"),
-            ("three.bin", None, q.ConversionError, "3 of 8 bytes"),
-            ("unknown.bin", None, q.ConversionError, "unknown record type 25"),
+            ("three", None, q.ConversionError, "3 of 8 bytes"),
+            ("unknown", None, q.ConversionError, "unknown record type 84215045"),
             (".", None, q.ConversionError, "folder"),
             ("itself.xml", None, q.ConversionError, "itself"),
-            ("R0010RVC.REC", self.folder, q.ConversionError, "no regular file"),
-            ("R0010RVC.REC", self.folder / "none/out.xml", FileNotFoundError, "none"),
+            ("R0010RVC.REC", self.folder, q.ConversionError, "Ω: is a folder"),
+            ("R0010RVC.REC", self.folder / "pipe", q.ConversionError, "no regular file"),
+            ("R0010RVC.REC", self.folder / "none/out.xml", FileNotFoundError, "none/out.xml"),
+            ("R0010RVC.REC", self.folder / "new.Rec", q.ConversionError, "recording's name"),
+            ("R0010RVC.REC", self.folder / "link.xml", q.ConversionError, "another recording"),
+            ("R0010RVC.REC", deep / "out.xml", OSError, "no room.*x/out.xml"),
         ]
         for name, document, error, reason in cases:
             with self.assertRaisesRegex(error, reason, msg=name):
-                q.convert(self.folder / name, document)
-        self.assertRaises(ValueError, q.convert, self.folder / "R0001GEN.REC", records=(5, 3))
+                q.convert(self.folder / name, document, overwrite=True)
+        self.assertRaises(FileExistsError, q.convert, self.folder / "R0010RVC.REC")
+        with mock.patch.object(_library.library(), "convert", lambda path, *_: os.remove(path)):
+            self.assertRaises(FileNotFoundError, q.convert, self.folder / "vanishing")
         self.assertRaisesRegex(OSError, "longer than 511", _library.path_bytes, Path("a" * 512))
-        self.assertEqual(before, sorted(self.folder.iterdir()))
+        self.assertEqual(before - {self.folder / "vanishing"}, {*self.folder.iterdir()})
+
+    def test_ranges(self) -> None:
+        convert = partial(q.convert, document=self.folder / "range.xml", overwrite=True)
+        for records, hour, count in ((144, 23, 1), ((139, None), 23, 6), ((7, 900), 1, 138)):
+            part = q.read(convert(self.folder / "R0001GEN.REC", records=records))
+            self.assertEqual((count, hour), (len(part), part[0]["START_TIME"].hour))
+        wrong = {0: "no range", (5, 3): "no range", (1, 1 << 32): "no range", 145: "144 records"}
+        for records, reason in wrong.items():
+            with self.assertRaisesRegex(ValueError, reason):
+                convert(self.folder / "R0001GEN.REC", records=records)
+        self.assertRaises(ValueError, convert, self.folder / "R0010RVC.REC", records=1)
+
+    def test_scratch_files_are_locked_and_swept(self) -> None:
+        folder = self.folder / "scratch"
+        folder.mkdir()
+        shutil.copy(self.folder / "R0007ALA.REC", folder / "a.")
+        others = {".quorvex-no_host-1-1~", ".quorvex64-abc"}
+        for name in others:  # another host's, and an earlier version's
+            (folder / name).touch()
+
+        def start(document: str, progress: str) -> str:
+            script = f"import os, quorvex64 as q; q.convert('a.', '{document}', {progress})"
+            environment = {**os.environ, "PYTHONPATH": str(PACKAGE.parent)}
+            subprocess.run([sys.executable, "-c", script], cwd=folder, env=environment, umask=0o027)
+            return " ".join(sorted({*os.listdir(folder)} - others))
+
+        def meanwhile(_: float) -> None:
+            if not (folder / "c").exists():
+                scratch = r"\.quorvex-[\w.]{1,40}-\d+-\d+~ "
+                killed = start("b", "lambda _: os.kill(os.getpid(), 9)")
+                self.assertRegex(killed, f"^({scratch}){{2}}a.$")
+                self.assertRegex(start("c", "None"), f"^{scratch}a. c$")
+
+        q.convert(folder / "a.", progress=meanwhile)
+        self.assertEqual(others | {"a.", "a.xml", "c"}, {*os.listdir(folder)})
+        self.assertEqual(0o640, (folder / "c").stat().st_mode & 0o777)
+
+    def test_check(self) -> None:
+        self.addCleanup(os.chdir, os.getcwd())
+        os.chdir(self.folder)
+        data = Path("R0013INR.REC").read_bytes()
+        Path("-damaged").write_bytes(data[:-22] + b"\x0d" + data[-21:])  # a month
+        paths = ["-damaged", "missing", *map(str, Path().glob("R*.REC"))]
+        with mock.patch.object(_checks, "_MOST_ARGUMENTS", 100):
+            found = [{**dataclasses.asdict(f), "file": str(f.file)} for f in q.check(paths)]
+        told = json.loads(tool("check", "--json", "--", *paths))
+        self.assertEqual(told, [{**entry, **result} for entry, result in zip(told, found)])
+        self.assertEqual(["warning", "error"], [result["worst"] for result in found[:2]])
+        nowhere = mock.patch.object(_library.library(), "path", "/none/x.so")
+        with nowhere, mock.patch.dict(os.environ, PATH="/none"):
+            self.assertRaisesRegex(q.LibraryError, "no program quorvex", q.check, [])
 
     def test_progress_cancels(self) -> None:
         seen: list[float] = []
         recording = self.folder / "R0007ALA.REC"
-        document = q.convert(recording, progress=seen.append)
+        convert = partial(q.convert, recording, overwrite=True)
+        document = convert(progress=seen.append)
         self.assertEqual((6, 1.0, sorted(seen)), (len(seen), seen[-1], seen))
         before = document.read_bytes()
-        self.assertRaises(q.Cancelled, q.convert, recording, progress=lambda _: False)
-        self.assertRaises(ZeroDivisionError, q.convert, recording, progress=lambda _: 1 / 0)
+        self.assertRaises(q.Cancelled, convert, progress=lambda _: False)
+        self.assertRaises(ZeroDivisionError, convert, progress=lambda _: 1 / 0)
         self.assertEqual(before, document.read_bytes())
         # Of an unknown profile all record numbers would be counted through, for the callback only.
         data = bytearray((self.folder / "R0101GEN.REC").read_bytes())
-        data[8 + 976] = 9
+        data[8 + 976] = 3
         (self.folder / "profile.bin").write_bytes(data)
+        os.truncate(self.folder / "profile.bin", 3 << 30)
         self.assertEqual([], q.read(q.convert(self.folder / "profile.bin", progress=self.fail)))
 
     def test_threads_convert_at_once(self) -> None:
@@ -215,7 +295,7 @@ class Package(unittest.TestCase):
     @NEEDS_PANDAS
     def test_the_example_of_the_documentation(self) -> None:
         self.addCleanup(os.chdir, os.getcwd())
-        os.chdir(self.folder)
+        os.chdir(self.folder / "fresh")
         readme = str(PACKAGE.parent / "README.md")
         result = doctest.testfile(readme, module_relative=False, optionflags=doctest.ELLIPSIS)
         self.assertEqual((0, True), (result.failed, result.attempted > 3))

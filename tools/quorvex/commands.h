@@ -39,6 +39,6 @@ int Version();
 
 // The schema of one type's documents, of any type's for 0; the format reference. On stdout.
 int PrintSchema(uint32_t type);
-int PrintFormats();
+int PrintFormats(bool python);
 
 }  // namespace quorvex::tool

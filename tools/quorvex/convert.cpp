@@ -43,9 +43,10 @@ std::string DocumentName(const std::string& recording) {
 // not to be had again. The second word of a recording is its type.
 bool IsRecording(const std::string& path) {
   if (IsRecordingName(path)) return true;
+  File file(path.c_str(), kOpenRead);
   FileHeader header{};
-  ReadFileHeader(path.c_str(), &header);
-  return FindRecordType(header.type) != nullptr;
+  return file && ReadBytes(file.get(), &header, sizeof header) == sizeof header &&
+         FindRecordType(header.type) != nullptr;
 }
 
 std::string Counted(uint64_t records) {
@@ -108,7 +109,7 @@ class Preparation {
     if (IsRecording(job->output)) {
       return job->Fail(kNoOutput, job->named,
                        Exists(job->output) ? "is a recording; it is not overwritten"
-                                           : "has the name of a recording, and is none");
+                                           : "has the name of a recording");
     }
     const auto [entry, is_new] = taken_.emplace(PathKey(job->output), job->input);
     if (!is_new) {

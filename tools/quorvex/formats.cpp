@@ -14,8 +14,8 @@ int PrintSchema(uint32_t type) {
   return kDone;
 }
 
-int PrintFormats() {
-  Print(FormatReference());
+int PrintFormats(bool python) {
+  Print(python ? PythonFormats() : FormatReference());
   return kDone;
 }
 

@@ -95,8 +95,10 @@ int Run(const std::vector<std::string>& arguments) {
       ->option_text("N");
   schema_command->footer(
       Footer({"quorvex schema --type 10 > quorvex-10.xsd"}, {kDone, kUsage, kNoOutput}));
-  // For the project itself: made into docs/formats.md.
+  // For the project itself: made into docs/formats.md and a module of the Python package.
   auto* formats_command = app.add_subcommand("formats", "Print the format reference")->group("");
+  bool python = false;
+  formats_command->add_flag("--python", python, "As a module of the Python package");
   auto* version_command =
       app.add_subcommand("version", "Print the versions of program and library");
   version_command->footer(Footer({}, {kDone, kNoOutput}));
@@ -125,7 +127,7 @@ int Run(const std::vector<std::string>& arguments) {
   if (info_command->parsed()) return Info(info);
   if (count_command->parsed()) return Count(path);
   if (schema_command->parsed()) return PrintSchema(type);
-  if (formats_command->parsed()) return PrintFormats();
+  if (formats_command->parsed()) return PrintFormats(python);
   if (version_command->parsed()) return Version();
   if (about.empty()) {
     Print(app.help());

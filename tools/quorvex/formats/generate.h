@@ -14,4 +14,7 @@ std::string SchemaOfAnyType();
 // The format reference, as Markdown.
 std::string FormatReference();
 
+// A module of the Python package: how the records of every type lie in their files.
+std::string PythonFormats();
+
 }  // namespace quorvex::tool

@@ -1,0 +1,20 @@
+# The last step of an installation, over the texts it installed: what speaks of the source tree stays
+# with the source tree, and for Windows lines end as they do there.
+foreach(file ${CMAKE_INSTALL_MANIFEST_FILES})
+  if(file MATCHES "\\.(md|txt|xsd|def|json|[hc]|cs)$" AND NOT IS_SYMLINK "$ENV{DESTDIR}${file}")
+    set(file "$ENV{DESTDIR}${file}")
+    file(READ "${file}" text)
+    set(before "${text}")
+    if(file MATCHES "\\.md$")
+      string(REGEX REPLACE "\n## How it is checked\n.*(\n## What is written)" "\\1" text "${text}")
+      string(REPLACE "Made by `scripts/generate` from the layout tables; not edited by hand.\n\n" ""
+             text "${text}")
+    endif()
+    if(line_ends STREQUAL CRLF)
+      string(REGEX REPLACE "\r?\n" "\r\n" text "${text}")
+    endif()
+    if(NOT text STREQUAL before)
+      file(WRITE "${file}" "${text}")
+    endif()
+  endif()
+endforeach()
