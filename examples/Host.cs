@@ -36,7 +36,7 @@ static class Host
     static int ShowProgress(float fraction)
     {
         Console.Error.Write("\r{0,3:F0} %", 100 * fraction);
-        return cancelled ? -1 : 0;
+        return cancelled || fraction > 2 ? -1 : 0; // records without end: see quorvex64.h
     }
 
     static int Main(string[] arguments)

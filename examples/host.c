@@ -9,7 +9,7 @@
 
 static int32_t QUORVEX_CALL ShowProgress(float fraction) {
   fprintf(stderr, "\r%3.0f %%", 100.0 * (double)fraction);
-  return 0; /* a negative result would stop here */
+  return fraction > 2 ? -1 : 0; /* a negative result stops; the header says where it must */
 }
 
 static int Exists(const char* path) {

@@ -67,8 +67,8 @@ extern "C" {
  * A general recording (type 1) of an unknown profile has no records to write, but the callback is
  * called for every record number of the range all the same. Up to 0xFFFFFFFF, as QuorvexConvert
  * goes, that is for ever: the numbers come round, and only a negative result ends the call. The
- * fraction is infinite there (and once in 2^32 calls not a number), so a host that converts such
- * files can tell them by their first call.
+ * fraction means nothing there: it is infinite as a rule, and once in 2^32 calls not a number. It
+ * passes 2 for no sound recording, so a callback that stops there ends such a call.
  */
 typedef int32_t(QUORVEX_CALL* QuorvexProgress)(float fraction);
 

@@ -33,7 +33,7 @@ size_t Taken(size_t count) {
 #ifdef _WIN32
 BOOL WINAPI FullDisk(HANDLE file, const void* bytes, DWORD count, DWORD* written, OVERLAPPED* at) {
   static const auto real = reinterpret_cast<decltype(&FullDisk)>(
-      GetProcAddress(GetModuleHandleA("kernel32"), "WriteFile"));
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32"), "WriteFile")));
   const auto piece = static_cast<DWORD>(Taken(count));
   if (piece != 0 && !real(file, bytes, piece, written, at)) return FALSE;
   if (piece == count) return TRUE;
@@ -41,7 +41,9 @@ BOOL WINAPI FullDisk(HANDLE file, const void* bytes, DWORD count, DWORD* written
   SetLastError(ERROR_DISK_FULL);
   return FALSE;
 }
-extern "C" decltype(&FullDisk) __imp_WriteFile = FullDisk;
+extern "C" {
+decltype(&FullDisk) __imp_WriteFile = FullDisk;
+}
 #else
 extern "C" ssize_t write(int file, const void* bytes, size_t count) {
   const size_t piece = Taken(count);

@@ -11,7 +11,7 @@ namespace {
 
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-// CreateFileA knows no paths beyond 259 bytes, however they begin.
+// In wide characters: CreateFileA does not take paths beyond 259 bytes everywhere.
 HANDLE Open(const char* path, DWORD access, DWORD share, DWORD disposition, DWORD flags) {
   constexpr int kRoom = 1024;
   wchar_t wide[kRoom];
