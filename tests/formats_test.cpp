@@ -80,27 +80,6 @@ TEST(Formats, CasesBecomeRepetitionsAndLayoutsBecomeOptions) {
             Short(RecordsOf(kMadeUp)));
 }
 
-TEST(Formats, SchemaHasWhatTheTreeHas) {
-  const std::string schema = SchemaOf(kMadeUp);
-  const char* const parts[] = {
-      "name=\"FILE_TYPE\" type=\"xs:int\" fixed=\"99\"",
-      "<xs:element name=\"R\" minOccurs=\"0\" maxOccurs=\"unbounded\">",
-      "<xs:element name=\"U\" minOccurs=\"0\" maxOccurs=\"2\">",
-      "<xs:enumeration value=\"u12\"/>",
-      "<xs:element name=\"v\" minOccurs=\"0\" maxOccurs=\"3\" type=\"float\"/>",
-      "<xs:element name=\"A\" minOccurs=\"0\" type=\"PairOfValues\"/>",
-      "<xs:element name=\"B\" type=\"text8\"/>",
-      "<xs:extension base=\"base64of12-or-base64of16\">",
-      "memberTypes=\"base64of12 base64of16\"",
-      "<xs:length value=\"12\"/>",
-      "<xs:element name=\"N\" minOccurs=\"0\" type=\"intTo7\"/>",
-      "<xs:documentation>lowest, in V</xs:documentation>",
-      "<xs:unique name=\"R-U\"><xs:selector xpath=\"U\"/><xs:field xpath=\"@phase\"/></xs:unique>",
-  };
-  for (const char* part : parts) EXPECT_NE(std::string::npos, schema.find(part)) << part;
-  EXPECT_EQ(std::string::npos, schema.find("UIF_PARAMS")) << "the type has no settings";
-}
-
 // What a reader of the reference adds up is the whole record.
 TEST(Formats, LinesCoverEveryByte) {
   for (const RecordType* type : kRecordTypes) {

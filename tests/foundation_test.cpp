@@ -84,16 +84,6 @@ TEST(Files, InformationOfAFile) {
 #endif
 }
 
-TEST(Files, StripExtension) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"rec.bin", "rec"}, {"a.b.c", "a.b"}, {"none", "none"}, {"dir.x/none", "dir"}, {".", ""}};
-  for (const auto& [name, stripped] : cases) {
-    char text[32];
-    StripExtension(name, text);
-    EXPECT_STREQ(stripped, text);
-  }
-}
-
 std::string TextOf(XmlWriter* writer) {
   const std::string text(writer->buffer, writer->position);
   CloseWriter(writer);

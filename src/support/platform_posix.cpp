@@ -67,9 +67,7 @@ uint64_t SizeOfStream(std::FILE* stream) {
 void DropReadAhead(std::FILE* stream) { std::fflush(stream); }
 
 uint32_t WritePiece(std::FILE* stream, const void* bytes, uint32_t count) {
-  ssize_t written = 0;
-  do written = write(fileno(stream), bytes, count);
-  while (written < 0 && errno == EINTR);  // a signal of the host's is no failure
+  const ssize_t written = write(fileno(stream), bytes, count);
   return written > 0 ? static_cast<uint32_t>(written) : 0;
 }
 

@@ -9,7 +9,7 @@ _quorvex() {
   done
   help=$("$program" ${subcommand:+"$subcommand"} --help 2>/dev/null) || return
 
-  # What the option before the word takes: "TEXT", "UINT", or "TEXT:{a,b}". A flag takes nothing.
+  # What the option before the word takes: "PATH", "N". A flag takes nothing.
   value=$(awk -v option="$previous" '
     $1 ~ /^-/ && index("," $1 ",", "," option ",") {
       sub(/^ *[^ ]* ?/, "")
@@ -25,7 +25,7 @@ _quorvex() {
   fi
   if [[ -n $words ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
-  elif [[ $value == TEXT* ]]; then
+  elif [[ $value == PATH* ]]; then
     mapfile -t COMPREPLY < <(compgen -f -- "$word")
   elif [[ -z $value && $help =~ ' '(FILE|PATH) ]]; then
     mapfile -t COMPREPLY < <(compgen -d -- "$word")
