@@ -49,7 +49,10 @@ std::string FoundIn(const Bytes& file, Severity least = Severity::kWarning,
 }
 
 TEST(RecordCheck, DamagedRecordings) {
-  const std::string settings = "UIF_PARAMS/";
+  // What the document makes of a record that is cut short.
+  const std::string holds = "; the document holds it: ", zeros = " (zeros in the first)\n";
+  const std::string left_over = holds + "what it lacks is left over from ";
+  const std::string left_out = "; the document leaves it out\n";
   const struct {
     Bytes file;
     std::string found;
@@ -63,29 +66,33 @@ TEST(RecordCheck, DamagedRecordings) {
       {SoundLong(8, 3223), "error: offset 3223: ends inside its head (3223 of 3224 bytes)\n"},
       // Sizes.
       {Sound(10).PadTo(kRecords + 4088 + 100),
-       "error: offset 7160, record 2: ends after 100 of 4088 bytes\n"},
+       "error: offset 7160, record 2: ends after 100 of 4088 bytes" + left_over +
+           "the record before" + zeros},
       {Sound(4).PadTo(kRecords + 7),
        "warning: offset 3072: 7 bytes behind the settings are not converted\n"},
       {Sound(11).PadTo(kRecords + 3 * 7688 + 1),
        "warning: offset 26136: 1 bytes behind the record are not converted\n"},
       {Sound(6).PadTo(kRecords + 79515),
-       "error: offset 3072, record 1: ends after 79515 of 79516 bytes\n"},
+       "error: offset 3072, record 1: ends after 79515 of 79516 bytes" + holds +
+           "what it lacks is zero\n"},
       {Sound(1).Put<uint32_t>(kSettings + 976, 3).PadTo(kRecords + 1),
        "error: the settings' profile 3 has no layout; no record is converted\n"},
       {Sound(1).Put<uint32_t>(kSettings + 976, 1).PadTo(kRecords + 1536 + 1535),
-       "error: offset 4608, record 2: ends after 1535 of 1536 bytes\n"},
+       "error: offset 4608, record 2: ends after 1535 of 1536 bytes" + left_out},
       // A snapshot with four channels, the long list of readings; a series of eight waveforms.
       {Sound(2).Put<uint8_t>(kSettings + 2560, 1).PadTo(kRecords + 32 + 832 + 10564 + 4 * 9600),
        ""},
       {Sound(2).PadTo(kRecords + 32 + 832 + 2884 + 4 * 9600 - 1),
-       "error: offset 3072, record 1: ends after 42147 of 42148 bytes\n"},
+       "error: offset 3072, record 1: ends after 42147 of 42148 bytes" + left_over +
+           "the record before" + zeros},
       {Sound(17).Put<uint8_t>(21, 6).PadTo(kRecords + 2 * (32 + 4 * 3000)), ""},
       {Sound(17).PadTo(kRecords + 32 + 8 * 3000 + 31),
-       "error: offset 27104, record 2: ends after 31 of 32 bytes\n"},
+       "error: offset 27104, record 2: ends after 31 of 32 bytes" + left_out},
       {Sound(5).Put<int32_t>(1448, 10).PadTo(kRecords + 8 * 40 + 5),
        "warning: offset 3392: 5 bytes behind the record are not converted\n"},
       {Sound(5).Put<int32_t>(1448, 10).PadTo(kRecords + 8 * 40 - 5),
-       "error: offset 3072, record 1: ends after 315 of 320 bytes\n"},
+       "error: offset 3072, record 1: ends after 315 of 320 bytes" + left_over +
+           "the waveform before" + zeros},
       {Sound(5).Put<int32_t>(1448, -1).PadTo(kRecords + 8),
        "error: UIF_PARAMS/TRANSIENTS_RECORD_PARAMS/NUM: counts -1, which is none\n"
        "warning: offset 3072: 8 bytes behind the record are not converted\n"},
@@ -107,12 +114,15 @@ TEST(RecordCheck, DamagedRecordings) {
       {Sound(1).Put(kRecords + 1936, 751).PadTo(kRecords + 40448),
        "error: offset 5008, record 1, freq10s/freqs: counts 751, but there is room for 750\n"},
       {Sound(9).Put(kRecords + 32, 2).PadTo(kRecords + 48 + 2 * 68 + 48 - 1),
-       "error: offset 3256, record 2: ends after 47 of 48 bytes\n"},
+       "error: offset 3256, record 2: ends after 47 of 48 bytes" + left_over +
+           "what was read before" + zeros},
       {Sound(9).Put(kRecords + 32, 3).PadTo(kRecords + 48 + 2 * 68),
-       "error: offset 3072, record 1: ends after 184 of 252 bytes\n"},
+       "error: offset 3072, record 1: ends after 184 of 252 bytes" + left_over +
+           "what was read before" + zeros},
       {Bytes().Put(0, 3).Put(4, 15).Put(8 + 36, -1).Put(48 + 36, 2).PadTo(48 + 40 + 16),
        "warning: offset 44, record 1, SESSION_HEADER/elementsNum: counts -1, which is none\n"
-       "error: offset 48, record 2: ends after 56 of 72 bytes\n"},
+       "error: offset 48, record 2: ends after 56 of 72 bytes" +
+           holds + "elements that are not whole are left out\n"},
       // Times.
       {Inrush({9, 9, 12}), ""},
       {Inrush({9, 25, 8}),
