@@ -85,6 +85,10 @@ std::string HostName();
 uint32_t ProcessId();
 std::string TemporaryFolder();
 
+// Creates an empty file where nothing is, for its owner's eyes only where `only_ours`. False where
+// something is (errno EEXIST), or it cannot be: LastError().
+bool CreateNew(const std::string& path, bool only_ours);
+
 // Takes a file for this process, so that RemoveLeftover in another one leaves it alone. False where
 // it is taken or gone. `taken` is to be given back, which takes -1 too.
 bool TakeFile(const std::string& path, int* taken);

@@ -73,6 +73,12 @@ std::string TemporaryFolder() {
   return named != nullptr && named[0] != '\0' ? named : "/tmp";
 }
 
+bool CreateNew(const std::string& path, bool only_ours) {
+  const int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
+  const int file = open(path.c_str(), flags, only_ours ? 0600 : 0666);
+  return file >= 0 && close(file) == 0;
+}
+
 bool TakeFile(const std::string& path, int* taken) {
   *taken = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
   struct stat here {};

@@ -1,6 +1,7 @@
 #include <fcntl.h>
 #include <io.h>
 #include <process.h>
+#include <sys/stat.h>
 
 #include <atomic>
 #include <cstdio>
@@ -180,6 +181,12 @@ uint32_t ProcessId() { return static_cast<uint32_t>(_getpid()); }
 std::string TemporaryFolder() {
   char folder[MAX_PATH + 1] = "";
   return GetTempPathA(sizeof folder, folder) != 0 ? folder : ".";
+}
+
+bool CreateNew(const std::string& path, bool) {
+  const int file = _open(path.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT,
+                         _S_IREAD | _S_IWRITE);
+  return file >= 0 && _close(file) == 0;
 }
 
 // The system refuses to remove a file that is open; in between it is the owner's while that lives.

@@ -34,7 +34,7 @@ class JsonArray {
  public:
   void Add(const Json& entry) {
     Print(started_ ? ",\n" : "[\n");
-    Print(entry.dump(-1, ' ', false, Json::error_handler_t::replace));
+    Print(Shown(entry.dump(-1, ' ', false, Json::error_handler_t::replace), true));
     started_ = true;
   }
   void Close() { Print(started_ ? "\n]\n" : "[]\n"); }

@@ -59,18 +59,22 @@ constexpr Range kTwoColumns[] = {{0x1100, 0x115F},   {0x2E80, 0x303E},   {0x3041
 
 }  // namespace
 
-std::string Shown(const std::string& text) {
+std::string Shown(const std::string& text, bool as_json) {
   std::string shown;
   for (size_t at = 0; at < text.size();) {
     const size_t from = at;
-    if (!IsIn(kSteering, NextCharacter(text, &at))) {
+    const uint32_t character = NextCharacter(text, &at);
+    char escape[16];
+    if (!IsIn(kSteering, character)) {
       shown.append(text, from, at - from);
-      continue;
-    }
-    for (size_t i = from; i < at; ++i) {
-      char escape[8];
-      std::snprintf(escape, sizeof escape, "\\x%02X", static_cast<uint8_t>(text[i]));
+    } else if (as_json) {
+      std::snprintf(escape, sizeof escape, "\\u%04x", character);
       shown += escape;
+    } else {
+      for (size_t i = from; i < at; ++i) {
+        std::snprintf(escape, sizeof escape, "\\x%02X", static_cast<uint8_t>(text[i]));
+        shown += escape;
+      }
     }
   }
   return shown;

@@ -7,8 +7,8 @@ namespace quorvex::tool {
 
 // Text that may come from a recording or be a file's name, for one line of a terminal: what would
 // steer it (control characters, marks of writing direction, bytes that are no UTF-8) stands as an
-// escape, "\x1B".
-std::string Shown(const std::string& text);
+// escape, "\x1B"; in a text that is JSON already, as that has it, "\u001b".
+std::string Shown(const std::string& text, bool as_json = false);
 
 // Columns that a text takes on a terminal.
 size_t WidthOf(const std::string& text);

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <memory>
 #include <optional>
 #include <vector>
 
+#include "gather.h"
 #include "host.h"
 #include "support/file.h"
 
@@ -46,20 +48,21 @@ std::unique_ptr<Scratch> spool;
 
 bool Scratch::Create(const std::string& folder, const char* extension) {
   Remove();
-  const bool open = folder.empty() || folder.back() == '/' || folder.back() == '\\';
-  path_ = folder + (open ? "" : "/") + OfThisHost() + std::to_string(ProcessId()) + "-" +
-          std::to_string(slot_) + "~" + extension;
-  // Another run may just be looking whether it is left over.
-  constexpr int kTries = 3;
-  for (int i = 0; i < kTries; ++i) {
-    std::FILE* file = std::fopen(path_.c_str(), "wb");
-    if (file == nullptr) {
-      path_.clear();
+  const std::string front = Inside(folder, OfThisHost() + std::to_string(ProcessId()) + "-");
+  // In the folder for temporary files others may put what they like under such a name, or look.
+  const bool among_others = slot_ >= kMostWorkers;
+  constexpr unsigned kTries = 100;
+  for (unsigned i = 0; i < kTries; ++i) {
+    const std::string path = front + std::to_string(slot_ + i * kScratchSlots) + "~" + extension;
+    if (CreateNew(path, among_others)) {
+      path_ = path;
+      // Another run may just have taken it for left over, and removes it.
+      if (TakeFile(path_, &taken_) || Exists(path_)) break;
+    } else if (errno != EEXIST) {
       return false;
     }
-    std::fclose(file);
-    if (TakeFile(path_, &taken_)) break;
   }
+  if (path_.empty()) return false;
   std::snprintf(paths[slot_], sizeof paths[slot_], "%s", path_.c_str());
   return true;
 }
