@@ -95,7 +95,8 @@ TEST(NumberText, RandomFloatsAndDoubles) {
   for (int i = 0; i < 30000; ++i) {
     check(std::bit_cast<double>(random()));
     check(std::bit_cast<double>(random() >> 12 >> random() % 52));  // denormals
-    check(static_cast<double>(random() % 40000) / 16);              // half-way cases of %.*f
+    check(std::ldexp(static_cast<double>(random() >> 11), -static_cast<int>(random() % 110)));
+    check(static_cast<double>(random() % 40000) / 16);  // half-way cases of %.*f
     check(std::ldexp(static_cast<double>(random() % 20000000) + 0.5, static_cast<int>(i % 7)));
   }
   for (int exponent = -330; exponent <= 308; ++exponent) {

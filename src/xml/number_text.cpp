@@ -10,6 +10,58 @@
 #include "xml/float_text.h"
 
 namespace quorvex {
+namespace {
+
+// A finite double as seven digits, the first not 0 but for zero, times 10^(exponent - 6).
+struct SevenDigits {
+  uint32_t digits;
+  int exponent;
+};
+
+SevenDigits DigitsOf(double value) {
+  const ExactDecimal decimal(value);
+  const int exponent = decimal.Exponent();
+  uint32_t digits = 0;
+  for (int place = exponent; place >= exponent - 6; --place) {
+    digits = digits * 10 + decimal.DigitAt(place);
+  }
+  return {digits + (decimal.RoundsUp(exponent - 6) ? 1 : 0), exponent};
+}
+
+// The same for magnitudes from 1e-12 to 9e15, below 2^53, where it takes one exact division: the
+// value is mantissa / 2^shift, and either it or what it is divided by times a power of ten fits 128
+// bits.
+SevenDigits DigitsOfCommon(double magnitude) {
+  const auto bits = std::bit_cast<uint64_t>(magnitude);
+  const uint64_t mantissa = (bits & ((uint64_t{1} << 52) - 1)) | uint64_t{1} << 52;
+  const int shift = 1075 - static_cast<int>(bits >> 52);
+  static constexpr auto kPowers = [] {
+    std::array<uint64_t, 20> powers{1};
+    for (size_t i = 1; i < powers.size(); ++i) powers[i] = powers[i - 1] * 10;
+    return powers;
+  }();
+  // log10(2) times the binary exponent is the decimal one, or one more than it.
+  int exponent = (52 - shift) * 30103 / 100000 + 1;
+  for (;; --exponent) {
+    const int scale = 6 - exponent;
+    unsigned __int128 whole = mantissa;
+    unsigned __int128 rest = 0, divisor = static_cast<unsigned __int128>(1) << shift;
+    if (scale >= 0) {
+      whole *= kPowers[static_cast<size_t>(scale)];
+      rest = whole & (divisor - 1);
+      whole >>= shift;
+    } else {
+      divisor *= kPowers[static_cast<size_t>(-scale)];
+      rest = whole % divisor;
+      whole /= divisor;
+    }
+    if (whole < 1000000) continue;
+    const bool up = rest * 2 > divisor || (rest * 2 == divisor && whole % 2 != 0);
+    return {static_cast<uint32_t>(whole) + (up ? 1 : 0), exponent};
+  }
+}
+
+}  // namespace
 
 char* DoubleText(double value, char* to) {
   if (value == kNoValueDouble) {
@@ -20,13 +72,9 @@ char* DoubleText(double value, char* to) {
     if (std::signbit(value)) *to++ = '-';
     return NotFiniteText(std::isinf(value), to);
   }
-  const ExactDecimal decimal(value);
-  int exponent = decimal.Exponent();
-  uint32_t digits = 0;
-  for (int place = exponent; place >= exponent - 6; --place) {
-    digits = digits * 10 + decimal.DigitAt(place);
-  }
-  if (decimal.RoundsUp(exponent - 6)) ++digits;
+  const double magnitude = std::abs(value);
+  const bool common = magnitude >= 1e-12 && magnitude < 9e15;
+  auto [digits, exponent] = common ? DigitsOfCommon(magnitude) : DigitsOf(value);
   if (digits == 10000000) {
     digits = 1000000;
     ++exponent;

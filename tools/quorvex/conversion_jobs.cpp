@@ -36,8 +36,8 @@ bool IsFull(int error) {
 bool GoOn(int error) {
   Job& job = *current_job;
   if (Interrupted()) return false;
-  const bool regular = !job.output.empty() && !IsSpecial(job.output);
-  job.waiting = regular && IsFull(error);
+  // Standard output is such a document too, until it is copied.
+  job.waiting = IsFull(error) && !IsSpecial(job.output);
   if (error == 0 || error == EINTR || error == EAGAIN || job.waiting) return true;
   job.write_error = error;
   return false;
