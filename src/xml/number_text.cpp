@@ -51,12 +51,14 @@ SevenDigits DigitsOfCommon(double magnitude) {
       rest = whole & (divisor - 1);
       whole >>= shift;
     } else {
-      divisor *= kPowers[static_cast<size_t>(-scale)];
-      rest = whole % divisor;
-      whole /= divisor;
+      // Of 64 bits, as the larger the value the smaller the shift.
+      const uint64_t small = kPowers[static_cast<size_t>(-scale)] << shift;
+      divisor = small;
+      rest = mantissa % small;
+      whole = mantissa / small;
     }
     if (whole < 1000000) continue;
-    const bool up = rest * 2 > divisor || (rest * 2 == divisor && whole % 2 != 0);
+    const bool up = rest * 2 > divisor || (rest * 2 == divisor && (whole & 1) != 0);
     return {static_cast<uint32_t>(whole) + (up ? 1 : 0), exponent};
   }
 }
