@@ -3,7 +3,6 @@
 #include <cassert>
 #include <cstring>
 
-#include "support/bounded_text.h"
 #include "support/memory.h"
 
 namespace quorvex {
@@ -90,13 +89,6 @@ void CloseElement(XmlWriter* writer) {
   PutText(writer, "</");
   if (writer->depth < kMaxOpenElements) PutText(writer, writer->open[writer->depth]);
   PutText(writer, ">\r\n");
-}
-
-void PhaseAttribute(const char* label, char* to, uint32_t room) {
-  BoundedText text(to, room);
-  text.Put("phase=\"");
-  text.Put(label);
-  text.Put('"');
 }
 
 void ValueElement(XmlWriter* writer, const char* name, const char* value) {

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "support/bounded_text.h"
 #include "support/file.h"
 
 namespace quorvex {
@@ -48,7 +49,12 @@ void OpenElement(XmlWriter* writer, const char* name, const char* attributes = "
 void CloseElement(XmlWriter* writer);
 
 // The attribute that tells elements of one name apart: phase="label".
-void PhaseAttribute(const char* label, char* to, uint32_t room);
+inline void PhaseAttribute(const char* label, char* to, uint32_t room) {
+  BoundedText text(to, room);
+  text.Put("phase=\"");
+  text.Put(label);
+  text.Put('"');
+}
 
 // <name>value</name> on one line. The value stands as given: free text goes through EscapeText.
 void ValueElement(XmlWriter* writer, const char* name, const char* value);
