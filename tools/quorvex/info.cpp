@@ -113,7 +113,7 @@ Json ToJson(const Facts& facts) {
     if (field.form == InfoForm::kLevel) entry[KeyOf(field) + "_percent"] = nullptr;
   }
   for (const InfoValue& value : facts.values) PutValue(value, &entry);
-  entry["end_from"] = facts.end_from != nullptr ? Json(facts.end_from) : Json();
+  entry["end_from"] = entry["end"].is_null() ? Json() : Json(facts.end_from);
   entry["instrument"] = nullptr;
   if (facts.instrument) {
     entry["instrument"] = {{"name", *facts.instrument},

@@ -72,8 +72,7 @@ void ReadHead(const std::string& path, Recording* recording, UifParams* settings
   FileHeader header{};
   const uint32_t got = ReadBytes(file.get(), &header, sizeof header);
   if (std::ferror(file.get()->stream) != 0) return Fail(recording, kNoInput, "cannot be read");
-  FileInfo info{};
-  if (QueryFileInfo(path.c_str(), &info) == 0) recording->size = WholeSize(info);
+  recording->size = SizeOf(file.get());
   uint64_t head = sizeof header;
   if (got == head) {
     recording->header = header;
