@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "layout/rows.h"
 #include "settings/settings_record.h"
-#include "xml/layout.h"
 
 namespace quorvex::samples {
 

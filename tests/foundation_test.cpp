@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstring>
 
+#include "layout/tiles.h"
 #include "outline.h"
 #include "support/file.h"
 #include "support/memory.h"

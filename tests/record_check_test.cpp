@@ -4,12 +4,12 @@
 #include <cmath>
 #include <filesystem>
 
-#include "api/time_texts.h"
 #include "field_mutator.h"
 #include "record_check.h"
 #include "record_shape.h"
 #include "records/record_types.h"
 #include "sample.h"
+#include "settings/time_texts.h"
 #include "support.h"
 #include "support/memory.h"
 

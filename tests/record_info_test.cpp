@@ -4,8 +4,8 @@
 #include <cmath>
 #include <cstring>
 
-#include "api/time_texts.h"
 #include "settings/instrument_state.h"
+#include "settings/time_texts.h"
 #include "settings/value_texts.h"
 #include "support.h"
 #include "support/memory.h"

@@ -8,10 +8,11 @@
 #include "outline.h"
 #include "settings/instrument_state.h"
 #include "settings/setting_file.h"
-#include "settings/settings_block.h"
+#include "settings/settings_table.h"
 #include "settings/validation.h"
 #include "support/file.h"
 #include "support/memory.h"
+#include "xml/plan.h"
 
 namespace quorvex::test {
 namespace {
@@ -91,7 +92,7 @@ gps_position=N~45.1235,~E~-0.5000 })";
 
 std::string BlockOf(const UifParams& settings, bool harmonics = false) {
   XmlWriter* writer = CreateWriter(nullptr);
-  WriteSettingsBlock(writer, settings, harmonics);
+  RenderOnce(writer, kSettingsBlock, kAllCases, &settings, {.number = {harmonics ? 1 : 0}});
   EXPECT_EQ(0, writer->depth);
   const std::string text(writer->buffer, writer->position);
   CloseWriter(writer);

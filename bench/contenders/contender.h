@@ -1,9 +1,9 @@
 // What the two contenders share: they walk the tables directly and format with printf.
 #pragma once
 
+#include "layout/rows.h"
 #include "support/memory.h"
 #include "xml/element_writer.h"
-#include "xml/layout.h"
 
 namespace quorvex {
 

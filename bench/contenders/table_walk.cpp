@@ -20,7 +20,7 @@ namespace {
 
 constexpr uint32_t kLongestText = 2048;
 
-uint32_t CountOf(const Field& f, const uint8_t* place, const RenderInputs& inputs) {
+uint32_t CountOf(const Field& f, const uint8_t* place, const Inputs& inputs) {
   if (f.count_from == CountFrom::kTable) return f.count;
   const int32_t count = f.count_from == CountFrom::kRecord ? Load<int32_t>(place + f.count_ref)
                                                            : inputs.number[f.count_ref];
@@ -81,7 +81,17 @@ void PrintSpectrum(const Field& f, const uint8_t* at, char* to) {
   PlainBase64(reinterpret_cast<const uint8_t*>(values), count * 4, to);
 }
 
-void PrintValue(const Field& f, const uint8_t* at, const RenderInputs& inputs, char* to) {
+void PrintMade(Kind as, const MadeValue& value, char* to) {
+  if (as == Kind::kText) {
+    *EscapeText(value.text, to, kLongestMadeText) = '\0';
+  } else if (as == Kind::kF32) {
+    PrintFloat(value.number, to);
+  } else {
+    std::sprintf(to, "%lld", static_cast<long long>(value.integer));
+  }
+}
+
+void PrintValue(const Field& f, const uint8_t* at, const Inputs& inputs, char* to) {
   switch (f.kind) {
     case Kind::kU8:
       std::sprintf(to, "%d", *at);
@@ -120,7 +130,7 @@ void PrintValue(const Field& f, const uint8_t* at, const RenderInputs& inputs, c
       std::snprintf(to, f.size + 1, "%s", reinterpret_cast<const char*>(at));
       break;
     case Kind::kMade:
-      *f.make(at - f.offset, inputs, to) = '\0';
+      PrintMade(f.made_as, f.make(at - f.offset, inputs), to);
       break;
     case Kind::kSpectrum:
       PrintSpectrum(f, at, to);
@@ -136,7 +146,7 @@ void PrintValue(const Field& f, const uint8_t* at, const RenderInputs& inputs, c
 }
 
 void Walk(XmlWriter* to, const Field& f, Cases which, const uint8_t* place, uint32_t repetition,
-          uint32_t step, const RenderInputs& inputs) {
+          uint32_t step, const Inputs& inputs) {
   if ((f.cases & which) == 0 || f.kind == Kind::kGap) return;
   const uint8_t* base = place + static_cast<size_t>(repetition) * step;
   char attributes[64] = "";
@@ -172,12 +182,12 @@ Plan::Plan(const Field& table, Cases which) : which_(which), text_(nullptr) {
 
 Plan::~Plan() { Release(steps_); }
 
-void Plan::Render(XmlWriter* to, const void* record, const RenderInputs& inputs) const {
+void Plan::Render(XmlWriter* to, const void* record, const Inputs& inputs) const {
   Walk(to, steps_->table, which_, static_cast<const uint8_t*>(record), 0, 0, inputs);
 }
 
 void RenderOnce(XmlWriter* to, const Field& table, Cases which, const void* record,
-                const RenderInputs& inputs) {
+                const Inputs& inputs) {
   Plan(table, which).Render(to, record, inputs);
 }
 

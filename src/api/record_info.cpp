@@ -2,10 +2,10 @@
 
 #include <cstring>
 
-#include "api/time_texts.h"
 #include "records/record_types.h"
 #include "settings/instrument_state.h"
 #include "settings/setting_file.h"
+#include "settings/time_texts.h"
 #include "settings/value_texts.h"
 #include "support/file.h"
 #include "support/memory.h"

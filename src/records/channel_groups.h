@@ -2,8 +2,8 @@
 // and energies of a phase and in total, symmetry, half-cycle readings.
 #pragma once
 
+#include "layout/tiles.h"
 #include "settings/cases.h"
-#include "xml/layout.h"
 
 namespace quorvex {
 
@@ -143,7 +143,7 @@ constexpr uint32_t Rms12ListSize(uint32_t room) { return 4 + room * kRms12Size; 
 constexpr uint32_t kChannelBlockSize = 9600;
 constexpr uint32_t kScopeRoom = 2048;
 constexpr uint32_t kSpectrumOrders = 51;  // 0 to 50
-constexpr uint32_t kScopeCount = 0;       // index into RenderInputs::number
+constexpr uint32_t kScopeCount = 0;       // index into Inputs::number
 
 inline constexpr Field kChannelValueRows[] = {
     F32("UL", 4, "RMS voltage", "V"),

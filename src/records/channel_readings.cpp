@@ -2,7 +2,6 @@
 #include "records/record_types.h"
 #include "records/sample_scales.h"
 #include "support/loads.h"
-#include "xml/number_text.h"
 #include "xml/plan.h"
 
 namespace quorvex {
@@ -24,7 +23,7 @@ static_assert(Tiles(kReading));
 
 // Readings of unknown channels stay raw. Scaling takes no notice of missing values, which then no
 // longer read as such; only the neutral's current, missing where it has no clamp, stays missing.
-void ChooseScales(const uint8_t* reading, const float* pairs, RenderInputs* inputs) {
+void ChooseScales(const uint8_t* reading, const float* pairs, Inputs* inputs) {
   const int channel = reading[kChannelAt] - 1;
   const bool known = channel >= 0 && channel < kMeasuredChannels;
   const bool missing = channel == kNeutral && Load<float>(reading + kCurrentAt) == kNoValue;
@@ -36,7 +35,7 @@ void WriteReadings(const Conversion& c) {
   const Plan plan(kReading, CaseOf(c.settings));
   float pairs[2 * kMeasuredChannels];
   SampleScales(c.settings, NeutralRange::kOwn, pairs);
-  RenderInputs inputs;
+  Inputs inputs;
   uint8_t reading[kReading.size];
   while (ReadBytes(c.input, reading, sizeof reading) == sizeof reading) {
     ChooseScales(reading, pairs, &inputs);

@@ -4,7 +4,7 @@
 #include "records/recording.h"
 #include "settings/instrument_state.h"
 #include "settings/setting_file.h"
-#include "settings/settings_block.h"
+#include "settings/settings_table.h"
 #include "support/loads.h"
 #include "support/memory.h"
 #include "xml/document.h"
@@ -65,7 +65,11 @@ bool ConvertRecording(const RecordType& type, const Request& request) {
   document->go_on = request.go_on;
   WriteDocumentStart(document);
   RenderOnce(document, kFileHeader, kAllCases, &header);
-  if (type.settings_at != 0) WriteSettingsBlock(document, *settings, type.harmonics_flag);
+  if (type.settings_at != 0) {
+    Inputs inputs;
+    inputs.number[kHarmonicsFlag] = type.harmonics_flag ? 1 : 0;
+    RenderOnce(document, kSettingsBlock, kAllCases, settings.get(), inputs);
+  }
   if (type.information != nullptr) {
     RenderOnce(document, *type.information, CaseOf(*settings), information);
   }

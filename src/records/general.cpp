@@ -6,7 +6,7 @@
 #include "records/general_layouts.h"
 #include "records/record_types.h"
 #include "support/memory.h"
-#include "xml/number_text.h"
+#include "support/numbers.h"
 #include "xml/plan.h"
 
 namespace quorvex {

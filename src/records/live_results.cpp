@@ -84,7 +84,7 @@ static_assert(Tiles(kLiveResultsRecord));
 void WriteLiveResults(const Conversion& c) {
   Tracked<uint8_t> record(kLiveResultsSize);
   ReadBytes(c.input, record.get(), kLiveResultsSize);
-  RenderInputs inputs;
+  Inputs inputs;
   inputs.number[kScopeCount] = Load<int32_t>(record.get());
   SampleScales(c.settings, NeutralRange::kOwn, inputs.scale);
   RenderOnce(c.document, kLiveResultsRecord, CaseOf(c.settings), record.get(), inputs);

@@ -3,12 +3,12 @@
 
 #include <cstdint>
 
+#include "layout/tiles.h"
 #include "settings/cases.h"
 #include "settings/settings_record.h"
 #include "support/file.h"
 #include "support/float_environment.h"
 #include "xml/element_writer.h"
-#include "xml/layout.h"
 
 namespace quorvex {
 

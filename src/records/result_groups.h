@@ -4,8 +4,8 @@
 // names and another form, so these live in a namespace of their own.
 #pragma once
 
+#include "layout/tiles.h"
 #include "settings/cases.h"
-#include "xml/layout.h"
 
 namespace quorvex::intervals {
 

@@ -63,13 +63,13 @@ constexpr Field kSnapshotRows[] = {
 };
 constexpr Field kSnapshot = Record("RECORD_RESULTS", kFront.size, kSnapshotRows, "a snapshot");
 
-void WriteChannels(const Conversion& c, const Plan& plan, const RenderInputs& scales, int32_t count,
+void WriteChannels(const Conversion& c, const Plan& plan, const Inputs& scales, int32_t count,
                    uint8_t* block) {
   for (const Field& row : kChannelRows) {
     if ((row.cases & CaseOf(c.settings)) == 0) continue;
     ReadBytes(c.input, block, kChannelBlockSize);
     const int pair = 2 * ChannelOf(row.name);
-    RenderInputs inputs;
+    Inputs inputs;
     inputs.number[kScopeCount] = count;
     inputs.scale[0] = scales.scale[pair];
     inputs.scale[1] = scales.scale[pair + 1];
@@ -85,7 +85,7 @@ void WriteSnapshots(const Conversion& c) {
   const Plan front_plan(kFront, CaseOf(c.settings));
   const Plan channel_plan(kSnapshotChannel, CaseOf(c.settings));
   const uint32_t room = c.settings.reduced_lists != 0 ? kRms12LongRoom : kRms12Room;
-  RenderInputs scales;
+  Inputs scales;
   SampleScales(c.settings, NeutralRange::kOfPhases, scales.scale);
   Tracked<uint8_t> snapshot(kSnapshot.size);
   Tracked<uint8_t> channel(kChannelBlockSize);

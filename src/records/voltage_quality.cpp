@@ -4,7 +4,7 @@
 #include "records/record_types.h"
 #include "records/result_groups.h"
 #include "support/memory.h"
-#include "xml/number_text.h"
+#include "support/numbers.h"
 #include "xml/plan.h"
 
 namespace quorvex {

@@ -132,7 +132,7 @@ void WriteWaveform(Capture* capture, const Field& row, int slot) {
     const auto size =
         static_cast<uint32_t>(std::min<uint64_t>(kPiece.size, capture->waveform_size - from));
     ReadPiece(capture, from, size);
-    RenderInputs inputs;
+    Inputs inputs;
     inputs.number[0] = static_cast<int32_t>(size / kSampleSize);
     inputs.scale[0] = scale;
     capture->plan.Render(document, capture->piece, inputs);

@@ -70,7 +70,7 @@ void WriteQuantity(const Conversion& c, const Plan& plan, const Field& quantity,
     if ((row.cases & CaseOf(c.settings)) == 0) continue;
     const int channel = ChannelOf(row.phase);
     ReadBytes(c.input, places[channel], kWaveform.size);
-    RenderInputs inputs;
+    Inputs inputs;
     inputs.number[0] = count;
     inputs.scale[0] = scales[2 * channel];
     OpenWaveform(c.document, row.name, row.phase);

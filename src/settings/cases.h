@@ -3,8 +3,8 @@
 
 #include <initializer_list>
 
+#include "layout/rows.h"
 #include "settings/settings_record.h"
-#include "xml/layout.h"
 
 namespace quorvex {
 

@@ -6,18 +6,11 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "layout/date_time.h"
+
 namespace quorvex {
 
 #pragma pack(push, 1)
-
-// 16 bytes, as every record stores a point in time.
-struct DateTimeRecord {
-  uint16_t year;
-  uint8_t month, day, hour, minute;
-  uint8_t reserved[2];
-  double seconds;
-};
-static_assert(sizeof(DateTimeRecord) == 16 && offsetof(DateTimeRecord, seconds) == 8);
 
 // One current clamp.
 struct ClampParams {

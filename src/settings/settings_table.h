@@ -2,22 +2,23 @@
 // document and follows each entry of a transient index.
 #pragma once
 
+#include "layout/rows.h"
+#include "layout/tiles.h"
 #include "settings/settings_record.h"
-#include "xml/layout.h"
 
 namespace quorvex {
 
-// Texts that are computed from several fields. `place` is the settings record, or the clamp.
-char* CurrentRangeText(const uint8_t* place, const RenderInputs& inputs, char* to);
-char* ProbeRatioText(const uint8_t* place, const RenderInputs& inputs, char* to);
-char* HarmonicContentText(const uint8_t* place, const RenderInputs& inputs, char* to);
-char* HarmonicComponentsText(const uint8_t* place, const RenderInputs& inputs, char* to);
-char* ModelCodeText(const uint8_t* place, const RenderInputs& inputs, char* to);
-char* ModelNameText(const uint8_t* place, const RenderInputs& inputs, char* to);
-char* RecordingNameText(const uint8_t* place, const RenderInputs& inputs, char* to);
-char* PositionText(const uint8_t* place, const RenderInputs& inputs, char* to);
+// Values that are computed from several fields. `place` is the settings record, or the clamp.
+MadeValue CurrentRange(const uint8_t* place, const Inputs& inputs);
+MadeValue ProbeRatio(const uint8_t* place, const Inputs& inputs);
+MadeValue HarmonicContent(const uint8_t* place, const Inputs& inputs);
+MadeValue HarmonicComponents(const uint8_t* place, const Inputs& inputs);
+MadeValue ModelCode(const uint8_t* place, const Inputs& inputs);
+MadeValue ModelName(const uint8_t* place, const Inputs& inputs);
+MadeValue RecordingName(const uint8_t* place, const Inputs& inputs);
+MadeValue Position(const uint8_t* place, const Inputs& inputs);
 
-// Index into RenderInputs::number: not 0 in documents of voltage quality recordings, whose spectra
+// Index into Inputs::number: not 0 in documents of voltage quality recordings, whose spectra
 // have other orders.
 constexpr uint32_t kHarmonicsFlag = 0;
 
@@ -30,7 +31,7 @@ inline constexpr auto kClampRows = Shared(
                    Gap(CLAMP(reserved1), 2),
                    F32("RANGE", CLAMP(range), "clamp range"),
                    F32("A_NA_V", CLAMP(a_na_v), "amperes per volt of the clamp output", "A/V"),
-                   Made("CURRENT_RANGE", CLAMP(current_range), 4, Kind::kF32, CurrentRangeText,
+                   Made("CURRENT_RANGE", CLAMP(current_range), 4, Kind::kF32, CurrentRange,
                         "current range, as a float"),
                    U8("PARALLEL_FEEDERS", CLAMP(parallel_feeders), "number of parallel feeders"),
                    Gap(CLAMP(reserved2), 3),
@@ -126,10 +127,8 @@ inline constexpr Field kRecordParamsRows[] = {
     DateTime("TIME_FIRST_PACKET", AT(time_first_packet), "time of the first stored record"),
     DateTime("TIME_LAST_PACKET", AT(time_last_packet), "time of the last stored record"),
     I32("PROFILE", AT(profile), "recording profile, 0 to 5"),
-    Made("HARM_CONTENT", AT(profile), 4, Kind::kI32, HarmonicContentText, "harmonic content")
-        .Again(),
-    Made("HARM_COMPONENTS", AT(profile), 4, Kind::kI64, HarmonicComponentsText,
-         "mask of stored orders")
+    Made("HARM_CONTENT", AT(profile), 4, Kind::kI32, HarmonicContent, "harmonic content").Again(),
+    Made("HARM_COMPONENTS", AT(profile), 4, Kind::kI64, HarmonicComponents, "mask of stored orders")
         .Again(),
     DateTime("START_PRESSED_TIME", AT(start_pressed_time), "time the start was pressed"),
     I32("EVENTS_WF_DURATION", AT(events_wf_duration), "event waveform duration"),
@@ -219,8 +218,8 @@ inline constexpr Field kInstrumentDataRows[] = {
     Text("ee_FirmwareVersion", AT(ee_firmware_version), 16, "firmware version"),
     U16("ee_DocumentationVersion", AT(ee_documentation_version), "documentation version"),
     Gap(AT(reserved17), 2),
-    Made("instrument_GS", AT(model_family), 4, Kind::kText, ModelCodeText, "model code"),
-    Made("instrument_name", AT(model_family), 4, Kind::kText, ModelNameText, "model name").Again(),
+    Made("instrument_GS", AT(model_family), 4, Kind::kText, ModelCode, "model code"),
+    Made("instrument_name", AT(model_family), 4, Kind::kText, ModelName, "model name").Again(),
     Gap(AT(reserved18), 36),
 };
 
@@ -262,7 +261,7 @@ inline constexpr auto kSettingsRows = Shared(
         F32("NOMINAL_VOLTAGE", AT(nominal_voltage), "nominal voltage", "V"),
         I32("VOLTAGE_RATIO_PRIM", AT(voltage_ratio_prim), "voltage transformer ratio, primary"),
         I32("VOLTAGE_RATIO_SEC", AT(voltage_ratio_sec), "voltage transformer ratio, secondary"),
-        Made("PV_PROBE_RATIO", AT(pv_probe_ratio), 4, Kind::kI32, ProbeRatioText,
+        Made("PV_PROBE_RATIO", AT(pv_probe_ratio), 4, Kind::kI32, ProbeRatio,
              "probe ratio, whole part"),
         U8("TRIKOT_STAR_FACTOR_ID", AT(trikot_star_factor_id),
            "delta or star factor of the voltage ratio, 0 to 2"),
@@ -302,7 +301,7 @@ inline constexpr auto kSettingsRows = Shared(
         Group("INSTRUMENT_CAL", kInstrumentCalRows, "calibration constants"),
         I32("rand_mark", AT(rand_mark), "random mark of the recording"),
         Gap(AT(checked_flag), 1),
-        Made("cname", AT(cname_short), 7, Kind::kText, RecordingNameText,
+        Made("cname", AT(cname_short), 7, Kind::kText, RecordingName,
              "recording name, short or long form"),
         Gap(AT(cname_long), 18 + 2),
         I32("meas_method", AT(meas_method), "measuring method, 0 to 2"),
@@ -310,7 +309,7 @@ inline constexpr auto kSettingsRows = Shared(
         Gap(AT(reduced_lists), 1 + 3),
         I32("memory_struct", AT(memory_struct), "memory organisation code"),
         Gap(AT(reserved21), 4),
-        Made("gps_position", AT(longitude), 24, Kind::kText, PositionText, "GPS position"),
+        Made("gps_position", AT(longitude), 24, Kind::kText, Position, "GPS position"),
         Gap(AT(reserved23), 4),
         Gap(AT(reserved26), 328),
     });

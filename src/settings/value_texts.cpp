@@ -5,8 +5,6 @@
 #include <cstdlib>
 #include <iterator>
 
-#include "xml/number_text.h"
-
 namespace quorvex {
 namespace {
 

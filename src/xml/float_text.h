@@ -6,12 +6,10 @@
 #include <cstdint>
 #include <cstring>
 
+#include "layout/field.h"
 #include "xml/float_table.h"
 
 namespace quorvex {
-
-// A float that holds this has no value; its text is "-".
-constexpr float kNoValue = -1e37f;
 
 // "000" to "999", a fourth byte for copying four at a time.
 inline constexpr auto kThreeDigits = [] {

@@ -142,9 +142,4 @@ char* SecondsText(double seconds, char* to) {
   return to;
 }
 
-int32_t TruncateToInt(double value) {
-  const bool fits = value > -2147483649.0 && value < 2147483648.0;
-  return fits ? static_cast<int32_t>(value) : INT32_MIN;
-}
-
 }  // namespace quorvex

@@ -11,9 +11,6 @@ namespace quorvex {
 // The longest text any function of this file writes.
 constexpr uint32_t kLongestNumber = 32;
 
-// Doubles without a value hold the floats' marker widened.
-constexpr double kNoValueDouble = static_cast<double>(kNoValue);
-
 // "%lE", rounded and without a value as FloatText has it.
 char* DoubleText(double value, char* to);
 
@@ -24,8 +21,5 @@ char* IntegerText(int64_t value, char* to);
 // least: 5.25, 12.0. "-" for kNoValueDouble. Seconds that no 32-bit integer holds are the nearest
 // that one holds; NaN is 0.
 char* SecondsText(double seconds, char* to);
-
-// A float converted to an integer toward zero; what no 32-bit integer holds gives INT32_MIN.
-int32_t TruncateToInt(double value);
 
 }  // namespace quorvex

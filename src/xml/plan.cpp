@@ -40,13 +40,33 @@ char* CopyText(const char* from, uint32_t size, char* to) {
   return to + size;
 }
 
+// The most bytes that a row's value takes in the document.
+uint32_t LongestText(const Field& f) {
+  switch (f.kind) {
+    case Kind::kText:
+    case Kind::kRawText:
+      return f.size;
+    case Kind::kMade:
+      return kLongestMadeText;
+    case Kind::kSpectrum: {
+      const uint32_t written = f.size / f.entry_floats * f.written_floats;
+      return (written + 2) / 3 * 4;
+    }
+    case Kind::kGap:
+    case Kind::kGroup:
+      return 0;
+    default:
+      return 32;
+  }
+}
+
 uint32_t MostSteps(const Field& f) {
   uint32_t steps = 3;  // a loop, its body or value, its closing text
   for (uint32_t r = 0; r < f.row_count; ++r) steps += MostSteps(f.rows[r]);
   return steps;
 }
 
-uint32_t CountOf(const Field& f, const uint8_t* place, const RenderInputs& inputs) {
+uint32_t CountOf(const Field& f, const uint8_t* place, const Inputs& inputs) {
   if (f.count_from == CountFrom::kTable) return f.count;
   const int32_t count = f.count_from == CountFrom::kRecord ? Load<int32_t>(place + f.count_ref)
                                                            : inputs.number[f.count_ref];
@@ -119,7 +139,12 @@ bool IsFloatRun(const PlanStep& loop, const PlanStep& value, const PlanStep& clo
   return is_float && value.text_size + close.text_size <= 48;
 }
 
-char* ValueText(const Field& f, const uint8_t* at, const RenderInputs& inputs, char* to) {
+char* MadeText(Kind as, const MadeValue& value, char* to) {
+  if (as == Kind::kText) return EscapeText(value.text, to, kLongestMadeText);
+  return as == Kind::kF32 ? FloatText(value.number, to) : IntegerText(value.integer, to);
+}
+
+char* ValueText(const Field& f, const uint8_t* at, const Inputs& inputs, char* to) {
   switch (f.kind) {
     case Kind::kU8:
       return IntegerText(*at, to);
@@ -145,7 +170,7 @@ char* ValueText(const Field& f, const uint8_t* at, const RenderInputs& inputs, c
     case Kind::kRawText:
       return RawTextOf(at, f.size, to);
     case Kind::kMade:
-      return f.make(at - f.offset, inputs, to);
+      return MadeText(f.made_as, f.make(at - f.offset, inputs), to);
     case Kind::kSpectrum:
       return SpectrumText(f, at, to);
     case Kind::kNoValue:
@@ -235,12 +260,12 @@ void Plan::AddRows(const Field& f, uint32_t offset, uint32_t step) {
   }
 }
 
-void Plan::Render(XmlWriter* to, const void* record, const RenderInputs& inputs) const {
+void Plan::Render(XmlWriter* to, const void* record, const Inputs& inputs) const {
   Run(to, 0, step_count_, static_cast<const uint8_t*>(record), 0, inputs);
 }
 
 void Plan::Run(XmlWriter* to, uint32_t from, uint32_t end, const uint8_t* base, uint32_t repetition,
-               const RenderInputs& inputs) const {
+               const Inputs& inputs) const {
   const char* text = text_->buffer;
   char* out = to->buffer + to->position;
   for (uint32_t i = from; i < end; ++i) {
@@ -265,8 +290,7 @@ void Plan::Run(XmlWriter* to, uint32_t from, uint32_t end, const uint8_t* base, 
   Advance(to, out);
 }
 
-void Plan::RunLoop(XmlWriter* to, uint32_t loop, const uint8_t* place,
-                   const RenderInputs& inputs) const {
+void Plan::RunLoop(XmlWriter* to, uint32_t loop, const uint8_t* place, const Inputs& inputs) const {
   const PlanStep& s = steps_[loop];
   const PlanStep& value = steps_[loop + 1];
   const PlanStep& close = steps_[loop + 2];
@@ -299,7 +323,7 @@ void Plan::RunLoop(XmlWriter* to, uint32_t loop, const uint8_t* place,
 }
 
 void RenderOnce(XmlWriter* to, const Field& table, Cases which, const void* record,
-                const RenderInputs& inputs) {
+                const Inputs& inputs) {
   Plan(table, which).Render(to, record, inputs);
 }
 

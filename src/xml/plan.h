@@ -3,8 +3,8 @@
 // record is then rendered by copying text and writing values in turn.
 #pragma once
 
+#include "layout/field.h"
 #include "xml/element_writer.h"
-#include "xml/layout.h"
 
 namespace quorvex {
 
@@ -19,16 +19,15 @@ class Plan {
   Plan& operator=(const Plan&) = delete;
 
   // Writes one record, which holds at least the table's bytes.
-  void Render(XmlWriter* to, const void* record, const RenderInputs& inputs = {}) const;
+  void Render(XmlWriter* to, const void* record, const Inputs& inputs = {}) const;
 
  private:
   void Add(const Field& f, uint32_t offset, uint32_t step);
   void AddRows(const Field& group, uint32_t offset, uint32_t step);
   void AddStep(const Field* f, uint32_t offset, uint32_t step);
   void Run(XmlWriter* to, uint32_t from, uint32_t end, const uint8_t* base, uint32_t repetition,
-           const RenderInputs& inputs) const;
-  void RunLoop(XmlWriter* to, uint32_t loop, const uint8_t* place,
-               const RenderInputs& inputs) const;
+           const Inputs& inputs) const;
+  void RunLoop(XmlWriter* to, uint32_t loop, const uint8_t* place, const Inputs& inputs) const;
 
   Cases which_;
   XmlWriter* text_;  // the tags, written once into memory
@@ -40,6 +39,6 @@ class Plan {
 
 // For what is rendered once.
 void RenderOnce(XmlWriter* to, const Field& table, Cases which, const void* record,
-                const RenderInputs& inputs = {});
+                const Inputs& inputs = {});
 
 }  // namespace quorvex

@@ -5,13 +5,13 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "api/time_texts.h"
 #include "commands.h"
 #include "gather.h"
 #include "inspection.h"
 #include "json.h"
 #include "quorvex64.h"
 #include "scratch.h"
+#include "settings/time_texts.h"
 
 namespace quorvex::tool {
 namespace {

@@ -6,13 +6,13 @@
 #include <cstring>
 #include <iterator>
 
-#include "api/time_texts.h"
 #include "places.h"
 #include "quorvex64.h"
 #include "record_shape.h"
 #include "scratch.h"
 #include "settings/setting_file.h"
 #include "settings/settings_table.h"
+#include "settings/time_texts.h"
 #include "settings/value_texts.h"
 #include "support/file.h"
 #include "xml/text_forms.h"
@@ -211,7 +211,7 @@ Facts FactsOf(const std::string& path) {
   if (type.settings_at == 0) return facts;
   char text[kLongestMadeText];
   const auto* place = reinterpret_cast<const uint8_t*>(&settings);
-  facts.instrument = std::string(text, ModelNameText(place, {}, text));
+  facts.instrument = ModelName(place, {}).text;
   facts.serial = std::string(
       text, EscapeText(settings.ee_serial_number, text, sizeof settings.ee_serial_number));
   const char* connection = ConnectionText(settings.connection);

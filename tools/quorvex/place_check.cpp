@@ -4,9 +4,9 @@
 #include <cstring>
 #include <tuple>
 
-#include "api/time_texts.h"
 #include "places.h"
 #include "record_times.h"
+#include "settings/time_texts.h"
 #include "support/loads.h"
 #include "xml/number_text.h"
 #include "xml/text_forms.h"
@@ -71,10 +71,11 @@ void CheckText(const Place& place, const Piece& piece, Findings* findings) {
   const Field& f = *place.field;
   const auto* stored = reinterpret_cast<const char*>(piece.At(place.offset));
   size_t size = strnlen(stored, f.size);
-  char made[kLongestMadeText];
+  MadeValue made;
   if (f.kind == Kind::kMade) {
-    size = static_cast<size_t>(f.make(piece.At(place.base), {}, made) - made);
-    stored = made;
+    made = f.make(piece.At(place.base), {});
+    size = std::strlen(made.text);
+    stored = made.text;
   }
   if (std::all_of(stored, stored + size, IsPlain)) return;
   std::string shown(stored, size);

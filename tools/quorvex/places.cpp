@@ -62,7 +62,7 @@ struct Walk {
         Add(Place::What::kCount, f, place + f.count_ref, sizeof(int32_t), place,
             CountElement(group, f, path));
       }
-      if (IsTime(f)) {
+      if (IsDateTime(f)) {
         Add(Place::What::kTime, f, offset, kDateTimeSize, place, name);
       } else if (f.kind == Kind::kText || f.kind == Kind::kRawText || f.kind == Kind::kMade) {
         Add(Place::What::kText, f, offset, f.size, base, name);
@@ -116,8 +116,6 @@ struct Walk {
 };
 
 }  // namespace
-
-bool IsTime(const Field& f) { return f.kind == Kind::kGroup && f.rows == kDateTimeRows.rows; }
 
 Places PlacesOf(const Field& table, Cases which, const std::string& name) {
   Places places;

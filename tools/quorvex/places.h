@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "findings.h"
-#include "xml/layout.h"
+#include "layout/date_time.h"
 
 namespace quorvex::tool {
 
@@ -35,8 +35,6 @@ struct Places {
 
 // `which` is the one case that the recording is; `name` stands in front of every path.
 Places PlacesOf(const Field& table, Cases which, const std::string& name = "");
-
-bool IsTime(const Field& f);
 
 // A piece of a recording under a layout.
 struct Piece {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cerrno>
 
-#include "api/time_texts.h"
 #include "places.h"
 #include "record_shape.h"
 #include "record_times.h"
@@ -11,6 +10,7 @@
 #include "settings/cases.h"
 #include "settings/setting_file.h"
 #include "settings/settings_table.h"
+#include "settings/time_texts.h"
 #include "settings/value_texts.h"
 #include "support/file.h"
 #include "support/loads.h"
@@ -186,7 +186,7 @@ struct RecordWalk {
   // Times among the arrays behind a record at byte `at`.
   void CheckArrays(Reader* file, uint64_t at, int64_t count, uint64_t record) const {
     VisitArrays(shape, count, [&](const Field& row, const std::string& element, uint64_t offset) {
-      for (int64_t i = 0; IsTime(row) && i < count; ++i) {
+      for (int64_t i = 0; IsDateTime(row) && i < count; ++i) {
         const uint64_t place = at + offset + static_cast<uint64_t>(i) * row.step;
         const uint8_t* bytes = file->At(place, kDateTimeSize);
         if (bytes == nullptr) return;

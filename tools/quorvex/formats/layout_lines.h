@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "xml/layout.h"
+#include "layout/rows.h"
 
 namespace quorvex::tool {
 

@@ -47,7 +47,7 @@ std::string TimeAt(const Field& group, const std::vector<std::string>& names, ui
     if (f.name[0] == '\0') {
       std::string inside = TimeAt(f, names, at, argument);
       if (!inside.empty()) return inside;
-    } else if (IsTime(f) && std::find(names.begin(), names.end(), f.name) != names.end()) {
+    } else if (IsDateTime(f) && std::find(names.begin(), names.end(), f.name) != names.end()) {
       return ", " + argument + "=" + Number(at);
     }
   }

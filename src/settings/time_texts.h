@@ -11,16 +11,10 @@ enum class TimeDetail : uint8_t { kMinutes, kMilliseconds, kSeconds };
 // "07.Mar.2024 14:05:09.123". Milliseconds are cut, not rounded; a month that is none is January.
 void DateTimeText(const DateTimeRecord& time, TimeDetail detail, BoundedText* to);
 
-// Whether this is a date and a time of day, in the years that an instrument can have seen.
-bool IsPointInTime(const DateTimeRecord& time);
-
 // "10 Min ", "1 Min 30 s"; each part only where it is not zero.
 void IntervalText(uint32_t seconds, BoundedText* to);
 
 // " 1 days 02 hours 3 Min 4 s" without the parts that are zero; "0 s" where all are.
 void DurationText(uint32_t seconds, BoundedText* to);
-
-// Moves a time forward, through the calendar.
-void AddSeconds(DateTimeRecord* time, float seconds);
 
 }  // namespace quorvex

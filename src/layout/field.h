@@ -1,0 +1,163 @@
+// Layout tables: a record format written as data. A table is an array of rows in the order in which
+// the elements are written; each row says which element, where its bytes lie and how they read.
+// Groups nest and are placed at an offset, so a structure is described once and used everywhere.
+// rows.h makes the rows, and tiles.h proves at compile time that a table claims every byte of its
+// record exactly once.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace quorvex {
+
+enum class Kind : uint8_t {
+  kGap,    // bytes that are read past
+  kGroup,  // an element around rows; without a name only a place (and a repetition) for them
+  kU8,     // integers, "%d"; 32-bit words are signed in the document whatever they count
+  kU16,
+  kI32,
+  kI64,        // "%lld"; no 64-bit integer equals the no-value marker
+  kF32,        // "%E", "-" for the no-value marker
+  kF64,        // "%lE", likewise
+  kScaledI16,  // a raw sample times a scale of the inputs, as kF32
+  kScaledF32,
+  kSeconds,   // seconds of a date-time
+  kText,      // fixed-width text, through EscapeText
+  kRawText,   // fixed-width text as it stands
+  kMade,      // a value that a function makes from the record
+  kNoValue,   // always "-", without bytes of its own
+  kFlagWord,  // a 32-bit word as the element's text on a line of its own
+  kSpectrum,  // floats as base64, in the place of kFlagWord's word
+};
+
+// In which recordings a row is written: a set of up to sixteen cases, one bit each. What the bits
+// mean is the settings' matter.
+using Cases = uint16_t;
+constexpr Cases kAllCases = 0xFFFF;
+
+// A float that holds this has no value; a double has none that holds the same.
+constexpr float kNoValue = -1e37f;
+constexpr double kNoValueDouble = static_cast<double>(kNoValue);
+
+// What a table may need beyond the record's own bytes; rows refer to them by index.
+struct Inputs {
+  int32_t number[2] = {};
+  float scale[8] = {};
+};
+
+// The value of a kMade row, in the member that suits what the row reads as.
+constexpr uint32_t kLongestMadeText = 128;
+struct MadeValue {
+  int64_t integer = 0;
+  float number = 0;
+  char text[kLongestMadeText];  // terminated
+  MadeValue() { text[0] = '\0'; }
+};
+// `place` is where the row's group lies.
+using Make = MadeValue (*)(const uint8_t* place, const Inputs& inputs);
+
+enum class CountFrom : uint8_t { kTable, kRecord, kInput };
+
+// A structure that stands in several places, as documentation and schema name it.
+struct StructureInfo {
+  const char* name;
+  const char* note = "";
+};
+
+struct Field {
+  const char* name = "";
+  const char* phase = nullptr;  // value of the attribute `phase`
+  const char* meaning = "";     // for documentation and schema
+  const char* unit = "";
+  // Where a count of the inputs comes from: the end of an element's path, or words.
+  const char* counted_by = "";
+  const StructureInfo* structure = nullptr;
+  Make make = nullptr;
+  const Field* rows = nullptr;
+  uint32_t row_count = 0;
+  uint32_t offset = 0;     // from the place of the enclosing group
+  uint32_t size = 0;       // bytes of one repetition
+  uint32_t count = 1;      // repetitions; the most there can be where the count is not the table's
+  uint32_t step = 0;       // bytes from one repetition to the next
+  uint32_t every = 0;      // in a repeated group: its own distance between repetitions, if not step
+  uint32_t claims = 0;     // bytes of the record that are this row's own
+  uint32_t count_ref = 0;  // offset of a 32-bit count beside the row, or index into the inputs
+  int32_t most = INT32_MAX;     // an integer shows this at the most
+  uint16_t entry_floats = 0;    // spectrum: floats per entry on disk
+  uint16_t written_floats = 0;  // spectrum: how many of them are written
+  Cases cases = kAllCases;
+  Kind kind = Kind::kGap;
+  CountFrom count_from = CountFrom::kTable;
+  Kind made_as = Kind::kText;  // what a kMade row reads as
+  uint8_t scale_ref = 0;
+  bool repeated = false;
+  bool behind = false;   // of no fixed place: it lies behind the row before it that is written
+  bool endless = false;  // `count` is no bound: rendered that many at a time
+
+  // Written in these cases only.
+  constexpr Field In(Cases in) const {
+    Field f = *this;
+    f.cases = in;
+    return f;
+  }
+  // A value element a repetition.
+  constexpr Field Times(uint32_t times) const {
+    Field f = *this;
+    f.count = times;
+    f.repeated = true;
+    f.claims = f.size * times;
+    return f;
+  }
+  // As many repetitions as a signed word of the record says, none below 1.
+  constexpr Field CountAt(uint32_t at) const {
+    Field f = *this;
+    f.count_from = CountFrom::kRecord;
+    f.count_ref = at;
+    return f;
+  }
+  constexpr Field CountInput(uint32_t index, const char* from) const {
+    Field f = *this;
+    f.count_from = CountFrom::kInput;
+    f.count_ref = index;
+    f.counted_by = from;
+    return f;
+  }
+  // Of any length: the writer of the record type renders it in pieces of `count`.
+  constexpr Field InPieces() const {
+    Field f = *this;
+    f.endless = true;
+    return f;
+  }
+  // A part of a record of varying length. What places it is the writer of the record type.
+  constexpr Field Behind() const {
+    Field f = *this;
+    f.behind = true;
+    return f;
+  }
+  // A row of a repeated group that repeats at its own distance (arrays side by side).
+  constexpr Field Every(uint32_t bytes) const {
+    Field f = *this;
+    f.every = bytes;
+    return f;
+  }
+  constexpr Field AtMost(int32_t value) const {
+    Field f = *this;
+    f.most = value;
+    return f;
+  }
+  // Reads bytes that other rows claim.
+  constexpr Field Again() const { return RunsOn(0); }
+  // Only the first bytes are its own; it reads on into its neighbour.
+  constexpr Field RunsOn(uint32_t own) const {
+    Field f = *this;
+    f.claims = own;
+    return f;
+  }
+  constexpr Field Phase(const char* label) const {
+    Field f = *this;
+    f.phase = label;
+    return f;
+  }
+};
+
+}  // namespace quorvex
