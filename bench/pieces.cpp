@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "records/record_types.h"
+#include "xml/base64.h"
 #include "xml/number_text.h"
 #include "xml/plan.h"
-#include "xml/text_forms.h"
 
 namespace {
 

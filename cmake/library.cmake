@@ -1,6 +1,7 @@
 # The library: compiled once, linked as a shared library for hosts and as a static one for our own
 # tools and tests, which look behind the exports.
 file(GLOB_RECURSE quorvex_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/*.cpp)
+list(FILTER quorvex_sources EXCLUDE REGEX "/src/findings/")
 if(WIN32)
   list(FILTER quorvex_sources EXCLUDE REGEX "_posix\\.cpp$")
 else()
@@ -52,3 +53,9 @@ else()
     target_link_options(Quorvex64 PRIVATE -Wl,--undefined-version)
   endif()
 endif()
+
+# Listeners that hosts do not get: built like any C++ program, for our own tools and tests.
+file(GLOB findings_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/findings/*.cpp)
+add_library(quorvex_findings STATIC ${findings_sources})
+target_link_libraries(quorvex_findings PUBLIC quorvex_static
+                                       PRIVATE quorvex_flags quorvex_hardening)

@@ -19,7 +19,7 @@ add_library(quorvex_commands STATIC ${tool_sources})
 target_include_directories(quorvex_commands PUBLIC ${CMAKE_SOURCE_DIR}/tools/quorvex)
 target_include_directories(quorvex_commands SYSTEM PRIVATE ${CMAKE_BINARY_DIR}/header-only)
 target_compile_definitions(quorvex_commands PRIVATE QUORVEX_TOOL_VERSION="${PROJECT_VERSION}")
-target_link_libraries(quorvex_commands PUBLIC quorvex_static
+target_link_libraries(quorvex_commands PUBLIC quorvex_findings
                                        PRIVATE quorvex_flags quorvex_hardening)
 add_executable(quorvex ${CMAKE_SOURCE_DIR}/tools/quorvex/main.cpp)
 target_include_directories(quorvex SYSTEM PRIVATE ${CMAKE_BINARY_DIR}/header-only)

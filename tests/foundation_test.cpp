@@ -6,11 +6,12 @@
 
 #include "layout/tiles.h"
 #include "outline.h"
+#include "support/escape_text.h"
 #include "support/file.h"
 #include "support/memory.h"
+#include "xml/base64.h"
 #include "xml/document.h"
 #include "xml/plan.h"
-#include "xml/text_forms.h"
 
 namespace quorvex::test {
 namespace {

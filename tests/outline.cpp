@@ -6,7 +6,7 @@
 #include <map>
 #include <sstream>
 
-#include "xml/text_forms.h"
+#include "xml/base64.h"
 
 namespace quorvex::test {
 namespace {

@@ -4,7 +4,6 @@
 #include <set>
 
 #include "outline.h"
-#include "records/record_types.h"
 
 namespace quorvex::test {
 namespace {
@@ -15,22 +14,6 @@ TEST(Dispatch, FilesThatAreNoRecordings) {
     EXPECT_EQ("", Converted(file));
   }
   EXPECT_NE("", Converted({1, 0, 0, 0, 15})) << "the missing bytes of the type are zero";
-}
-
-// The command line looks first and converts then; meanwhile the file may be gone, or another one.
-TEST(Dispatch, ARecordingThatIsGoneIsNoConversion) {
-  const std::string path = InFolder("gone.rec"), document = InFolder("gone.xml");
-  const auto converts = [&] {
-    return ConvertRecording(kSessions, {.input = path.c_str(), .output = document.c_str()});
-  };
-  EXPECT_FALSE(converts());
-  WriteFile(path, Bytes{5, 0, 0, 0, 10, 0, 0, 0});
-  EXPECT_FALSE(converts());
-  EXPECT_FALSE(Exists(document));
-  WriteFile(path, Bytes{5, 0, 0, 0, 15, 0, 0, 0});
-  EXPECT_TRUE(converts());
-  std::remove(path.c_str());
-  std::remove(document.c_str());
 }
 
 TEST(Recordings, FilesThatEndBeforeTheirFirstRecord) {

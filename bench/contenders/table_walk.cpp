@@ -5,10 +5,10 @@
 #include <cstring>
 
 #include "contender.h"
+#include "support/escape_text.h"
 #include "support/loads.h"
 #include "xml/number_text.h"
 #include "xml/plan.h"
-#include "xml/text_forms.h"
 
 namespace quorvex {
 

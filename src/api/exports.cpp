@@ -2,8 +2,9 @@
 #include "quorvex64.h"
 
 #include "api/record_info.h"
-#include "records/recording.h"
+#include "records/recording_head.h"
 #include "support/memory.h"
+#include "xml/conversion.h"
 
 namespace {
 
@@ -14,13 +15,13 @@ constexpr uint32_t kGenRecBuffer = 404480;     // ten times the full general rec
 
 // What computes is behind these functions, in other files: nothing of it is moved to where the
 // host's floating-point settings are still in force.
-void Convert(Request request) {
-  if (request.input == nullptr) return;
+void Convert(const char* path, const char* output_path, WalkOptions options) {
+  if (path == nullptr) return;
   OwnFloats floats;
-  request.host_floats = floats.host();
-  FileHeader header{};
-  ReadFileHeader(request.input, &header);
-  if (const RecordType* type = FindRecordType(header.type)) ConvertRecording(*type, request);
+  options.host_floats = floats.host();
+  RecordingHead recording(path);
+  recording.UseSettingFile();
+  ConvertRecording(&recording, {.output = output_path, .walk = options});
 }
 
 }  // namespace
@@ -28,18 +29,16 @@ void Convert(Request request) {
 int32_t QuorvexGetVersion(void) { return QUORVEX_VERSION; }
 
 int32_t QuorvexGetFileVersion(const char* path) {
-  FileHeader header{};
-  ReadFileHeader(path, &header);
-  return static_cast<int32_t>(header.version);
+  return static_cast<int32_t>(RecordingHead(path).header.version);
 }
 
 void QuorvexConvert(const char* path, const char* output_path, QuorvexProgress progress) {
-  Convert({.input = path, .output = output_path, .progress = progress});
+  Convert(path, output_path, {.progress = progress});
 }
 
 void QuorvexConvertPerPartes(const char* path, const char* output_path, uint32_t first_record,
                              uint32_t last_record, QuorvexProgress progress) {
-  Convert({path, output_path, first_record, last_record, progress});
+  Convert(path, output_path, {first_record, last_record, progress});
 }
 
 int32_t QuorvexGetNumberOfRecords(const char* path) {

@@ -3,8 +3,8 @@
 #include <cstring>
 
 #include "records/record_types.h"
+#include "records/recording_head.h"
 #include "settings/instrument_state.h"
-#include "settings/setting_file.h"
 #include "settings/time_texts.h"
 #include "settings/value_texts.h"
 #include "support/file.h"
@@ -15,37 +15,24 @@ namespace {
 
 // A recording as far as its head tells.
 struct Head {
-  const char* path;
-  FileHeader header;
-  UifParams settings;
-  const UifParams* in_force;  // of the instrument state: what the texts of levels are made with
-  bool estimated;             // no setting file: the end follows from the number of records
-  int32_t records;            // where it is estimated
-};
+  RecordingHead recording;
+  const UifParams* in_force = nullptr;  // what the texts of levels are made with
+  bool estimated = false;  // no setting file: the end follows from the number of records
+  int32_t records = 0;     // where it is estimated
 
-uint32_t SizeOf(const char* path) {
-  Tracked<FileInfo> info;
-  return QueryFileInfo(path, info.get()) == 0 ? info->size : 0;
-}
-
-bool ReadHead(const char* path, Head* head) {
-  File file(path, kOpenRead);
-  if (!file) return false;
-  head->path = path;
-  ReadBytes(file.get(), &head->header, sizeof head->header);
-  ReadBytes(file.get(), &head->settings, kSettingsSize);
-  const bool periodic = head->header.type == 1 || head->header.type == 16;
-  head->estimated = periodic && LoadSettingFile(path, &head->settings) != 0;
-  if (head->estimated) {
+  explicit Head(const char* path) : recording(path) {
+    const bool periodic = recording.header.type == 1 || recording.header.type == 16;
+    if (!periodic) return;
+    recording.UseSettingFile();
+    estimated = !recording.setting_file;
+    if (!estimated) return;
     // Two record sizes for all profiles and for voltage quality too: file lists have always shown
     // this estimate, however far it is off for the others.
     constexpr uint32_t kStandardProfile = 2;
-    const int32_t record_size = head->settings.profile == kStandardProfile ? 4608 : 40448;
-    const auto behind_head = static_cast<int32_t>(SizeOf(path) - kHeadSize);
-    head->records = behind_head / record_size;
+    const int32_t record_size = recording.settings.profile == kStandardProfile ? 4608 : 40448;
+    records = static_cast<int32_t>(static_cast<uint32_t>(recording.size) - kHeadSize) / record_size;
   }
-  return true;
-}
+};
 
 void PutTime(const DateTimeRecord& time, BoundedText* to) {
   to->Put(" '");
@@ -89,8 +76,8 @@ const char* SlopeText(uint32_t slope) {
   return slope < 4 ? kSlopes[slope] : "";
 }
 
-void DescribePeriodic(const Head& head, BoundedText* to) {
-  const UifParams& s = head.settings;
+void DescribePeriodic(Head& head, BoundedText* to) {
+  const UifParams& s = head.recording.settings;
   DateTimeRecord end = s.time_last_packet;
   if (head.estimated) {
     end = s.start_time;
@@ -103,8 +90,8 @@ void DescribePeriodic(const Head& head, BoundedText* to) {
   to->Put('\'');
 }
 
-void DescribeSnapshots(const Head& head, BoundedText* to) {
-  const WaveRecordParams& wave = head.settings.wave;
+void DescribeSnapshots(Head& head, BoundedText* to) {
+  const WaveRecordParams& wave = head.recording.settings.wave;
   PutTime(wave.start_time, to);
   PutTime(wave.end_time, to);
   PutQuoted(TriggerKindText(wave.trigger), to);
@@ -119,8 +106,8 @@ void DescribeSnapshots(const Head& head, BoundedText* to) {
   PutDuration(wave.pretrigger, to);
 }
 
-void DescribeWaveform(const Head& head, BoundedText* to) {
-  const TransientsParams& transients = head.settings.transients;
+void DescribeWaveform(Head& head, BoundedText* to) {
+  const TransientsParams& transients = head.recording.settings.transients;
   PutTime(transients.start_time, to);
   PutTime(transients.end_time, to);
   PutQuoted(TriggerKindText(transients.trigger), to);
@@ -134,8 +121,8 @@ void DescribeWaveform(const Head& head, BoundedText* to) {
   PutValue(transients.env_in, kCurrentDescriptor, to);
 }
 
-void DescribeWaveformSeries(const Head& head, BoundedText* to) {
-  const TransientsParams& transients = head.settings.transients;
+void DescribeWaveformSeries(Head& head, BoundedText* to) {
+  const TransientsParams& transients = head.recording.settings.transients;
   PutTime(transients.start_time, to);
   PutTime(transients.end_time, to);
   PutQuoted(TriggerKindText(transients.trigger), to);
@@ -148,8 +135,8 @@ void DescribeWaveformSeries(const Head& head, BoundedText* to) {
   PutPeriods(transients.pretrigger, to);
 }
 
-void DescribeInrush(const Head& head, BoundedText* to) {
-  const InrushParams& inrush = head.settings.inrush;
+void DescribeInrush(Head& head, BoundedText* to) {
+  const InrushParams& inrush = head.recording.settings.inrush;
   PutTime(inrush.start_time, to);
   PutTime(inrush.end_time, to);
   PutLevel(head, inrush.level, kTriggerLevelI, to);
@@ -157,13 +144,12 @@ void DescribeInrush(const Head& head, BoundedText* to) {
   PutDuration(inrush.duration, to);
   PutDuration(inrush.pretrigger, to);
   to->Put(' ');
-  to->PutInteger(static_cast<int32_t>(head.settings.rand_mark));
+  to->PutInteger(static_cast<int32_t>(head.recording.settings.rand_mark));
 }
 
 // Reads what there is at a position; the rest keeps what it held.
-void ReadAt(const char* path, uint64_t position, void* to, uint32_t count) {
-  File file(path, kOpenRead);
-  if (file && SeekTo(file.get(), position)) ReadBytes(file.get(), to, count);
+void ReadAt(RecordingHead* recording, uint64_t position, void* to, uint32_t count) {
+  if (SeekTo(recording->file.get(), position)) ReadBytes(recording->file.get(), to, count);
 }
 
 // Where a type's first record has an element.
@@ -173,28 +159,28 @@ uint64_t PlaceOf(const RecordType& type, const char* name) {
   return uint64_t{type.records_at} + row->offset;
 }
 
-void DescribeLiveResults(const Head& head, BoundedText* to) {
+void DescribeLiveResults(Head& head, BoundedText* to) {
   DateTimeRecord start{};
-  ReadAt(head.path, PlaceOf(kLiveResults, "TIME_START"), &start, sizeof start);
+  ReadAt(&head.recording, PlaceOf(kLiveResults, "TIME_START"), &start, sizeof start);
   PutTime(start, to);
 }
 
-void DescribeEnergyMeter(const Head& head, BoundedText* to) {
+void DescribeEnergyMeter(Head& head, BoundedText* to) {
   const uint32_t record_size = kEnergyMeter.record->size;
-  const uint32_t count = (SizeOf(head.path) - kHeadSize) / record_size;
+  const uint32_t count = (static_cast<uint32_t>(head.recording.size) - kHeadSize) / record_size;
   const uint64_t end_at = PlaceOf(kEnergyMeter, "END_TIME");
   DateTimeRecord start{}, end{};
-  ReadAt(head.path, PlaceOf(kEnergyMeter, "START_TIME"), &start, sizeof start);
+  ReadAt(&head.recording, PlaceOf(kEnergyMeter, "START_TIME"), &start, sizeof start);
   PutTime(start, to);
   // A file without a whole record leaves the first one's end standing.
-  ReadAt(head.path, end_at, &end, sizeof end);
-  ReadAt(head.path, end_at + uint64_t{count - 1} * record_size, &end, sizeof end);
+  ReadAt(&head.recording, end_at, &end, sizeof end);
+  ReadAt(&head.recording, end_at + uint64_t{count - 1} * record_size, &end, sizeof end);
   PutTime(end, to);
 }
 
 constexpr struct {
   uint32_t type;
-  void (*describe)(const Head& head, BoundedText* to);
+  void (*describe)(Head& head, BoundedText* to);
 } kDescriptions[] = {
     {1, DescribePeriodic},        {2, DescribeSnapshots},    {5, DescribeWaveform},
     {6, DescribeLiveResults},     {14, DescribeInrush},      {16, DescribePeriodic},
@@ -217,14 +203,14 @@ bool EndsInRec(const char* path) {
 void DescribeRecording(const char* path, char* text) {
   Tracked<char> line(kRecordInfoRoom);
   BoundedText to(line.get(), kRecordInfoRoom);
-  Tracked<Head> head;
-  if (EndsInRec(path) && ReadHead(path, head.get())) {
-    const ScopedState state(head->estimated ? nullptr : &head->settings);
-    head->in_force = &state->settings;
+  if (EndsInRec(path)) {
+    Head head(path);
+    const ScopedState state(head.estimated ? nullptr : &head.recording.settings);
+    head.in_force = &state->settings;
     for (const auto& description : kDescriptions) {
-      if (description.type != head->header.type) continue;
-      to.PutInteger(static_cast<int32_t>(head->header.type));
-      description.describe(*head, &to);
+      if (!head.recording.file || description.type != head.recording.header.type) continue;
+      to.PutInteger(static_cast<int32_t>(head.recording.header.type));
+      description.describe(head, &to);
     }
   }
   std::strcpy(text, line.get());
@@ -233,11 +219,10 @@ void DescribeRecording(const char* path, char* text) {
 int32_t CountGeneralRecords(const char* path) {
   constexpr uint32_t kGeneralType = 1;
   constexpr float kFullRecordSize = 40448.0f;
-  FileHeader header{};
-  ReadFileHeader(path, &header);
-  if (header.type != kGeneralType) return 0;
+  const RecordingHead recording(path);
+  if (recording.header.type != kGeneralType) return 0;
   // A size below the head's wraps round, and its quotient then fits no 32-bit integer.
-  const uint64_t behind_head = static_cast<uint64_t>(SizeOf(path)) - kHeadSize;
+  const uint64_t behind_head = uint64_t{static_cast<uint32_t>(recording.size)} - kHeadSize;
   const float count = static_cast<float>(behind_head) / kFullRecordSize + 0.5f;
   return count < 2147483648.0f ? static_cast<int32_t>(count) : INT32_MIN;
 }

@@ -18,6 +18,18 @@ int DaysIn(int month, int year) {
 
 }  // namespace
 
+int32_t DateTimeAt(const Field& group, const char* name, uint32_t place) {
+  for (uint32_t r = 0; r < group.row_count; ++r) {
+    const Field& f = group.rows[r];
+    if (f.kind != Kind::kGroup || f.repeated || f.behind) continue;
+    const uint32_t at = place + f.offset;
+    if (IsDateTime(f) && std::strcmp(f.name, name) == 0) return static_cast<int32_t>(at);
+    const int32_t inside = f.name[0] == '\0' ? DateTimeAt(f, name, at) : -1;
+    if (inside >= 0) return inside;
+  }
+  return -1;
+}
+
 bool IsSet(const DateTimeRecord& time) {
   constexpr DateTimeRecord kNever{};
   return std::memcmp(&time, &kNever, sizeof time) != 0 && time.seconds != kNoValueDouble;

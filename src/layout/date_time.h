@@ -40,6 +40,9 @@ constexpr bool IsDateTime(const Field& f) {
   return f.kind == Kind::kGroup && f.rows == kDateTimeRows.rows;
 }
 
+// Where a record's fixed part has a date-time of this name; -1 for none.
+int32_t DateTimeAt(const Field& group, const char* name, uint32_t place = 0);
+
 // Whether there is one: a time that was never set is all zeros, or without seconds.
 bool IsSet(const DateTimeRecord& time);
 

@@ -77,7 +77,10 @@ constexpr Field Spectrum(const char* name, const char* phase, uint32_t at, uint3
   f.written_floats = written;
   return f;
 }
-constexpr Field Gap(uint32_t at, uint32_t size) { return Leaf(Kind::kGap, "", at, size, "", ""); }
+// Bytes that documents do not show.
+constexpr Field Gap(uint32_t at, uint32_t size, const char* meaning = "") {
+  return Leaf(Kind::kGap, "", at, size, meaning, "");
+}
 
 // Rows that stand in several places, with the name under which they are known.
 template <size_t N>

@@ -1,5 +1,6 @@
 // Type 7: alarms.
 #include "records/record_types.h"
+#include "records/walk.h"
 #include "settings/settings_table.h"
 
 namespace quorvex {
@@ -62,7 +63,7 @@ const RecordType kAlarms = {
         "of the recording follow it. A last record that is cut short is left out.",
     .list = "TRANSITIONS",
     .record = &kTransition,
-    .write = WriteRecordsToEnd,
+    .walk = WalkRecordsToEnd,
     .settings_at = kLongSettingsAt,
     .records_at = kLongHeadSize + kInformation.size,
     .state = true,

@@ -2,8 +2,8 @@
 #include <cstring>
 
 #include "records/record_types.h"
+#include "records/walk.h"
 #include "support/memory.h"
-#include "xml/plan.h"
 
 namespace quorvex {
 namespace {
@@ -103,14 +103,15 @@ constexpr Field kSummariesRecord = Record("", kSummaries* kSummarySize, kSummari
 static_assert(Tiles(kSummariesRecord));
 
 // What a summary of a file cut short lacks is taken from the one before.
-void WriteSummaries(const Conversion& c) {
+void WalkSummaries(Walk* w) {
+  BeginRecord(w);
   Tracked<uint8_t> summaries(kSummariesRecord.size);
   for (uint32_t i = 0; i < kSummaries; ++i) {
     uint8_t* summary = summaries.get() + i * kSummarySize;
     if (i > 0) std::memcpy(summary, summary - kSummarySize, kSummarySize);
-    ReadBytes(c.input, summary, kSummarySize);
+    Read(w, summary, kSummarySize);
   }
-  RenderOnce(c.document, kSummariesRecord, CaseOf(c.settings), summaries.get());
+  TellRecord(w, summaries.get());
 }
 
 }  // namespace
@@ -123,7 +124,7 @@ const RecordType kAverages = {
         "What a summary of a file cut short lacks is taken from the one before.",
     .list = nullptr,
     .record = &kSummariesRecord,
-    .write = WriteSummaries,
+    .walk = WalkSummaries,
     .once = true,
     .cut = {1, "what it lacks is left over from the summary before (zeros in the first)"},
 };

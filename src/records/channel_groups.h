@@ -242,15 +242,21 @@ inline constexpr auto kLiveChannelRows =
                Gap(9580, 20),
            });
 
-// The start of a record with waveforms. The samples' number at 20 is for the reader of a snapshot.
+// The start of a record with waveforms. Which word counts their samples is the record type's
+// matter.
 constexpr uint32_t kScopeCountAt = 20;
 constexpr uint32_t kUsedSamplesAt = 24;
 constexpr uint32_t kRecordStartSize = 32;
+template <uint32_t count_at, uint32_t room>
 inline constexpr Field kRecordStartRows[] = {
     DateTime("timeStart", 0, "time of the first sample"),
     F32("timeStep", 16, "time between samples", "s"),
-    I32("numUsedSamples", kUsedSamplesAt, "number of used samples"),
-    Gap(kScopeCountAt, 4),
+    count_at == kScopeCountAt
+        ? Gap(kScopeCountAt, 4, "number of samples of each waveform").Counts(room)
+        : Gap(kScopeCountAt, 4),
+    count_at == kUsedSamplesAt
+        ? I32("numUsedSamples", kUsedSamplesAt, "number of used samples").Counts(room)
+        : I32("numUsedSamples", kUsedSamplesAt, "number of used samples"),
     Gap(28, 4),
 };
 

@@ -1,8 +1,8 @@
 // Types 3 and 14: lists of readings, each a voltage and a current of one channel.
 #include "records/record_types.h"
 #include "records/sample_scales.h"
+#include "records/walk.h"
 #include "support/loads.h"
-#include "xml/plan.h"
 
 namespace quorvex {
 namespace {
@@ -31,16 +31,14 @@ void ChooseScales(const uint8_t* reading, const float* pairs, Inputs* inputs) {
   inputs->scale[1] = known && !missing ? pairs[2 * channel + 1] : 1.0f;
 }
 
-void WriteReadings(const Conversion& c) {
-  const Plan plan(kReading, CaseOf(c.settings));
+void WalkReadings(Walk* w) {
   float pairs[2 * kMeasuredChannels];
-  SampleScales(c.settings, NeutralRange::kOwn, pairs);
+  SampleScales(w->settings, NeutralRange::kOwn, pairs);
   Inputs inputs;
   uint8_t reading[kReading.size];
-  while (ReadBytes(c.input, reading, sizeof reading) == sizeof reading) {
+  while (ReadWhole(w, reading)) {
     ChooseScales(reading, pairs, &inputs);
-    plan.Render(c.document, reading, inputs);
-    if (!ReportPosition(c)) return;
+    if (!TellRecord(w, reading, inputs) || !ReportPosition(*w)) return;
   }
 }
 
@@ -56,7 +54,7 @@ const RecordType kChannelReadings = {
         "clamp stays missing. A last record that is cut short is left out.",
     .list = "RECORDS",
     .record = &kReading,
-    .write = WriteReadings,
+    .walk = WalkReadings,
     .companion = true,
     .state = true,
     .progress = true,
@@ -72,7 +70,7 @@ const RecordType kMoreChannelReadings = {
         "clamp stays missing. A last record that is cut short is left out.",
     .list = "RECORDS",
     .record = &kReading,
-    .write = WriteReadings,
+    .walk = WalkReadings,
     .companion = true,
     .state = true,
     .progress = true,

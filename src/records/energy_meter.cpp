@@ -1,5 +1,6 @@
 // Type 18: tests of an energy meter, a record a metering interval.
 #include "records/record_types.h"
+#include "records/walk.h"
 
 namespace quorvex {
 namespace {
@@ -66,7 +67,7 @@ const RecordType kEnergyMeter = {
         "in the place of those that it lacks.",
     .list = "RECORDS",
     .record = &kResult,
-    .write = WriteCountedRecords,
+    .walk = WalkCountedRecords,
     .cut = kFilledFromBefore,
 };
 

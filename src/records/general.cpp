@@ -1,13 +1,12 @@
 // Type 1: general recordings, a record an interval. The only type of which a host converts a part.
 #include <algorithm>
 #include <iterator>
-#include <optional>
 
 #include "records/general_layouts.h"
 #include "records/record_types.h"
+#include "records/walk.h"
 #include "support/memory.h"
 #include "support/numbers.h"
-#include "xml/plan.h"
 
 namespace quorvex {
 namespace {
@@ -33,41 +32,39 @@ const Field* ChooseByProfile(const UifParams& settings) {
 constexpr LayoutChoice kChoice = {kLayouts, std::size(kLayouts), ChooseByProfile};
 
 // What progress counts against: the records of the file, or of the range where that is shorter.
-uint32_t ExpectedRecords(const Conversion& c, uint32_t record_size) {
-  const float behind_head = static_cast<float>(static_cast<int64_t>(c.size) - kHeadSize);
+uint32_t ExpectedRecords(const Walk& w, uint32_t record_size) {
+  const auto size = static_cast<uint32_t>(w.recording->size);
+  const float behind_head = static_cast<float>(static_cast<int64_t>(size) - kHeadSize);
   const float in_file = behind_head / static_cast<float>(record_size) + 0.5f;
-  const uint32_t in_range = c.request.last - c.request.first + 1;
+  const uint32_t in_range = w.options.last - w.options.first + 1;
   return std::min(static_cast<uint32_t>(TruncateToInt(in_file)), in_range);
 }
 
-void WriteIntervals(const Conversion& c) {
-  const Request& request = c.request;
-  const Field* layout = ChooseByProfile(c.settings);
-  // Nothing to convert and nobody to tell: the indices need not be counted through.
-  if (layout == nullptr && request.progress == nullptr) return;
+void WalkIntervals(Walk* w) {
+  const WalkOptions& options = w->options;
+  // Nothing to tell and nobody to report to: the indices need not be counted through.
+  if (w->layout == nullptr && options.progress == nullptr) return;
 
   // Profiles without a layout keep the index stepping; the last index then stands for the size.
-  const uint32_t record_size = layout != nullptr ? layout->size : request.last;
+  const uint32_t record_size = w->layout != nullptr ? w->layout->size : options.last;
   // The distance is 32 bits wide, so record 0 lies far behind every end.
-  const uint32_t distance = (request.first - 1) * record_size;
-  const bool found = SeekTo(c.input, uint64_t{kHeadSize} + distance);
-  const uint32_t expected = ExpectedRecords(c, record_size);
+  const uint32_t distance = (options.first - 1) * record_size;
+  const bool found = MoveTo(w, uint64_t{kHeadSize} + distance);
+  const uint32_t expected = ExpectedRecords(*w, record_size);
 
-  std::optional<Plan> plan;
-  if (layout != nullptr) plan.emplace(*layout, CaseOf(c.settings));
-  Tracked<uint8_t> record(layout != nullptr ? record_size : 0);
-  uint32_t index = request.first;
+  Tracked<uint8_t> record(w->layout != nullptr ? record_size : 0);
+  uint32_t index = options.first;
+  w->record = options.first - 1;
   do {
-    if (plan) {
-      if (!found || ReadBytes(c.input, record.get(), record_size) != record_size) return;
-      plan->Render(c.document, record.get());
+    if (w->layout != nullptr) {
+      if (!found || !ReadWhole(w, record.get()) || !TellRecord(w, record.get())) return;
     }
     ++index;
-    if (request.progress != nullptr) {
-      const auto done = static_cast<float>(index - request.first);
-      if (!Report(request, done / static_cast<float>(expected))) return;
+    if (options.progress != nullptr) {
+      const auto done = static_cast<float>(index - options.first);
+      if (!Report(options, done / static_cast<float>(expected))) return;
     }
-  } while (index <= request.last);
+  } while (index <= options.last);
 }
 
 }  // namespace
@@ -83,7 +80,7 @@ const RecordType kGeneral = {
         "cut short is left out.",
     .list = "RECORDS",
     .record = nullptr,
-    .write = WriteIntervals,
+    .walk = WalkIntervals,
     .companion = true,
     .state = true,
     .progress = true,

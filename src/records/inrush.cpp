@@ -1,5 +1,6 @@
 // Type 13: inrush currents, an entry an event.
 #include "records/record_types.h"
+#include "records/walk.h"
 
 namespace quorvex {
 namespace {
@@ -22,7 +23,7 @@ const RecordType kInrushCurrents = {
         "one before in the place of those that it lacks.",
     .list = "RECORDS",
     .record = &kInrush,
-    .write = WriteCountedRecords,
+    .walk = WalkCountedRecords,
     .cut = kFilledFromBefore,
 };
 

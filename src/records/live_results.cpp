@@ -5,9 +5,9 @@
 #include "records/channels.h"
 #include "records/record_types.h"
 #include "records/sample_scales.h"
+#include "records/walk.h"
 #include "support/loads.h"
 #include "support/memory.h"
-#include "xml/plan.h"
 
 namespace quorvex {
 namespace {
@@ -66,7 +66,7 @@ constexpr Field kLiveResultsRows[] = {
     Group("RMS12", 67900, kRms12ListRows, "latest half-cycle readings"),
     DateTime("TIME_START", 78528, "time of the first sample"),
     F32("TIME_STEP", 78548, "time between samples", "s"),
-    I32("numUsedSamples", 0, "number of used samples"),
+    I32("numUsedSamples", 0, "number of used samples").Counts(kScopeRoom),
     F32("TEMP", 67896, "instrument temperature", "degC"),
     I32("FLAG", 78584, "flags"),
     Group("CONNECTION_CHECK", kCheckAt, kConnectionCheckRows, "check of the connection"),
@@ -81,13 +81,14 @@ constexpr Field kLiveResultsRows[] = {
 constexpr Field kLiveResultsRecord = Record("UIF_RESULTS", kLiveResultsSize, kLiveResultsRows);
 static_assert(Tiles(kLiveResultsRecord));
 
-void WriteLiveResults(const Conversion& c) {
+void WalkLiveResults(Walk* w) {
+  BeginRecord(w);
   Tracked<uint8_t> record(kLiveResultsSize);
-  ReadBytes(c.input, record.get(), kLiveResultsSize);
+  Read(w, record.get(), kLiveResultsSize);
   Inputs inputs;
   inputs.number[kScopeCount] = Load<int32_t>(record.get());
-  SampleScales(c.settings, NeutralRange::kOwn, inputs.scale);
-  RenderOnce(c.document, kLiveResultsRecord, CaseOf(c.settings), record.get(), inputs);
+  SampleScales(w->settings, NeutralRange::kOwn, inputs.scale);
+  TellRecord(w, record.get(), inputs);
 }
 
 }  // namespace
@@ -104,11 +105,10 @@ const RecordType kLiveResults = {
         "and the ratios of the transformers.",
     .list = nullptr,
     .record = &kLiveResultsRecord,
-    .write = WriteLiveResults,
+    .walk = WalkLiveResults,
     .state = true,
     .once = true,
     .cut = {0, "what it lacks is zero"},
-    .samples_at = 0,
 };
 
 }  // namespace quorvex

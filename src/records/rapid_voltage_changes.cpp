@@ -1,5 +1,6 @@
 // Type 10: rapid voltage changes (RVC).
 #include "records/record_types.h"
+#include "records/walk.h"
 
 namespace quorvex {
 namespace {
@@ -44,7 +45,7 @@ const RecordType kRapidVoltageChanges = {
         "lacks.",
     .list = "RECORDS",
     .record = &kChange,
-    .write = WriteCountedRecords,
+    .walk = WalkCountedRecords,
     .cut = kFilledFromBefore,
 };
 

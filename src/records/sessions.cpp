@@ -1,7 +1,7 @@
 // Type 15: the log of operating sessions.
 #include "records/record_types.h"
+#include "records/walk.h"
 #include "support/loads.h"
-#include "xml/plan.h"
 
 namespace quorvex {
 namespace {
@@ -12,7 +12,7 @@ constexpr Field kSessionHeaderRows[] = {
     DateTime("startTime", 0, "start of the session"),
     DateTime("endTime", 16, "end of the session"),
     I32("sessionId", 32, "identifier"),
-    I32("elementsNum", kElementsNumAt, "number of elements that follow"),
+    I32("elementsNum", kElementsNumAt, "number of elements that follow").Counts(INT32_MAX),
 };
 constexpr Field kSessionHeader = Record("SESSION_HEADER", 40, kSessionHeaderRows);
 static_assert(Tiles(kSessionHeader));
@@ -37,20 +37,27 @@ constexpr Field kSessionRows[] = {
 constexpr Field kSession = Record("SESSION", kSessionHeader.size, kSessionRows, "a session");
 
 // Sessions stand back to back, each a header and its elements, up to the first that is cut short.
-void WriteSessions(const Conversion& c) {
-  const Plan header_plan(kSessionHeader, kAllCases);
-  const Plan element_plan(kElement, kAllCases);
+void WalkSessions(Walk* w) {
   uint8_t header[kSessionHeader.size];
-  while (!c.document->abandoned && ReadBytes(c.input, header, sizeof header) == sizeof header) {
-    OpenElement(c.document, kSession.name);
-    header_plan.Render(c.document, header);
+  for (;;) {
+    BeginRecord(w);
+    const uint32_t got = Read(w, header, sizeof header);
+    if (got != sizeof header) {
+      LeaveOut(w, sizeof header);
+      return;
+    }
+    w->listener->BeginGroup(kSession, nullptr);
+    Tell(w, kSessionHeader, header, w->record_at, got);
     const auto elements = Load<int32_t>(header + kElementsNumAt);
     for (int32_t i = 0; i < elements; ++i) {
       uint8_t element[kElement.size];
-      if (ReadBytes(c.input, element, sizeof element) != sizeof element) break;
-      element_plan.Render(c.document, element);
+      const uint64_t at = w->position;
+      if (Read(w, element, sizeof element) != sizeof element) break;
+      Tell(w, kElement, element, at, sizeof element, {}, static_cast<uint32_t>(i));
     }
-    CloseElement(c.document);
+    w->listener->EndGroup();
+    const uint64_t count = elements > 0 ? static_cast<uint64_t>(elements) : 0;
+    if (!EndRecord(w, sizeof header + count * kElement.size)) return;
   }
 }
 
@@ -65,10 +72,11 @@ const RecordType kSessions = {
         "named in lower camel case, unlike those of every other type.",
     .list = nullptr,
     .record = &kSession,
-    .write = WriteSessions,
+    .walk = WalkSessions,
     .settings_at = 0,
     .records_at = kFileHeaderSize,
     .cut = {kSessionHeader.size, "elements that are not whole are left out"},
+    .size = [](const UifParams&) -> uint64_t { return 0; },
 };
 
 }  // namespace quorvex

@@ -9,7 +9,7 @@ const RecordType kSettingsOnly = {
     .about = "The settings and nothing else: there is not even an empty list of records.",
     .list = nullptr,
     .record = nullptr,
-    .write = nullptr,
+    .walk = nullptr,
     .state = true,
 };
 

@@ -4,9 +4,9 @@
 #include <cstring>
 
 #include "records/record_types.h"
+#include "records/walk.h"
 #include "support/loads.h"
 #include "support/memory.h"
-#include "xml/plan.h"
 
 namespace quorvex {
 namespace {
@@ -19,7 +19,7 @@ constexpr Field kHeadRows[] = {
     F32("TIME_STEP", 16, "time from packet to packet"),
     I32("TRIGGER", 20, "what started the recording"),
     I32("DURATION", 28, "duration of the recording"),
-    I32("PACKETS_NUM", kPacketsAt, "number of packets"),
+    I32("PACKETS_NUM", kPacketsAt, "number of packets").Counts(INT32_MAX),
     F32("TRESHOLD", 24, "trigger threshold"),
     I32("FLAG", 40, "flag of the recording"),
     Gap(36, 4),
@@ -78,23 +78,17 @@ constexpr uint32_t PacketSize() {
 }
 static_assert(PacketSize() == 68);
 
-struct Writer {
-  const Conversion& c;
-  Plan head{kHead, kAllCases};
-  Plan end_times{Rows(0, kEndTimes), kAllCases};
-  Plan levels{Rows(0, kLevels), kAllCases};
-  Plan flags{Rows(0, kFlags), kAllCases};
-  Tracked<uint8_t> piece{kPiecePackets * kDateTimeSize};
+constexpr Field kEndTimesPiece = Rows(0, kEndTimes);
+constexpr Field kLevelsPiece = Rows(0, kLevels);
+constexpr Field kFlagsPiece = Rows(0, kFlags);
 
-  const Plan& PlanOf(const Field& array) const {
-    if (array.rows == kLevels) return levels;
-    return array.rows == kEndTimes ? end_times : flags;
-  }
-};
+const Field& LayoutOfPieces(const Field& array) {
+  if (array.rows == kLevels) return kLevelsPiece;
+  return array.rows == kEndTimes ? kEndTimesPiece : kFlagsPiece;
+}
 
-// A piece of an array, to be read where the file stands.
-struct Piece {
-  uint64_t at;          // its place in the file
+// A part of an array, to be read where the walk stands.
+struct ArrayPart {
   uint32_t size;        // in bytes
   uint64_t array_size;  // of the array that it is from
   uint32_t earlier;     // arrays of this size in front of it
@@ -102,60 +96,63 @@ struct Piece {
 
 // The arrays of levels share one block, each read over the one before. Where the file ends early,
 // the block still holds what the array before left there, which the file has one array earlier.
-// Where nothing was, there are zeros.
-void ReadPiece(Writer& w, const Piece& piece) {
-  uint8_t* to = w.piece.get();
-  uint32_t filled = ReadBytes(w.c.input, to, piece.size);
-  if (filled == piece.size) return;
-  uint64_t at = piece.at;
-  for (uint32_t left = piece.earlier; filled < piece.size && left > 0; --left) {
-    at -= piece.array_size;
-    if (!SeekTo(w.c.input, at + filled)) break;
-    filled += ReadBytes(w.c.input, to + filled, piece.size - filled);
+// Where nothing was, there are zeros. Returns how many bytes were the array's own.
+uint32_t ReadPart(Walk* w, const ArrayPart& part, uint8_t* to) {
+  const uint64_t begin = w->position;
+  const uint32_t own = Read(w, to, part.size);
+  if (own == part.size) return own;
+  uint32_t filled = own;
+  uint64_t at = begin;
+  for (uint32_t left = part.earlier; filled < part.size && left > 0; --left) {
+    at -= part.array_size;
+    if (!MoveTo(w, at + filled)) break;
+    filled += Read(w, to + filled, part.size - filled);
   }
-  std::memset(to + filled, 0, piece.size - filled);
-  SeekTo(w.c.input, w.c.whole_size);
+  std::memset(to + filled, 0, part.size - filled);
+  MoveTo(w, begin + part.size);
+  return own;
 }
 
-// Writes the arrays of `packets` entries that begin at byte `at`.
-void WriteData(Writer& w, uint64_t at, uint32_t packets) {
-  OpenElement(w.c.document, kData.name);
+// Tells the arrays of `packets` entries that begin where the walk stands.
+void TellArrays(Walk* w, uint32_t packets, uint8_t* buffer) {
+  w->listener->BeginGroup(kData, nullptr);
   uint32_t levels_before = 0;
   for (const Field& array : kArrays) {
     const uint32_t entry = EntrySize(array);
     const uint32_t earlier = array.rows == kLevels ? levels_before++ : 0;
-    const Plan& plan = w.PlanOf(array);
-    OpenElement(w.c.document, array.name);
+    w->listener->BeginGroup(array, nullptr);
     for (uint32_t done = 0; done < packets; done += kPiecePackets) {
       const uint32_t count = std::min(kPiecePackets, packets - done);
-      ReadPiece(w, {at, count * entry, uint64_t{packets} * entry, earlier});
-      plan.Render(w.c.document, w.piece.get(), {.number = {static_cast<int32_t>(count)}});
-      at += count * entry;
+      const uint64_t at = w->position;
+      const uint32_t own = ReadPart(w, {count * entry, uint64_t{packets} * entry, earlier}, buffer);
+      Inputs inputs;
+      inputs.number[0] = static_cast<int32_t>(count);
+      Tell(w, LayoutOfPieces(array), buffer, at, own, inputs, done);
     }
-    CloseElement(w.c.document);
+    w->listener->EndGroup();
   }
-  CloseElement(w.c.document);
+  w->listener->EndGroup();
 }
 
-void WriteSignalling(const Conversion& c) {
-  if (c.whole_size < c.type.records_at) return;
-  Writer w{c};
+void WalkSignalling(Walk* w) {
+  const uint64_t size = w->recording->size;
+  if (size < w->type.records_at) return;
+  Tracked<uint8_t> buffer(kPiecePackets * kDateTimeSize);
   uint8_t head[kHead.size] = {};  // what a last head lacks is left from the one before
-  const uint32_t length = c.size - kHeadSize;
-  uint64_t position = 0;
-  while (position < length && !c.document->abandoned) {
-    ReadBytes(c.input, head, sizeof head);
-    position += sizeof head;
-    const auto announced = Load<int32_t>(head + kPacketsAt);
+  const uint64_t end = kHeadSize + uint64_t{static_cast<uint32_t>(size) - kHeadSize};
+  while (w->position < end) {
+    BeginRecord(w);
+    const uint32_t own = Read(w, head, sizeof head);
+    const auto announced = std::max(Load<int32_t>(head + kPacketsAt), 0);
     // No file holds more packets than bytes: such a count is damage, and what follows it is lost.
-    const bool plausible = announced <= 0 || static_cast<uint32_t>(announced) <= c.whole_size;
-    const uint32_t packets = announced > 0 && plausible ? static_cast<uint32_t>(announced) : 0;
-    OpenElement(c.document, kRecording.name);
-    w.head.Render(c.document, head);
-    WriteData(w, kHeadSize + position, packets);
-    CloseElement(c.document);
-    if (!plausible) return;
-    position += uint64_t{packets} * PacketSize();
+    const bool plausible = static_cast<uint32_t>(announced) <= size;
+    w->listener->BeginGroup(kRecording, nullptr);
+    Tell(w, kHead, head, w->record_at, own);
+    if (own != sizeof head) MoveTo(w, w->record_at + sizeof head);
+    TellArrays(w, plausible ? static_cast<uint32_t>(announced) : 0, buffer.get());
+    w->listener->EndGroup();
+    const uint64_t record_size = sizeof head + static_cast<uint64_t>(announced) * PacketSize();
+    if (!EndRecord(w, record_size) || !plausible) return;
   }
 }
 
@@ -169,8 +166,9 @@ const RecordType kSignalling = {
         "entry for each packet. A negative number of packets means none.",
     .list = "RECORDS",
     .record = &kRecording,
-    .write = WriteSignalling,
+    .walk = WalkSignalling,
     .cut = {1, "what it lacks is left over from what was read before (zeros in the first)"},
+    .size = [](const UifParams&) -> uint64_t { return 0; },
 };
 
 }  // namespace quorvex

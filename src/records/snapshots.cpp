@@ -3,9 +3,9 @@
 #include "records/channel_groups.h"
 #include "records/channels.h"
 #include "records/record_types.h"
+#include "records/walk.h"
 #include "support/loads.h"
 #include "support/memory.h"
-#include "xml/plan.h"
 
 namespace quorvex {
 namespace {
@@ -35,7 +35,7 @@ constexpr Field kResultsRows[] = {
 // What stands in front of the channels. Without an element of its own: the channels follow inside
 // the same one.
 constexpr Field kFrontRows[] = {
-    Rows(0, kRecordStartRows),
+    Rows(0, kRecordStartRows<kScopeCountAt, kScopeRoom>),
     Group("RESULTS", kResultsAt, kResultsRows, "results of the whole system"),
 };
 constexpr Field kFront = Record("", kRms12At + Rms12ListSize(kRms12LongRoom), kFrontRows);
@@ -63,40 +63,52 @@ constexpr Field kSnapshotRows[] = {
 };
 constexpr Field kSnapshot = Record("RECORD_RESULTS", kFront.size, kSnapshotRows, "a snapshot");
 
-void WriteChannels(const Conversion& c, const Plan& plan, const Inputs& scales, int32_t count,
-                   uint8_t* block) {
+void TellChannels(Walk* w, const Inputs& scales, int32_t count, uint8_t* block) {
   for (const Field& row : kChannelRows) {
-    if ((row.cases & CaseOf(c.settings)) == 0) continue;
-    ReadBytes(c.input, block, kChannelBlockSize);
+    if ((row.cases & w->which) == 0) continue;
+    const uint64_t at = w->position;
+    const uint32_t got = Read(w, block, kChannelBlockSize);
     const int pair = 2 * ChannelOf(row.name);
     Inputs inputs;
     inputs.number[kScopeCount] = count;
     inputs.scale[0] = scales.scale[pair];
     inputs.scale[1] = scales.scale[pair + 1];
-    OpenElement(c.document, row.name);
-    plan.Render(c.document, block, inputs);
-    CloseElement(c.document);
+    w->listener->BeginGroup(row, nullptr);
+    Tell(w, kSnapshotChannel, block, at, got, inputs);
+    w->listener->EndGroup();
   }
+}
+
+uint32_t ResultsSize(const UifParams& settings) {
+  const uint32_t room = settings.reduced_lists != 0 ? kRms12LongRoom : kRms12Room;
+  return kResultsSize + Rms12ListSize(room);
+}
+
+uint64_t SizeOfSnapshot(const UifParams& settings) {
+  return uint64_t{kRecordStartSize} + ResultsSize(settings) +
+         uint64_t{RowsIn(kChannelRows, CaseOf(settings))} * kChannelBlockSize;
 }
 
 // One buffer serves every snapshot and one every channel, so what a file cut short lacks is left
 // from what was read before.
-void WriteSnapshots(const Conversion& c) {
-  const Plan front_plan(kFront, CaseOf(c.settings));
-  const Plan channel_plan(kSnapshotChannel, CaseOf(c.settings));
-  const uint32_t room = c.settings.reduced_lists != 0 ? kRms12LongRoom : kRms12Room;
+void WalkSnapshots(Walk* w) {
+  const uint64_t size = SizeOfSnapshot(w->settings);
   Inputs scales;
-  SampleScales(c.settings, NeutralRange::kOfPhases, scales.scale);
+  SampleScales(w->settings, NeutralRange::kOfPhases, scales.scale);
   Tracked<uint8_t> snapshot(kSnapshot.size);
   Tracked<uint8_t> channel(kChannelBlockSize);
-  while (ReadBytes(c.input, snapshot.get(), kRecordStartSize) == kRecordStartSize) {
-    ReadBytes(c.input, snapshot.get() + kResultsAt, kResultsSize + Rms12ListSize(room));
-    OpenElement(c.document, kSnapshot.name);
-    front_plan.Render(c.document, snapshot.get());
-    WriteChannels(c, channel_plan, scales, Load<int32_t>(snapshot.get() + kScopeCountAt),
-                  channel.get());
-    CloseElement(c.document);
-    if (!ReportPosition(c)) return;
+  for (;;) {
+    BeginRecord(w);
+    if (Read(w, snapshot.get(), kRecordStartSize) != kRecordStartSize) {
+      LeaveOut(w, size);
+      return;
+    }
+    Read(w, snapshot.get() + kResultsAt, ResultsSize(w->settings));
+    w->listener->BeginGroup(kSnapshot, nullptr);
+    Tell(w, kFront, snapshot.get(), w->record_at, w->position - w->record_at);
+    TellChannels(w, scales, Load<int32_t>(snapshot.get() + kScopeCountAt), channel.get());
+    w->listener->EndGroup();
+    if (!EndRecord(w, size) || !ReportPosition(*w)) return;
   }
 }
 
@@ -109,18 +121,18 @@ const RecordType kSnapshots = {
         "A snapshot is its start, the totals of the three accumulation periods, the latest "
         "half-cycle readings and a block for each channel of the connection, one behind the "
         "other. The list of readings has room for 90, or for 330 where lists are reduced; it is "
-        "stored whole whatever its count. Connections of an unknown code have no channels. The "
-        "word at 20 is the number of samples of each waveform. Samples are raw steps of the "
-        "converter, written in volts and amperes: times the step of the range, its calibration "
+        "stored whole whatever its count. Connections of an unknown code have no channels. "
+        "Samples are raw steps of the converter, written in volts and amperes: times the step of "
+        "the range, its calibration "
         "and the ratios of the transformers.",
     .list = "RECORDS",
     .record = &kSnapshot,
-    .write = WriteSnapshots,
+    .walk = WalkSnapshots,
     .companion = true,
     .state = true,
     .progress = true,
     .cut = {kRecordStartSize, kFilledFromBefore.rest},
-    .samples_at = kScopeCountAt,
+    .size = SizeOfSnapshot,
 };
 
 }  // namespace quorvex

@@ -1,5 +1,6 @@
 // Type 12: an index of transient captures.
 #include "records/record_types.h"
+#include "records/walk.h"
 #include "settings/settings_table.h"
 
 namespace quorvex {
@@ -27,7 +28,7 @@ const RecordType kTransients = {
         "lacks of its settings is taken from those of the file.",
     .list = "RECORDS",
     .record = &kEntry,
-    .write = WriteCountedRecords,
+    .walk = WalkCountedRecords,
     .record_settings_at = kNameSize,
     .cut = kFilledFromBefore,
 };

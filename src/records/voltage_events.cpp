@@ -1,5 +1,6 @@
 // Type 8: voltage events: dips, swells, interruptions.
 #include "records/record_types.h"
+#include "records/walk.h"
 
 namespace quorvex {
 namespace {
@@ -95,7 +96,7 @@ const RecordType kVoltageEvents = {
         "the thresholds in force follow it. A last record that is cut short is left out.",
     .list = "TRANSITIONS",
     .record = &kTransition,
-    .write = WriteRecordsToEnd,
+    .walk = WalkRecordsToEnd,
     .settings_at = kLongSettingsAt,
     .records_at = kLongHeadSize + kInformation.size,
     .state = true,

@@ -3,9 +3,9 @@
 
 #include "records/record_types.h"
 #include "records/result_groups.h"
+#include "records/walk.h"
 #include "support/memory.h"
 #include "support/numbers.h"
-#include "xml/plan.h"
 
 namespace quorvex {
 namespace {
@@ -109,20 +109,18 @@ const Field* ChooseByInterval(const UifParams& settings) {
 
 constexpr LayoutChoice kChoice = {kLayouts, std::size(kLayouts), ChooseByInterval};
 
-void WriteIntervals(const Conversion& c) {
-  const Field& layout = *ChooseByInterval(c.settings);
-  const float behind_head = static_cast<float>(static_cast<int64_t>(c.size) - kHeadSize);
-  const int32_t expected = TruncateToInt(behind_head / static_cast<float>(layout.size) + 0.5f);
-  const Plan plan(layout, CaseOf(c.settings));
-  Tracked<uint8_t> record(layout.size);
+void WalkIntervals(Walk* w) {
+  const auto size = static_cast<uint32_t>(w->recording->size);
+  const float behind_head = static_cast<float>(static_cast<int64_t>(size) - kHeadSize);
+  const int32_t expected = TruncateToInt(behind_head / static_cast<float>(w->layout->size) + 0.5f);
+  Tracked<uint8_t> record(w->layout->size);
   int32_t done = 0;
   do {
-    if (ReadBytes(c.input, record.get(), layout.size) != layout.size) return;
-    plan.Render(c.document, record.get());
+    if (!ReadWhole(w, record.get()) || !TellRecord(w, record.get())) return;
     ++done;
-    if (c.request.progress != nullptr) {
+    if (w->options.progress != nullptr) {
       const float fraction = static_cast<float>(done) / static_cast<float>(expected);
-      if (!Report(c.request, fraction)) return;
+      if (!Report(w->options, fraction)) return;
     }
   } while (done <= expected);
 }
@@ -139,7 +137,7 @@ const RecordType kVoltageQuality = {
         "recordings. A last record that is cut short is left out.",
     .list = "RECORDS",
     .record = nullptr,
-    .write = WriteIntervals,
+    .walk = WalkIntervals,
     .companion = true,
     .state = true,
     .harmonics_flag = true,

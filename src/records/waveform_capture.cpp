@@ -3,25 +3,24 @@
 
 #include "records/channels.h"
 #include "records/record_types.h"
-#include "records/waveform_element.h"
+#include "records/walk.h"
 #include "support/memory.h"
-#include "xml/plan.h"
 
 namespace quorvex {
 namespace {
 
-// A capture is read and written in pieces, so its length does not matter to memory.
-constexpr uint32_t kPieceSamples = 4096;
+// A capture is read in parts, so its length does not matter to memory.
+constexpr uint32_t kPartSamples = 4096;
 constexpr uint32_t kSampleSize = 4;
 constexpr char kLength[] = "TRANSIENTS_RECORD_PARAMS/NUM";
 constexpr Field kVoltageSamples[] = {
-    ScaledF32("v", 0, 0, "sample", "V").Times(kPieceSamples).CountInput(0, kLength).InPieces(),
+    ScaledF32("v", 0, 0, "sample", "V").Times(kPartSamples).CountInput(0, kLength).InPieces(),
 };
 constexpr Field kCurrentSamples[] = {
-    ScaledF32("v", 0, 0, "sample", "A").Times(kPieceSamples).CountInput(0, kLength).InPieces(),
+    ScaledF32("v", 0, 0, "sample", "A").Times(kPartSamples).CountInput(0, kLength).InPieces(),
 };
-constexpr Field kPiece = Record("", kPieceSamples* kSampleSize, kVoltageSamples);
-static_assert(Tiles(kPiece));
+constexpr Field kPart = Record("", kPartSamples* kSampleSize, kVoltageSamples);
+static_assert(Tiles(kPart));
 
 constexpr Field Voltage(const char* label, Cases in) {
   return Group("U", kVoltageSamples, "voltage waveform").Phase(label).In(in).Behind();
@@ -30,7 +29,7 @@ constexpr Field Current(const char* label, Cases in) {
   return Group("I", kCurrentSamples, "current waveform").Phase(label).In(in).Behind();
 }
 constexpr Field FreeSlot(Cases in) {
-  return Gap(0, kSampleSize).Times(kPieceSamples).CountInput(0, kLength).InPieces().In(in).Behind();
+  return Gap(0, kSampleSize).Times(kPartSamples).CountInput(0, kLength).InPieces().In(in).Behind();
 }
 constexpr Field kVoltageSlots[] = {
     Voltage("u1", kPhase1),
@@ -75,24 +74,23 @@ constexpr Field kCaptureRows[] = {
 };
 constexpr Field kRecord = Record("RECORD_RESULTS", 0, kCaptureRows, "the capture");
 
-struct Capture {
-  const Conversion& c;
-  const Plan& plan;
-  uint64_t waveform_size;  // bytes
-  uint8_t* piece;
-  uint64_t read_from[2 * kSlots];  // where the waveforms so far stand in the file
-  int read_count;
+// Where the waveforms of a capture stand in the file, as far as they were told.
+struct Told {
+  uint64_t from[2 * kSlots];
+  int count = 0;
 };
 
 // Reads bytes `from` to `from + size` of the newest waveform. Where the file ends before, the
 // instrument's own buffer would still hold the waveform before, whose bytes are in the file.
-void ReadPiece(Capture* capture, uint64_t from, uint32_t size) {
-  uint32_t got = 0;
-  for (int i = capture->read_count - 1; i >= 0 && got < size; --i) {
-    if (!SeekTo(capture->c.input, capture->read_from[i] + from + got)) continue;
-    got += ReadBytes(capture->c.input, capture->piece + got, size - got);
+// Returns how many bytes were the waveform's own.
+uint32_t ReadPart(Walk* w, const Told& told, uint64_t from, uint32_t size, uint8_t* to) {
+  uint32_t got = 0, own = 0;
+  for (int i = told.count - 1; i >= 0 && got < size; --i) {
+    if (MoveTo(w, told.from[i] + from + got)) got += Read(w, to + got, size - got);
+    if (i == told.count - 1) own = got;
   }
-  std::fill(capture->piece + got, capture->piece + size, uint8_t{0});
+  std::fill(to + got, to + size, uint8_t{0});
+  return own;
 }
 
 // Captured samples are floats, calibrated by the instrument: what is left is the transformers. The
@@ -118,52 +116,53 @@ const char* VoltageLabel(const UifParams& settings, const char* label) {
   return delta && by_phase && channel < kNeutral ? kPhases[channel] : label;
 }
 
-void WriteWaveform(Capture* capture, const Field& row, int slot) {
-  XmlWriter* document = capture->c.document;
-  const UifParams& settings = capture->c.settings;
+void TellWaveform(Walk* w, const Field& row, uint64_t size, Told* told, uint8_t* buffer) {
   const bool voltage = row.rows == kVoltageSamples;
-  const char* label = voltage ? VoltageLabel(settings, row.phase) : row.phase;
-  const float scale =
-      voltage ? CaptureVoltageScale(settings) : CaptureCurrentScale(settings, ChannelOf(row.phase));
-  capture->read_from[capture->read_count++] =
-      kHeadSize + static_cast<uint64_t>(slot) * capture->waveform_size;
-  OpenWaveform(document, row.name, label);
-  for (uint64_t from = 0; from < capture->waveform_size; from += kPiece.size) {
-    const auto size =
-        static_cast<uint32_t>(std::min<uint64_t>(kPiece.size, capture->waveform_size - from));
-    ReadPiece(capture, from, size);
-    Inputs inputs;
-    inputs.number[0] = static_cast<int32_t>(size / kSampleSize);
-    inputs.scale[0] = scale;
-    capture->plan.Render(document, capture->piece, inputs);
+  const char* label = voltage ? VoltageLabel(w->settings, row.phase) : row.phase;
+  Inputs inputs;
+  inputs.scale[0] = voltage ? CaptureVoltageScale(w->settings)
+                            : CaptureCurrentScale(w->settings, ChannelOf(row.phase));
+  w->listener->BeginGroup(row, label);
+  const uint64_t at = told->from[told->count - 1];
+  for (uint64_t from = 0; from < size; from += kPart.size) {
+    const auto part = static_cast<uint32_t>(std::min<uint64_t>(kPart.size, size - from));
+    const uint32_t own = ReadPart(w, *told, from, part, buffer);
+    inputs.number[0] = static_cast<int32_t>(part / kSampleSize);
+    Tell(w, kPart, buffer, at + from, own, inputs, static_cast<uint32_t>(from / kSampleSize));
   }
-  CloseElement(document);
+  w->listener->EndGroup();
 }
 
-// More samples than the file has bytes are no length but damage.
-uint64_t SamplesOf(const Conversion& c) {
-  const auto samples = static_cast<int32_t>(c.settings.transients.num);
-  if (samples < 0 || static_cast<uint64_t>(samples) > c.whole_size) return 0;
-  return static_cast<uint64_t>(samples);
+uint64_t SizeOfCapture(const UifParams& settings) {
+  const auto samples = static_cast<int32_t>(settings.transients.num);
+  return samples < 0 ? 0 : static_cast<uint64_t>(samples) * kSampleSize * (2 * kSlots);
 }
 
-void WriteCapture(const Conversion& c) {
-  const Plan plan(kPiece, CaseOf(c.settings));
-  Tracked<uint8_t> piece(kPiece.size);
-  Capture capture = {c, plan, SamplesOf(c) * kSampleSize, piece.get(), {}, 0};
-  OpenElement(c.document, kRecord.name);
-  int slot = 0;
+void WalkCapture(Walk* w) {
+  BeginRecord(w);
+  const uint64_t size = SizeOfCapture(w->settings);
+  // More samples than the file has bytes are no length but damage.
+  const bool plausible = size / (kSampleSize * 2 * kSlots) <= w->recording->size;
+  const uint64_t waveform_size = plausible ? size / (2 * kSlots) : 0;
+  Tracked<uint8_t> buffer(kPart.size);
+  Told told{};
+  uint64_t slot_at = kHeadSize;
+  w->listener->BeginGroup(kRecord, nullptr);
   for (const Field& quantity : kCaptureRows) {
-    OpenElement(c.document, quantity.name);
+    w->listener->BeginGroup(quantity, nullptr);
     for (uint32_t r = 0; r < quantity.row_count; ++r) {
       const Field& row = quantity.rows[r];
-      if ((row.cases & CaseOf(c.settings)) == 0) continue;
-      if (row.kind != Kind::kGap) WriteWaveform(&capture, row, slot);
-      ++slot;
+      if ((row.cases & w->which) == 0) continue;
+      if (row.kind != Kind::kGap) {
+        told.from[told.count++] = slot_at;
+        TellWaveform(w, row, waveform_size, &told, buffer.get());
+      }
+      slot_at += waveform_size;
     }
-    CloseElement(c.document);
+    w->listener->EndGroup();
   }
-  CloseElement(c.document);
+  w->listener->EndGroup();
+  EndRecord(w, size);
 }
 
 }  // namespace
@@ -179,11 +178,13 @@ const RecordType kWaveformCapture = {
         "neutral moves up into the slot that phase 3 leaves free; its voltage does not.",
     .list = "RECORDS",
     .record = &kRecord,
-    .write = WriteCapture,
+    .walk = WalkCapture,
     .companion = true,
     .state = true,
     .once = true,
     .cut = {0, "what it lacks is left over from the waveform before (zeros in the first)"},
+    .size = SizeOfCapture,
+    .counted_at = offsetof(UifParams, transients.num),
 };
 
 }  // namespace quorvex

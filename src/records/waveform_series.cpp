@@ -4,17 +4,17 @@
 #include "records/channel_groups.h"
 #include "records/channels.h"
 #include "records/record_types.h"
-#include "records/waveform_element.h"
+#include "records/walk.h"
 #include "support/loads.h"
 #include "support/memory.h"
-#include "xml/plan.h"
 
 namespace quorvex {
 namespace {
 
 constexpr uint32_t kWaveformRoom = 1500;
 
-constexpr Field kRecordStart = Record("", kRecordStartSize, kRecordStartRows);
+constexpr Field kRecordStart =
+    Record("", kRecordStartSize, kRecordStartRows<kUsedSamplesAt, kWaveformRoom>);
 static_assert(Tiles(kRecordStart));
 
 constexpr char kUsedSamples[] = "numUsedSamples";
@@ -47,7 +47,7 @@ constexpr Field kQuantities[] = {
     Group("CURRENTS", kCurrentRows, "currents of the connection"),
 };
 constexpr Field kRecordRows[] = {
-    Rows(0, kRecordStartRows),
+    kRecordStart,
     Rows(0, kQuantities),
 };
 constexpr Field kRecord =
@@ -61,40 +61,52 @@ struct SeriesRecord {
 };
 
 // `scales` are of each channel's pair the one of this quantity.
-void WriteQuantity(const Conversion& c, const Plan& plan, const Field& quantity,
-                   uint8_t (&places)[kMeasuredChannels][kWaveform.size], const float* scales,
-                   int32_t count) {
-  OpenElement(c.document, quantity.name);
+void TellQuantity(Walk* w, const Field& quantity,
+                  uint8_t (&places)[kMeasuredChannels][kWaveform.size], const float* scales,
+                  int32_t count) {
+  w->listener->BeginGroup(quantity, nullptr);
   for (uint32_t r = 0; r < quantity.row_count; ++r) {
     const Field& row = quantity.rows[r];
-    if ((row.cases & CaseOf(c.settings)) == 0) continue;
+    if ((row.cases & w->which) == 0) continue;
     const int channel = ChannelOf(row.phase);
-    ReadBytes(c.input, places[channel], kWaveform.size);
+    const uint64_t at = w->position;
+    const uint32_t got = Read(w, places[channel], kWaveform.size);
     Inputs inputs;
     inputs.number[0] = count;
     inputs.scale[0] = scales[2 * channel];
-    OpenWaveform(c.document, row.name, row.phase);
-    plan.Render(c.document, places[channel], inputs);
-    CloseElement(c.document);
+    w->listener->BeginGroup(row, row.phase);
+    Tell(w, kWaveform, places[channel], at, got, inputs);
+    w->listener->EndGroup();
   }
-  CloseElement(c.document);
+  w->listener->EndGroup();
 }
 
-void WriteSeries(const Conversion& c) {
-  const Plan start_plan(kRecordStart, CaseOf(c.settings));
-  const Plan waveform_plan(kWaveform, CaseOf(c.settings));
+uint64_t SizeOfRecord(const UifParams& settings) {
+  const Cases which = CaseOf(settings);
+  return kRecordStartSize +
+         uint64_t{RowsIn(kVoltageRows, which) + RowsIn(kCurrentRows, which)} * kWaveform.size;
+}
+
+void WalkSeries(Walk* w) {
   float pairs[2 * kMeasuredChannels];
-  SampleScales(c.settings, NeutralRange::kOwn, pairs);
+  SampleScales(w->settings, NeutralRange::kOwn, pairs);
+  const uint64_t size = SizeOfRecord(w->settings);
   Tracked<SeriesRecord> record;
-  while (ReadBytes(c.input, record->start, kRecordStartSize) == kRecordStartSize) {
-    const auto used = Load<int32_t>(record->start + kUsedSamplesAt);
-    OpenElement(c.document, kRecord.name);
-    start_plan.Render(c.document, record->start);
-    for (size_t q = 0; q < std::size(kQuantities); ++q) {
-      WriteQuantity(c, waveform_plan, kQuantities[q], record->waveforms[q], pairs + q, used);
+  for (;;) {
+    BeginRecord(w);
+    const uint32_t got = Read(w, record->start, kRecordStartSize);
+    if (got != kRecordStartSize) {
+      LeaveOut(w, size);
+      return;
     }
-    CloseElement(c.document);
-    if (!ReportPosition(c)) return;
+    const auto used = Load<int32_t>(record->start + kUsedSamplesAt);
+    w->listener->BeginGroup(kRecord, nullptr);
+    Tell(w, kRecordStart, record->start, w->record_at, got);
+    for (size_t q = 0; q < std::size(kQuantities); ++q) {
+      TellQuantity(w, kQuantities[q], record->waveforms[q], pairs + q, used);
+    }
+    w->listener->EndGroup();
+    if (!EndRecord(w, size) || !ReportPosition(*w)) return;
   }
 }
 
@@ -111,11 +123,12 @@ const RecordType kWaveformSeries = {
         "ratios of the transformers.",
     .list = "RECORDS",
     .record = &kRecord,
-    .write = WriteSeries,
+    .walk = WalkSeries,
     .companion = true,
     .state = true,
     .progress = true,
     .cut = {kRecordStartSize, kFilledFromBefore.rest},
+    .size = SizeOfRecord,
 };
 
 }  // namespace quorvex

@@ -30,4 +30,12 @@ inline Cases CaseOf(const UifParams& settings) {
   return CaseOf(settings.connection, settings.reduced_lists != 0);
 }
 
+// How many rows of a table a recording of this case has.
+template <size_t N>
+constexpr uint32_t RowsIn(const Field (&rows)[N], Cases which) {
+  uint32_t count = 0;
+  for (const Field& row : rows) count += (row.cases & which) != 0 ? 1 : 0;
+  return count;
+}
+
 }  // namespace quorvex

@@ -5,10 +5,11 @@
 #include <cassert>
 #include <cstring>
 
+#include "support/escape_text.h"
 #include "support/loads.h"
 #include "support/memory.h"
+#include "xml/base64.h"
 #include "xml/number_text.h"
-#include "xml/text_forms.h"
 
 namespace quorvex {
 
@@ -188,24 +189,27 @@ bool HasOwnLine(Kind kind) { return kind == Kind::kFlagWord || kind == Kind::kSp
 
 }  // namespace
 
-Plan::Plan(const Field& table, Cases which) : which_(which), text_(CreateWriter(nullptr)) {
+Plan::Plan(const Field& table, Cases which) : which_(which), tags_(CreateWriter(nullptr)) {
   steps_ = static_cast<PlanStep*>(
       Allocate((MostSteps(table) + 1) * static_cast<uint32_t>(sizeof(PlanStep))));
   Add(table, 0, 0);
   AddStep(nullptr, 0, 0);
-  assert(text_->depth == 0);
-  Reserve(text_, kCopyPiece);
+  assert(tags_->depth == 0);
+  // What is kept is as large as it must be: a recording may need several plans.
+  text_ = static_cast<char*>(Allocate(tags_->position + kCopyPiece));
+  std::memcpy(text_, tags_->buffer, tags_->position);
+  CloseWriter(tags_);
 }
 
 Plan::~Plan() {
   Release(steps_);
-  CloseWriter(text_);
+  Release(text_);
 }
 
 // The text written since the last step stands before this one. Steps in a row ask for their room
 // together, at the first of them.
 void Plan::AddStep(const Field* f, uint32_t offset, uint32_t step) {
-  const uint32_t text_size = text_->position - text_used_;
+  const uint32_t text_size = tags_->position - text_used_;
   const uint32_t room = text_size + kCopyPiece + (f != nullptr ? LongestText(*f) : 0);
   if (gathering_ == nullptr || gathering_->room + room > kMostRoom) {
     gathering_ = &steps_[step_count_];
@@ -215,7 +219,7 @@ void Plan::AddStep(const Field* f, uint32_t offset, uint32_t step) {
   steps_[step_count_++] = {f,   text_used_, offset, step, 0, 0, static_cast<uint16_t>(text_size),
                            kind};
   gathering_->room += room;
-  text_used_ = text_->position;
+  text_used_ = tags_->position;
 }
 
 void Plan::Add(const Field& f, uint32_t place, uint32_t step) {
@@ -239,24 +243,24 @@ void Plan::AddRows(const Field& f, uint32_t offset, uint32_t step) {
   char attributes[64] = "";
   if (f.phase != nullptr) PhaseAttribute(f.phase, attributes, sizeof attributes);
   if (f.kind == Kind::kGroup) {
-    if (f.name[0] != '\0') OpenElement(text_, f.name, attributes);
+    if (f.name[0] != '\0') OpenElement(tags_, f.name, attributes);
     for (uint32_t r = 0; r < f.row_count; ++r) {
       const Field& row = f.rows[r];
       Add(row, offset, f.repeated && row.every != 0 ? row.every : step);
     }
-    if (f.name[0] != '\0') CloseElement(text_);
+    if (f.name[0] != '\0') CloseElement(tags_);
   } else if (HasOwnLine(f.kind)) {
-    OpenElement(text_, f.name, attributes);
+    OpenElement(tags_, f.name, attributes);
     AddStep(&f, offset, step);
-    CloseElement(text_);
+    CloseElement(tags_);
   } else {
-    PutText(text_, "<");
-    PutText(text_, f.name);
-    PutText(text_, ">");
+    PutText(tags_, "<");
+    PutText(tags_, f.name);
+    PutText(tags_, ">");
     AddStep(&f, offset, step);
-    PutText(text_, "</");
-    PutText(text_, f.name);
-    PutText(text_, ">\r\n");
+    PutText(tags_, "</");
+    PutText(tags_, f.name);
+    PutText(tags_, ">\r\n");
   }
 }
 
@@ -266,7 +270,7 @@ void Plan::Render(XmlWriter* to, const void* record, const Inputs& inputs) const
 
 void Plan::Run(XmlWriter* to, uint32_t from, uint32_t end, const uint8_t* base, uint32_t repetition,
                const Inputs& inputs) const {
-  const char* text = text_->buffer;
+  const char* text = text_;
   char* out = to->buffer + to->position;
   for (uint32_t i = from; i < end; ++i) {
     const PlanStep& s = steps_[i];
@@ -302,8 +306,8 @@ void Plan::RunLoop(XmlWriter* to, uint32_t loop, const uint8_t* place, const Inp
   Tags tags{};
   tags.open_size = value.text_size;
   tags.between_size = static_cast<uint32_t>(close.text_size) + value.text_size;
-  std::memcpy(tags.open, text_->buffer + value.text_at, value.text_size);
-  std::memcpy(tags.between, text_->buffer + close.text_at, close.text_size);
+  std::memcpy(tags.open, text_ + value.text_at, value.text_size);
+  std::memcpy(tags.between, text_ + close.text_at, close.text_size);
   std::memcpy(tags.between + close.text_size, tags.open, value.text_size);
   const uint8_t* values = place + value.offset;
   const uint32_t step = value.step;

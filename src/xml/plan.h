@@ -30,7 +30,8 @@ class Plan {
   void RunLoop(XmlWriter* to, uint32_t loop, const uint8_t* place, const Inputs& inputs) const;
 
   Cases which_;
-  XmlWriter* text_;  // the tags, written once into memory
+  XmlWriter* tags_;  // while the plan is made: the tags, written into memory
+  char* text_;       // the same to stay
   uint32_t text_used_ = 0;
   PlanStep* steps_;
   uint32_t step_count_ = 0;

@@ -1,8 +1,8 @@
 // quorvex check: whether recordings are sound, for people and for programs.
 #include "commands.h"
 #include "gather.h"
+#include "inspection.h"
 #include "json.h"
-#include "record_check.h"
 
 namespace quorvex::tool {
 namespace {
@@ -14,7 +14,7 @@ ExitCode CodeOf(const CheckResult& result) {
 }
 
 Json ToJson(const std::string& path, const CheckResult& result) {
-  Json entry = JsonOf(path, result.recording, result.records);
+  Json entry = JsonOf(path, result.recording, result.recording.records);
   const bool silent = result.findings.list.empty();
   entry["worst"] = silent ? Json() : Json(NameOf(result.findings.worst));
   entry["findings"] = Json::array();

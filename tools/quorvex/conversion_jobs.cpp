@@ -6,13 +6,16 @@
 #include <condition_variable>
 #include <cstdio>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <thread>
 #include <vector>
 
+#include "findings/soundness.h"
 #include "gather.h"
 #include "messages.h"
 #include "scratch.h"
+#include "xml/conversion.h"
 
 namespace quorvex::tool {
 namespace {
@@ -43,17 +46,31 @@ bool GoOn(int error) {
   return false;
 }
 
-// The library's conversion. Its outcome is the job's where it is a failure.
-bool ConvertInto(const std::string& document, Job* job) {
-  const Recording& recording = job->recording;
+// The library's conversion, and where `check` is set what a check finds on the same way. Its
+// outcome is the job's where it is a failure.
+bool ConvertInto(const std::string& document, bool check, Job* job) {
   current_job = job;
   errno = 0;
-  // Of a profile without a layout there is nothing to convert; the library would only count, for
-  // ever where the range has no end.
-  const bool countable = recording.has_layout;
-  const bool converted =
-      ConvertRecording(*recording.type, {job->input.c_str(), document.c_str(), job->range.first,
-                                         job->range.last, countable ? OnProgress : nullptr, GoOn});
+  RecordingHead head(job->input.c_str());
+  // What is there now may be another recording than the one that was looked at.
+  const bool same = head.type == job->recording.type && !HeadProblem(head);
+  bool converted = false;
+  if (same) {
+    head.UseSettingFile();
+    std::optional<Soundness> soundness;
+    if (check) soundness.emplace(&head, !IsSpooled(job->input));
+    // Of a profile without a layout there is nothing to convert; the library would only count, for
+    // ever where the range has no end.
+    const auto progress = job->recording.has_layout ? OnProgress : nullptr;
+    converted = ConvertRecording(&head, {document.c_str(),
+                                         {job->range.first, job->range.last, progress},
+                                         GoOn,
+                                         soundness ? &*soundness : nullptr});
+    if (soundness) job->findings = soundness->Result();
+    if (!check && !job->recording.has_layout) {
+      job->findings.Add(NoLayout(job->recording.profile));
+    }
+  }
   const int error = errno;
   current_job = nullptr;
   job->waiting = false;
@@ -118,7 +135,7 @@ void RunJob(Job* job, const Placing& placing, unsigned worker, Documents* docume
   const bool to_stdout = job->output.empty();
   // Into a device or a pipe the document goes directly: there is no name to keep clean.
   if (!to_stdout && IsSpecial(job->output)) {
-    ConvertInto(job->output, job);
+    ConvertInto(job->output, placing.check, job);
     return;
   }
   Scratch scratch(to_stdout ? kOutputSlot : worker);
@@ -129,7 +146,7 @@ void RunJob(Job* job, const Placing& placing, unsigned worker, Documents* docume
   if (scratch.path().size() > kMaxPath) {
     return job->Fail(kNoOutput, job->named, "the path is too long");
   }
-  if (!ConvertInto(scratch.path(), job)) return;
+  if (!ConvertInto(scratch.path(), placing.check, job)) return;
   if (to_stdout) {
     CopyToOutput(scratch.path(), job);
   } else {
@@ -176,11 +193,7 @@ bool RunJobs(std::deque<Job>* jobs, const Placing& placing, unsigned workers, Pr
       if (job.problem.empty() && Interrupted()) job.Fail(kCancelled, job.input, "cancelled");
       if (job.problem.empty()) {
         RunJob(&job, placing, worker, &documents);
-        if (placing.check && job.code == kDone) {
-          job.findings = CheckRecording(job.input).findings;
-        } else if (job.code == kDone && !job.recording.has_layout) {
-          job.findings.Add(NoLayout(job.recording.profile));
-        }
+        if (job.code != kDone) job.findings = {};
       }
       finish(&job);
     }

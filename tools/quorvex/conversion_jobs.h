@@ -5,8 +5,8 @@
 #include <deque>
 #include <string>
 
+#include "inspection.h"
 #include "progress.h"
-#include "record_check.h"
 
 namespace quorvex::tool {
 

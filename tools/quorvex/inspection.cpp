@@ -6,16 +6,15 @@
 #include <cstring>
 #include <iterator>
 
-#include "places.h"
+#include "findings/soundness.h"
 #include "quorvex64.h"
-#include "record_shape.h"
+#include "records/walk.h"
 #include "scratch.h"
-#include "settings/setting_file.h"
 #include "settings/settings_table.h"
 #include "settings/time_texts.h"
 #include "settings/value_texts.h"
+#include "support/escape_text.h"
 #include "support/file.h"
-#include "xml/text_forms.h"
 
 namespace quorvex::tool {
 namespace {
@@ -66,36 +65,13 @@ void Fail(Recording* recording, ExitCode code, const std::string& problem) {
   recording->problem = problem;
 }
 
-void ReadHead(const std::string& path, Recording* recording, UifParams* settings) {
-  File file(path.c_str(), kOpenRead);
-  if (!file) return Fail(recording, kNoInput, LastError());
-  FileHeader header{};
-  const uint32_t got = ReadBytes(file.get(), &header, sizeof header);
-  if (std::ferror(file.get()->stream) != 0) return Fail(recording, kNoInput, "cannot be read");
-  recording->size = SizeOf(file.get());
-  uint64_t head = sizeof header;
-  if (got == head) {
-    recording->header = header;
-    recording->type = FindRecordType(header.type);
-    if (recording->type == nullptr) {
-      return Fail(recording, kUnknownType,
-                  "is of the unknown record type " + std::to_string(header.type));
-    }
-    head = recording->type->records_at;
-  }
-  if (got < sizeof header || recording->size < head) {
-    return Fail(recording, kCutShort,
-                "ends inside its head (" + std::to_string(recording->size) + " of " +
-                    std::to_string(head) + " bytes)");
-  }
-  const RecordType& type = *recording->type;
-  if (type.settings_at != 0 && SeekTo(file.get(), type.settings_at)) {
-    ReadBytes(file.get(), settings, kSettingsSize);
-  }
-  if (type.companion) recording->setting_file = LoadSettingFile(path.c_str(), settings) == 0;
-  recording->has_layout = type.choice == nullptr || type.choice->choose(*settings) != nullptr;
-  recording->profile = settings->profile;
-  recording->records = RecordCount(*recording, *settings);
+std::optional<uint64_t> WholeRecords(const RecordingHead& head) {
+  const RecordType& type = *head.type;
+  if (type.walk == nullptr) return 0;
+  const uint64_t size = RecordSize(type, head.settings);
+  if (size == 0) return std::nullopt;
+  const uint64_t records = (head.size - type.records_at) / size;
+  return type.once ? std::min<uint64_t>(records, 1) : records;
 }
 
 std::string InfoLine(const std::string& path) {
@@ -106,29 +82,79 @@ std::string InfoLine(const std::string& path) {
 
 }  // namespace
 
-Recording Inspect(const std::string& path, UifParams* settings) {
+Recording Inspect(RecordingHead* head) {
   Recording recording;
-  UifParams own{};
-  if (settings == nullptr) settings = &own;
-  if (path.size() > kMaxPath) {
-    Fail(&recording, kNoInput, "the path is longer than 511 bytes");
-  } else if (IsFolder(path)) {
-    Fail(&recording, kNoInput, "is a folder");
-  } else if (IsSpecial(path)) {
-    Fail(&recording, kNoInput, "is no regular file");
-  } else {
-    ReadHead(path, &recording, settings);
+  if (!head->file) {
+    Fail(&recording, kNoInput, LastError());
+    return recording;
   }
+  if (std::ferror(head->file.get()->stream) != 0) {
+    Fail(&recording, kNoInput, "cannot be read");
+    return recording;
+  }
+  recording.size = head->size;
+  if (head->size >= sizeof head->header) {
+    recording.header = head->header;
+    recording.type = head->type;
+  }
+  if (const std::optional<Finding> problem = HeadProblem(*head)) {
+    const bool unknown = recording.header && head->type == nullptr;
+    Fail(&recording, unknown ? kUnknownType : kCutShort, problem->text);
+    return recording;
+  }
+  head->UseSettingFile();
+  recording.setting_file = head->setting_file;
+  recording.has_layout =
+      head->type->walk == nullptr || LayoutOf(*head->type, head->settings) != nullptr;
+  recording.profile = head->settings.profile;
+  recording.records = WholeRecords(*head);
   return recording;
 }
 
-std::optional<uint64_t> RecordCount(const Recording& recording, const UifParams& settings) {
-  const RecordType& type = *recording.type;
-  if (type.write == nullptr) return 0;
-  const uint64_t size = FixedRecordSize(ShapeOf(type, settings));
-  if (size == 0) return std::nullopt;
-  const uint64_t records = (recording.size - type.records_at) / size;
-  return type.once ? std::min<uint64_t>(records, 1) : records;
+namespace {
+
+// What stands at `path` where that is no file: empty for one, and for nothing.
+std::string NoFile(const std::string& path) {
+  if (path.size() > kMaxPath) return "the path is longer than 511 bytes";
+  if (IsFolder(path)) return "is a folder";
+  return IsSpecial(path) ? "is no regular file" : "";
+}
+
+}  // namespace
+
+Recording Inspect(const std::string& path) {
+  const std::string problem = NoFile(path);
+  if (problem.empty()) {
+    RecordingHead head(path.c_str());
+    return Inspect(&head);
+  }
+  Recording recording;
+  Fail(&recording, kNoInput, problem);
+  return recording;
+}
+
+CheckResult CheckRecording(const std::string& path) {
+  CheckResult result;
+  const std::string problem = NoFile(path);
+  if (!problem.empty()) {
+    Fail(&result.recording, kNoInput, problem);
+    result.findings.Add({Severity::kError, FindingKind::kHead, std::nullopt, 0, "", problem});
+    return result;
+  }
+  RecordingHead head(path.c_str());
+  result.recording = Inspect(&head);
+  if (result.recording.code != kDone) {
+    const std::optional<Finding> in_head = HeadProblem(head);
+    result.findings.Add(head.file && in_head
+                            ? *in_head
+                            : Finding{Severity::kError, FindingKind::kHead, std::nullopt, 0, "",
+                                      result.recording.problem});
+    return result;
+  }
+  Soundness soundness(&head, !IsSpooled(path));
+  WalkRecording(&head, {}, &soundness);
+  result.findings = soundness.Result();
+  return result;
 }
 
 std::vector<InfoValue> InfoValues(const std::string& path, const RecordType& type) {
@@ -165,7 +191,7 @@ namespace {
 
 // Of records that follow each other in time the information line has an estimate; the last whole
 // record knows better.
-void ReadEnd(const UifParams& settings, Facts* facts) {
+void ReadEnd(RecordingHead* head, Facts* facts) {
   const Recording& r = facts->recording;
   const auto end = std::find_if(facts->values.begin(), facts->values.end(), [](const InfoValue& v) {
     return std::strcmp(v.field.label, kEnd.label) == 0;
@@ -177,17 +203,13 @@ void ReadEnd(const UifParams& settings, Facts* facts) {
     return;
   }
   facts->end_from = r.setting_file ? "settings" : "estimate";
-  if (r.records.value_or(0) == 0) return;
-  const RecordShape shape = ShapeOf(*r.type, settings);
-  const Places places = PlacesOf(*shape.layout, shape.which);
-  const auto place = std::find_if(places.all.begin(), places.all.end(),
-                                  [](const Place& p) { return p.element == "LAST_TIME"; });
-  if (place == places.all.end()) return;
-  File file(facts->path.c_str(), kOpenRead);
-  const uint64_t last = r.type->records_at + (*r.records - 1) * FixedRecordSize(shape);
+  const Field* layout = LayoutOf(*r.type, head->settings);
+  if (r.records.value_or(0) == 0 || layout == nullptr) return;
+  const int32_t place = DateTimeAt(*layout, "LAST_TIME");
+  const uint64_t last = r.type->records_at + (*r.records - 1) * layout->size;
   DateTimeRecord time{};
-  if (!file || !SeekTo(file.get(), last + place->offset) ||
-      ReadBytes(file.get(), &time, sizeof time) != sizeof time || !IsPointInTime(time)) {
+  if (place < 0 || !SeekTo(head->file.get(), last + static_cast<uint32_t>(place)) ||
+      ReadBytes(head->file.get(), &time, sizeof time) != sizeof time || !IsPointInTime(time)) {
     return;
   }
   char text[48];
@@ -202,12 +224,18 @@ void ReadEnd(const UifParams& settings, Facts* facts) {
 Facts FactsOf(const std::string& path) {
   Facts facts;
   facts.path = path;
-  UifParams settings{};
-  facts.recording = Inspect(path, &settings);
+  const std::string problem = NoFile(path);
+  if (!problem.empty()) {
+    Fail(&facts.recording, kNoInput, problem);
+    return facts;
+  }
+  RecordingHead head(path.c_str());
+  facts.recording = Inspect(&head);
+  const UifParams& settings = head.settings;
   if (facts.recording.code != kDone) return facts;
   const RecordType& type = *facts.recording.type;
   facts.values = InfoValues(path, type);
-  ReadEnd(settings, &facts);
+  ReadEnd(&head, &facts);
   if (type.settings_at == 0) return facts;
   char text[kLongestMadeText];
   const auto* place = reinterpret_cast<const uint8_t*>(&settings);

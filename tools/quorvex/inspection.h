@@ -6,13 +6,13 @@
 #include <string>
 #include <vector>
 
+#include "findings/findings.h"
 #include "host.h"
-#include "records/recording.h"
+#include "records/recording_head.h"
 
 namespace quorvex::tool {
 
-// The head of a recording, or why it has none. A file that ends inside its head keeps what there
-// is.
+// The head of a recording, or why it has none.
 struct Recording {
   ExitCode code = kDone;
   std::string problem;  // empty where there is none
@@ -22,13 +22,18 @@ struct Recording {
   bool setting_file = false;  // its settings are those of a setting file
   bool has_layout = true;     // for its records; the settings may name none
   uint32_t profile = 0;
-  std::optional<uint64_t> records;  // see RecordCount
+  std::optional<uint64_t> records;  // whole ones; nothing where they differ in size
 };
-// `settings`, where asked for, are those in force: the setting file's where the type takes one.
-Recording Inspect(const std::string& path, UifParams* settings = nullptr);
+Recording Inspect(const std::string& path);
+// The same of a head that is read already, with the settings in force.
+Recording Inspect(RecordingHead* head);
 
-// Whole records of a recording; nothing where records differ in size or have no layout.
-std::optional<uint64_t> RecordCount(const Recording& recording, const UifParams& settings);
+// What a check says of a recording.
+struct CheckResult {
+  Recording recording;
+  Findings findings;
+};
+CheckResult CheckRecording(const std::string& path);
 
 // The fields of the record information line.
 enum class InfoForm : uint8_t {

@@ -1,10 +1,10 @@
 // quorvex count and version: small questions.
 #include "commands.h"
+#include "findings/soundness.h"
 #include "gather.h"
 #include "inspection.h"
 #include "messages.h"
 #include "quorvex64.h"
-#include "record_check.h"
 
 namespace quorvex::tool {
 

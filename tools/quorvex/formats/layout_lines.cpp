@@ -152,7 +152,8 @@ void Flatten(const Field& group, const Around& around, std::vector<LayoutLine>* 
     }
     line.type = TypeText(f);
     if (f.kind == Kind::kGap) {
-      line.meaning = "not written";
+      line.meaning = f.meaning;
+      Join(&line.meaning, "not written");
     } else {
       line.path = inside.path;
       line.phases = inside.phase;

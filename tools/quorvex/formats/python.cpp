@@ -2,12 +2,11 @@
 // records of a file and finds their times without a second description.
 #include <algorithm>
 #include <cstddef>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
 #include "generate.h"
-#include "places.h"
-#include "record_shape.h"
 #include "records/record_types.h"
 #include "settings/settings_table.h"
 #include "support/loads.h"
@@ -38,18 +37,11 @@ std::string ByCase(std::vector<uint64_t> sizes) {
 }
 
 // Where a record has a point in time, as an argument; nothing where it has none of these names.
-std::string TimeAt(const Field& group, const std::vector<std::string>& names, uint32_t place,
+std::string TimeAt(const Field& layout, std::initializer_list<const char*> names,
                    const std::string& argument) {
-  for (uint32_t r = 0; r < group.row_count; ++r) {
-    const Field& f = group.rows[r];
-    if (f.kind != Kind::kGroup || f.repeated || f.behind) continue;
-    const uint32_t at = place + f.offset;
-    if (f.name[0] == '\0') {
-      std::string inside = TimeAt(f, names, at, argument);
-      if (!inside.empty()) return inside;
-    } else if (IsDateTime(f) && std::find(names.begin(), names.end(), f.name) != names.end()) {
-      return ", " + argument + "=" + Number(at);
-    }
+  for (const char* name : names) {
+    const int32_t at = DateTimeAt(layout, name);
+    if (at >= 0) return ", " + argument + "=" + std::to_string(at);
   }
   return "";
 }
@@ -57,25 +49,28 @@ std::string TimeAt(const Field& group, const std::vector<std::string>& names, ui
 // `settings` choose the layout.
 std::string LayoutText(const RecordType& type, UifParams settings) {
   std::vector<uint64_t> sizes, per_count;
-  RecordShape shape;
   for (uint8_t reduced = 0; reduced < 2; ++reduced) {
     for (uint8_t connection = 0; connection < kConnections; ++connection) {
       settings.connection = connection;
       settings.reduced_lists = reduced;
-      shape = ShapeOf(type, settings);
-      sizes.push_back(shape.size);
-      per_count.push_back(shape.size_per_count);
+      const auto size_with = [&](uint32_t count) {
+        if (type.counted_at >= 0) {
+          Store(reinterpret_cast<uint8_t*>(&settings) + type.counted_at, count);
+        }
+        return RecordSize(type, settings);
+      };
+      sizes.push_back(size_with(0));
+      per_count.push_back(size_with(1) - size_with(0));
     }
   }
-  std::string text = "Layout(sizes=" + (shape.count_at >= 0 ? "()" : ByCase(sizes));
-  if (shape.endless && shape.count_at < 0) {
-    const std::string name = shape.count_element.substr(shape.count_element.find('/') + 1);
-    std::string element;
-    text += ", per_count=" + ByCase(per_count) +
-            ", count_at=" + std::to_string(FindWord(kSettingsBlock, kAllCases, name, &element));
+  const bool differ = type.counted_at < 0 && sizes[0] == 0;
+  std::string text = "Layout(sizes=" + (differ ? "()" : ByCase(sizes));
+  if (type.counted_at >= 0) {
+    text += ", per_count=" + ByCase(per_count) + ", count_at=" + std::to_string(type.counted_at);
   }
-  return text + TimeAt(*shape.layout, {"START_TIME"}, 0, "start_at") +
-         TimeAt(*shape.layout, {"LAST_TIME", "END_TIME"}, 0, "end_at") + ")";
+  const Field& layout = *LayoutOf(type, settings);
+  return text + TimeAt(layout, {"START_TIME"}, "start_at") +
+         TimeAt(layout, {"LAST_TIME", "END_TIME"}, "end_at") + ")";
 }
 
 // What chooses a type's layouts, and which: by the value of that word, None for every other value.

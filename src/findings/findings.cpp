@@ -1,8 +1,8 @@
-#include "findings.h"
+#include "findings/findings.h"
 
 #include <algorithm>
 
-namespace quorvex::tool {
+namespace quorvex {
 
 const char* NameOf(Severity severity) {
   constexpr const char* kNames[] = {"note", "warning", "error"};
@@ -52,4 +52,4 @@ std::vector<std::string> LinesOf(const Findings& findings, Severity least) {
   return lines;
 }
 
-}  // namespace quorvex::tool
+}  // namespace quorvex

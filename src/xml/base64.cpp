@@ -1,4 +1,4 @@
-#include "xml/text_forms.h"
+#include "xml/base64.h"
 
 #include <tmmintrin.h>
 
@@ -52,25 +52,7 @@ __attribute__((target("ssse3"))) uint32_t EncodeWide(const uint8_t* source, uint
   return done;
 }
 
-bool IsKept(char c) {
-  const bool letter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-  const bool digit = c >= '0' && c <= '9';
-  return letter || digit || std::strchr(" .,!%&=+-*/_", c) != nullptr;
-}
-
 }  // namespace
-
-char* EscapeText(const char* source, char* to, uint32_t limit) {
-  for (uint32_t i = 0; i < limit && source[i] != '\0'; ++i) {
-    const char c = source[i];
-    if (c == '\n' || c == '\r') {
-      *to++ = '\\';
-    } else {
-      *to++ = IsKept(c) ? c : '?';
-    }
-  }
-  return to;
-}
 
 char* Base64Encode(const uint8_t* source, uint32_t size, char* to) {
   uint32_t i = __builtin_cpu_supports("ssse3") ? EncodeWide(source, size, to) : 0;

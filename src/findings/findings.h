@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace quorvex::tool {
+namespace quorvex {
 
 enum class Severity : uint8_t {
   kNote,     // worth knowing
@@ -48,4 +48,4 @@ struct Findings {
 // A line for each finding, and one for each kind that has more; below `least` they are left out.
 std::vector<std::string> LinesOf(const Findings& findings, Severity least);
 
-}  // namespace quorvex::tool
+}  // namespace quorvex

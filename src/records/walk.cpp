@@ -1,0 +1,130 @@
+#include "records/walk.h"
+
+#include "settings/settings_table.h"
+#include "support/loads.h"
+#include "support/memory.h"
+
+namespace quorvex {
+namespace {
+
+void TellHead(Walk* w) {
+  RecordingHead* head = w->recording;
+  Tell(w, kFileHeader, &head->header, 0, sizeof(FileHeader));
+  const RecordType& type = w->type;
+  if (type.settings_at == 0) return;
+  Inputs inputs;
+  inputs.number[kHarmonicsFlag] = type.harmonics_flag ? 1 : 0;
+  Tell(w, kSettingsBlock, &head->settings, type.settings_at, kSettingsSize, inputs);
+  if (type.information == nullptr) return;
+  const uint64_t at = type.settings_at + kSettingsSize;
+  Tell(w, *type.information, head->information, at, head->PresentAt(at, type.information->size));
+}
+
+}  // namespace
+
+bool WalkRecording(RecordingHead* recording, const WalkOptions& options, Listener* listener) {
+  const RecordType& type = *recording->type;
+  WalkOptions reached = options;
+  if (!type.progress) reached.progress = nullptr;
+  const UifParams& settings = recording->settings;
+  Walk w = {type,      settings, LayoutOf(type, settings), CaseOf(settings), reached,
+            recording, listener};
+  TellHead(&w);
+  if (type.walk == nullptr) return true;
+  Field list;
+  list.kind = Kind::kGroup;
+  list.name = type.list != nullptr ? type.list : "";
+  if (type.list != nullptr) listener->BeginGroup(list, nullptr);
+  const bool there = MoveTo(&w, type.records_at);
+  if (there) type.walk(&w);
+  if (type.list != nullptr) listener->EndGroup();
+  return there;
+}
+
+bool MoveTo(Walk* w, uint64_t position) {
+  w->position = position;
+  return SeekTo(w->recording->file.get(), position);
+}
+
+uint32_t Read(Walk* w, void* to, uint32_t size) {
+  const uint32_t got = ReadBytes(w->recording->file.get(), to, size);
+  w->position += got;
+  return got;
+}
+
+void BeginRecord(Walk* w) {
+  ++w->record;
+  w->record_at = w->position;
+}
+
+void Tell(Walk* w, const Field& layout, const void* bytes, uint64_t at, uint64_t present,
+          const Inputs& inputs, uint32_t first) {
+  w->listener->Bytes({layout, bytes, at, present, w->record, inputs, first});
+}
+
+bool EndRecord(Walk* w, uint64_t size) {
+  const uint64_t present = w->recording->PresentAt(w->record_at, size);
+  return w->listener->EndRecord({w->record, w->record_at, size, present, true});
+}
+
+bool LeaveOut(Walk* w, uint64_t size) {
+  const uint64_t present = w->position - w->record_at;
+  if (present != 0) w->listener->EndRecord({w->record, w->record_at, size, present, false});
+  return false;
+}
+
+bool ReadWhole(Walk* w, uint8_t* record) {
+  const uint32_t size = w->layout->size;
+  BeginRecord(w);
+  return Read(w, record, size) == size || LeaveOut(w, size);
+}
+
+bool TellRecord(Walk* w, const uint8_t* record, const Inputs& inputs) {
+  Tell(w, *w->layout, record, w->record_at, w->position - w->record_at, inputs);
+  return EndRecord(w, w->layout->size);
+}
+
+// Not inline, so that the fraction is computed before the settings change hands.
+__attribute__((noinline)) bool Report(const WalkOptions& options, float fraction) {
+  if (options.host_floats != nullptr) RestoreFloats(*options.host_floats);
+  const int32_t answer = options.progress(fraction);
+  if (options.host_floats != nullptr) {
+    SaveFloats(options.host_floats);
+    SetOwnFloats();
+  }
+  return answer >= 0;
+}
+
+bool ReportPosition(const Walk& w) {
+  if (w.options.progress == nullptr) return true;
+  const auto size = static_cast<uint32_t>(w.recording->size);
+  return Report(w.options, static_cast<float>(w.position) / static_cast<float>(size));
+}
+
+uint32_t CountRecords(uint32_t file_size, uint32_t record_size) {
+  const uint32_t behind_head = file_size - kHeadSize;
+  return behind_head == 0 ? 0 : (behind_head - 1) / record_size + 1;
+}
+
+void WalkCountedRecords(Walk* w) {
+  if (w->recording->size < w->type.records_at) return;
+  const uint32_t record_size = w->layout->size;
+  Tracked<uint8_t> record(record_size);
+  if (w->type.record_settings_at != 0) {
+    Store(record.get() + w->type.record_settings_at, w->settings);
+  }
+  const uint32_t count = CountRecords(static_cast<uint32_t>(w->recording->size), record_size);
+  for (uint32_t i = 0; i < count; ++i) {
+    BeginRecord(w);
+    Read(w, record.get(), record_size);
+    if (!TellRecord(w, record.get())) return;
+  }
+}
+
+void WalkRecordsToEnd(Walk* w) {
+  Tracked<uint8_t> record(w->layout->size);
+  while (ReadWhole(w, record.get()) && TellRecord(w, record.get()) && ReportPosition(*w)) {
+  }
+}
+
+}  // namespace quorvex
