@@ -2,190 +2,13 @@
 
 #include <cstring>
 
-#include "records/record_types.h"
+#include "records/information.h"
 #include "records/recording_head.h"
 #include "settings/instrument_state.h"
-#include "settings/time_texts.h"
-#include "settings/value_texts.h"
-#include "support/file.h"
 #include "support/memory.h"
 
 namespace quorvex {
 namespace {
-
-// A recording as far as its head tells.
-struct Head {
-  RecordingHead recording;
-  const UifParams* in_force = nullptr;  // what the texts of levels are made with
-  bool estimated = false;  // no setting file: the end follows from the number of records
-  int32_t records = 0;     // where it is estimated
-
-  explicit Head(const char* path) : recording(path) {
-    const bool periodic = recording.header.type == 1 || recording.header.type == 16;
-    if (!periodic) return;
-    recording.UseSettingFile();
-    estimated = !recording.setting_file;
-    if (!estimated) return;
-    // Two record sizes for all profiles and for voltage quality too: file lists have always shown
-    // this estimate, however far it is off for the others.
-    constexpr uint32_t kStandardProfile = 2;
-    const int32_t record_size = recording.settings.profile == kStandardProfile ? 4608 : 40448;
-    records = static_cast<int32_t>(static_cast<uint32_t>(recording.size) - kHeadSize) / record_size;
-  }
-};
-
-void PutTime(const DateTimeRecord& time, BoundedText* to) {
-  to->Put(" '");
-  DateTimeText(time, TimeDetail::kMilliseconds, to);
-  to->Put('\'');
-}
-
-void PutQuoted(const char* text, BoundedText* to) {
-  to->Put(" '");
-  to->Put(text);
-  to->Put('\'');
-}
-
-void PutDuration(uint32_t seconds, BoundedText* to) {
-  to->Put(" '");
-  DurationText(seconds, to);
-  to->Put('\'');
-}
-
-void PutPeriods(uint32_t periods, BoundedText* to) {
-  to->Put(" '");
-  to->PutInteger(static_cast<int32_t>(periods));
-  to->Put(" periods'");
-}
-
-void PutLevel(const Head& head, float level, uint32_t trigger, BoundedText* to) {
-  to->Put(" '");
-  LevelText(level, trigger, *head.in_force, to, true);
-  to->Put('\'');
-}
-
-void PutValue(float value, const ValueDescriptor& descriptor, BoundedText* to) {
-  to->Put(" '");
-  const ShownUnit unit = DescribedValueText(static_cast<double>(value), descriptor, to);
-  to->Put(UnitText(unit.code));
-  to->Put('\'');
-}
-
-const char* SlopeText(uint32_t slope) {
-  constexpr const char* kSlopes[] = {"", "Rise", "Fall", "Any"};
-  return slope < 4 ? kSlopes[slope] : "";
-}
-
-void DescribePeriodic(Head& head, BoundedText* to) {
-  const UifParams& s = head.recording.settings;
-  DateTimeRecord end = s.time_last_packet;
-  if (head.estimated) {
-    end = s.start_time;
-    AddSeconds(&end, static_cast<float>(s.interval * static_cast<uint32_t>(head.records)));
-  }
-  PutTime(s.start_time, to);
-  PutTime(end, to);
-  to->Put(" '");
-  IntervalText(s.interval, to);
-  to->Put('\'');
-}
-
-void DescribeSnapshots(Head& head, BoundedText* to) {
-  const WaveRecordParams& wave = head.recording.settings.wave;
-  PutTime(wave.start_time, to);
-  PutTime(wave.end_time, to);
-  PutQuoted(TriggerKindText(wave.trigger), to);
-  if (wave.trigger == kTriggerLevelU || wave.trigger == kTriggerLevelI) {
-    PutLevel(head, wave.level, wave.trigger, to);
-    PutQuoted(SlopeText(wave.slope), to);
-  } else {
-    PutQuoted("-", to);
-    PutQuoted("-", to);
-  }
-  PutDuration(wave.duration, to);
-  PutDuration(wave.pretrigger, to);
-}
-
-void DescribeWaveform(Head& head, BoundedText* to) {
-  const TransientsParams& transients = head.recording.settings.transients;
-  PutTime(transients.start_time, to);
-  PutTime(transients.end_time, to);
-  PutQuoted(TriggerKindText(transients.trigger), to);
-  PutValue(transients.level_u, kVoltageDescriptor, to);
-  PutValue(transients.env_u, kVoltageDescriptor, to);
-  PutValue(transients.level_un, kVoltageDescriptor, to);
-  PutValue(transients.env_un, kVoltageDescriptor, to);
-  PutValue(transients.level_i, kCurrentDescriptor, to);
-  PutValue(transients.env_i, kCurrentDescriptor, to);
-  PutValue(transients.level_in, kCurrentDescriptor, to);
-  PutValue(transients.env_in, kCurrentDescriptor, to);
-}
-
-void DescribeWaveformSeries(Head& head, BoundedText* to) {
-  const TransientsParams& transients = head.recording.settings.transients;
-  PutTime(transients.start_time, to);
-  PutTime(transients.end_time, to);
-  PutQuoted(TriggerKindText(transients.trigger), to);
-  if (transients.trigger == kTriggerEnvelope) {
-    PutValue(transients.level, kVoltageDescriptor, to);
-  } else {
-    PutQuoted("-", to);
-  }
-  PutPeriods(transients.duration, to);
-  PutPeriods(transients.pretrigger, to);
-}
-
-void DescribeInrush(Head& head, BoundedText* to) {
-  const InrushParams& inrush = head.recording.settings.inrush;
-  PutTime(inrush.start_time, to);
-  PutTime(inrush.end_time, to);
-  PutLevel(head, inrush.level, kTriggerLevelI, to);
-  PutQuoted(SlopeText(inrush.slope), to);
-  PutDuration(inrush.duration, to);
-  PutDuration(inrush.pretrigger, to);
-  to->Put(' ');
-  to->PutInteger(static_cast<int32_t>(head.recording.settings.rand_mark));
-}
-
-// Reads what there is at a position; the rest keeps what it held.
-void ReadAt(RecordingHead* recording, uint64_t position, void* to, uint32_t count) {
-  if (SeekTo(recording->file.get(), position)) ReadBytes(recording->file.get(), to, count);
-}
-
-// Where a type's first record has an element.
-uint64_t PlaceOf(const RecordType& type, const char* name) {
-  const Field* row = type.record->rows;
-  while (std::strcmp(row->name, name) != 0) ++row;
-  return uint64_t{type.records_at} + row->offset;
-}
-
-void DescribeLiveResults(Head& head, BoundedText* to) {
-  DateTimeRecord start{};
-  ReadAt(&head.recording, PlaceOf(kLiveResults, "TIME_START"), &start, sizeof start);
-  PutTime(start, to);
-}
-
-void DescribeEnergyMeter(Head& head, BoundedText* to) {
-  const uint32_t record_size = kEnergyMeter.record->size;
-  const uint32_t count = (static_cast<uint32_t>(head.recording.size) - kHeadSize) / record_size;
-  const uint64_t end_at = PlaceOf(kEnergyMeter, "END_TIME");
-  DateTimeRecord start{}, end{};
-  ReadAt(&head.recording, PlaceOf(kEnergyMeter, "START_TIME"), &start, sizeof start);
-  PutTime(start, to);
-  // A file without a whole record leaves the first one's end standing.
-  ReadAt(&head.recording, end_at, &end, sizeof end);
-  ReadAt(&head.recording, end_at + uint64_t{count - 1} * record_size, &end, sizeof end);
-  PutTime(end, to);
-}
-
-constexpr struct {
-  uint32_t type;
-  void (*describe)(Head& head, BoundedText* to);
-} kDescriptions[] = {
-    {1, DescribePeriodic},        {2, DescribeSnapshots},    {5, DescribeWaveform},
-    {6, DescribeLiveResults},     {14, DescribeInrush},      {16, DescribePeriodic},
-    {17, DescribeWaveformSeries}, {18, DescribeEnergyMeter},
-};
 
 bool EndsInRec(const char* path) {
   const char* extension = std::strrchr(path, '.');
@@ -198,20 +21,30 @@ bool EndsInRec(const char* path) {
   return *extension == '\0';
 }
 
+void PutLine(RecordingHead* recording, BoundedText* to) {
+  InfoValue values[kMostInfoFields];
+  bool estimated = false;
+  const uint32_t count = InfoValues(recording, values, &estimated);
+  if (count == 0) return;
+  const ScopedState state(estimated ? nullptr : &recording->settings);
+  to->PutInteger(static_cast<int32_t>(recording->header.type));
+  for (uint32_t i = 0; i < count; ++i) {
+    const char* quote = values[i].field->form == InfoForm::kNumber ? "" : "'";
+    to->Put(' ');
+    to->Put(quote);
+    InfoText(values[i], state->settings, to);
+    to->Put(quote);
+  }
+}
+
 }  // namespace
 
 void DescribeRecording(const char* path, char* text) {
   Tracked<char> line(kRecordInfoRoom);
   BoundedText to(line.get(), kRecordInfoRoom);
   if (EndsInRec(path)) {
-    Head head(path);
-    const ScopedState state(head.estimated ? nullptr : &head.recording.settings);
-    head.in_force = &state->settings;
-    for (const auto& description : kDescriptions) {
-      if (!head.recording.file || description.type != head.recording.header.type) continue;
-      to.PutInteger(static_cast<int32_t>(head.recording.header.type));
-      description.describe(head, &to);
-    }
+    RecordingHead recording(path);
+    PutLine(&recording, &to);
   }
   std::strcpy(text, line.get());
 }

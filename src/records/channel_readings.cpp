@@ -2,6 +2,7 @@
 #include "records/record_types.h"
 #include "records/sample_scales.h"
 #include "records/walk.h"
+#include "settings/value_texts.h"
 #include "support/loads.h"
 
 namespace quorvex {
@@ -42,38 +43,43 @@ void WalkReadings(Walk* w) {
   }
 }
 
+// The instrument keeps two lists of readings, in one format. The second comes with an inrush
+// recording, whose parameters its information line shows.
+constexpr RecordType Readings(uint32_t type, const char* name, const InfoLine& line) {
+  return {
+      .type = type,
+      .name = name,
+      .about =
+          "Each reading is a voltage and a current of one channel, scaled like the samples of a "
+          "waveform; of unknown channels they stay raw. Scaling takes no notice of missing "
+          "values, which then no longer read as such; only the current of a neutral without a "
+          "clamp stays missing. A last record that is cut short is left out.",
+      .list = "RECORDS",
+      .record = &kReading,
+      .walk = WalkReadings,
+      .companion = true,
+      .state = true,
+      .progress = true,
+      .line = line,
+  };
+}
+
+#define AT(member) offsetof(UifParams, inrush.member)
+constexpr InfoField kInrushInfo[] = {
+    {"start", InfoForm::kTime, AT(start_time)},
+    {"end", InfoForm::kTime, AT(end_time)},
+    {"level", InfoForm::kLevel, AT(level), {}, kTriggerLevelI},
+    {"slope", InfoForm::kSlope, AT(slope)},
+    {"duration", InfoForm::kDuration, AT(duration)},
+    {"pretrigger", InfoForm::kDuration, AT(pretrigger)},
+    {"mark", InfoForm::kNumber, offsetof(UifParams, rand_mark)},
+};
+#undef AT
+
 }  // namespace
 
-const RecordType kChannelReadings = {
-    .type = 3,
-    .name = "channel readings",
-    .about =
-        "Each reading is a voltage and a current of one channel, scaled like the samples of a "
-        "waveform; of unknown channels they stay raw. Scaling takes no notice of missing "
-        "values, which then no longer read as such; only the current of a neutral without a "
-        "clamp stays missing. A last record that is cut short is left out.",
-    .list = "RECORDS",
-    .record = &kReading,
-    .walk = WalkReadings,
-    .companion = true,
-    .state = true,
-    .progress = true,
-};
-
-const RecordType kMoreChannelReadings = {
-    .type = 14,
-    .name = "channel readings (second list)",
-    .about =
-        "Each reading is a voltage and a current of one channel, scaled like the samples of a "
-        "waveform; of unknown channels they stay raw. Scaling takes no notice of missing "
-        "values, which then no longer read as such; only the current of a neutral without a "
-        "clamp stays missing. A last record that is cut short is left out.",
-    .list = "RECORDS",
-    .record = &kReading,
-    .walk = WalkReadings,
-    .companion = true,
-    .state = true,
-    .progress = true,
-};
+constinit const RecordType kChannelReadings = Readings(3, "channel readings", {});
+constinit const RecordType kMoreChannelReadings =
+    Readings(14, "channel readings (second list)", kInrushInfo);
 
 }  // namespace quorvex

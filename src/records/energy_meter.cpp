@@ -20,9 +20,11 @@ constexpr Cases kPower2 = kPhase2 | Connections({2, 4});
 constexpr Cases kPower3 = kPhase3 | Connections({2, 4});
 constexpr Cases kTotal = kPhase2 | kLineToLine;  // a single phase is its own total
 
+constexpr uint32_t kStartAt = 0;
+constexpr uint32_t kEndAt = 16;
 constexpr Field kResultRows[] = {
-    DateTime("START_TIME", 0, "start of the interval"),
-    DateTime("END_TIME", 16, "end of the interval"),
+    DateTime("START_TIME", kStartAt, "start of the interval"),
+    DateTime("END_TIME", kEndAt, "end of the interval"),
     I32("PACKETS_NUM", 32, "measurements in the interval"),
     Gap(36, 4),
     F64("E_METER_ENERGY", 40, "energy that the meter counted"),
@@ -55,6 +57,11 @@ constexpr Field kResultRows[] = {
 constexpr Field kResult = Record("EMETER_RESULT", 144, kResultRows, "a metering interval");
 static_assert(Tiles(kResult));
 
+constexpr InfoField kInfo[] = {
+    {"start", InfoForm::kTime, kStartAt, InfoFrom::kFirstRecord},
+    {"end", InfoForm::kTime, kEndAt, InfoFrom::kLastRecord},
+};
+
 }  // namespace
 
 const RecordType kEnergyMeter = {
@@ -69,6 +76,7 @@ const RecordType kEnergyMeter = {
     .record = &kResult,
     .walk = WalkCountedRecords,
     .cut = kFilledFromBefore,
+    .line = kInfo,
 };
 
 }  // namespace quorvex

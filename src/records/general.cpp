@@ -67,6 +67,12 @@ void WalkIntervals(Walk* w) {
   } while (index <= options.last);
 }
 
+constexpr InfoField kInfo[] = {
+    {"start", InfoForm::kTime, offsetof(UifParams, start_time)},
+    {"end", InfoForm::kTime, offsetof(UifParams, time_last_packet), InfoFrom::kPeriods},
+    {"interval", InfoForm::kInterval, offsetof(UifParams, interval)},
+};
+
 }  // namespace
 
 const RecordType kGeneral = {
@@ -85,6 +91,7 @@ const RecordType kGeneral = {
     .state = true,
     .progress = true,
     .choice = &kChoice,
+    .line = kInfo,
 };
 
 }  // namespace quorvex

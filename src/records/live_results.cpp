@@ -18,6 +18,7 @@ constexpr uint32_t PositionAt(uint32_t position) {
 }
 constexpr uint32_t kNeutralAt = PositionAt(3);
 constexpr uint32_t kTotalsAt = PositionAt(7);
+constexpr uint32_t kStartAt = 78528;
 constexpr uint32_t kFurtherAt = 79392;
 constexpr uint32_t kCheckAt = kFurtherAt + 64;
 constexpr uint32_t kLiveResultsSize = kCheckAt + 60;
@@ -64,7 +65,7 @@ constexpr Field kLiveResultsRows[] = {
     Rows(kTotalsAt, kTotalsRows),
     Group("SYM", 67832, kMomentarySymmetryRows, "symmetrical components"),
     Group("RMS12", 67900, kRms12ListRows, "latest half-cycle readings"),
-    DateTime("TIME_START", 78528, "time of the first sample"),
+    DateTime("TIME_START", kStartAt, "time of the first sample"),
     F32("TIME_STEP", 78548, "time between samples", "s"),
     I32("numUsedSamples", 0, "number of used samples").Counts(kScopeRoom),
     F32("TEMP", 67896, "instrument temperature", "degC"),
@@ -91,6 +92,8 @@ void WalkLiveResults(Walk* w) {
   TellRecord(w, record.get(), inputs);
 }
 
+constexpr InfoField kInfo[] = {{"time", InfoForm::kTime, kStartAt, InfoFrom::kFirstRecord}};
+
 }  // namespace
 
 const RecordType kLiveResults = {
@@ -109,6 +112,7 @@ const RecordType kLiveResults = {
     .state = true,
     .once = true,
     .cut = {0, "what it lacks is zero"},
+    .line = kInfo,
 };
 
 }  // namespace quorvex

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "layout/tiles.h"
+#include "records/information.h"
 #include "settings/cases.h"
 #include "settings/settings_record.h"
 
@@ -65,6 +66,7 @@ struct RecordType {
   const LayoutChoice* choice = nullptr;
   // Bytes of a record, where that is more than its layout's size; 0 where records differ.
   uint64_t (*size)(const UifParams& settings) = nullptr;
+  InfoLine line{};  // the information line; without fields where there is none
   // The word of the settings that counts the entries of every part of a record; -1 for none.
   int32_t counted_at = -1;
 };

@@ -18,7 +18,8 @@ RecordingHead::RecordingHead(const char* of) : path(of), file(of, kOpenRead) {
 }
 
 void RecordingHead::UseSettingFile() {
-  if (type != nullptr && type->companion) setting_file = LoadSettingFile(path, &settings) == 0;
+  if (type != nullptr && type->companion && !setting_file)
+    setting_file = LoadSettingFile(path, &settings) == 0;
 }
 
 }  // namespace quorvex

@@ -4,6 +4,7 @@
 #include "records/channels.h"
 #include "records/record_types.h"
 #include "records/walk.h"
+#include "settings/value_texts.h"
 #include "support/loads.h"
 #include "support/memory.h"
 
@@ -112,6 +113,19 @@ void WalkSnapshots(Walk* w) {
   }
 }
 
+#define AT(member) offsetof(UifParams, wave.member)
+constexpr uint32_t kLevels = TriggerSet({kTriggerLevelU, kTriggerLevelI});
+constexpr InfoField kInfo[] = {
+    {"start", InfoForm::kTime, AT(start_time)},
+    {"end", InfoForm::kTime, AT(end_time)},
+    {"trigger", InfoForm::kTrigger, AT(trigger)},
+    {"level", InfoForm::kLevel, AT(level), {}, 0, AT(trigger), kLevels},
+    {"slope", InfoForm::kSlope, AT(slope), {}, 0, AT(trigger), kLevels},
+    {"duration", InfoForm::kDuration, AT(duration)},
+    {"pretrigger", InfoForm::kDuration, AT(pretrigger)},
+};
+#undef AT
+
 }  // namespace
 
 const RecordType kSnapshots = {
@@ -133,6 +147,7 @@ const RecordType kSnapshots = {
     .progress = true,
     .cut = {kRecordStartSize, kFilledFromBefore.rest},
     .size = SizeOfSnapshot,
+    .line = kInfo,
 };
 
 }  // namespace quorvex

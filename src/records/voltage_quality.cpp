@@ -125,6 +125,12 @@ void WalkIntervals(Walk* w) {
   } while (done <= expected);
 }
 
+constexpr InfoField kInfo[] = {
+    {"start", InfoForm::kTime, offsetof(UifParams, start_time)},
+    {"end", InfoForm::kTime, offsetof(UifParams, time_last_packet), InfoFrom::kPeriods},
+    {"interval", InfoForm::kInterval, offsetof(UifParams, interval)},
+};
+
 }  // namespace
 
 const RecordType kVoltageQuality = {
@@ -143,6 +149,7 @@ const RecordType kVoltageQuality = {
     .harmonics_flag = true,
     .progress = true,
     .choice = &kChoice,
+    .line = kInfo,
 };
 
 }  // namespace quorvex

@@ -165,6 +165,22 @@ void WalkCapture(Walk* w) {
   EndRecord(w, size);
 }
 
+#define AT(member) offsetof(UifParams, transients.member)
+constexpr InfoField kInfo[] = {
+    {"start", InfoForm::kTime, AT(start_time)},
+    {"end", InfoForm::kTime, AT(end_time)},
+    {"trigger", InfoForm::kTrigger, AT(trigger)},
+    {"voltage level", InfoForm::kVolts, AT(level_u)},
+    {"voltage envelope", InfoForm::kVolts, AT(env_u)},
+    {"neutral level", InfoForm::kVolts, AT(level_un)},
+    {"neutral envelope", InfoForm::kVolts, AT(env_un)},
+    {"current level", InfoForm::kAmperes, AT(level_i)},
+    {"current envelope", InfoForm::kAmperes, AT(env_i)},
+    {"neutral I level", InfoForm::kAmperes, AT(level_in)},
+    {"neutral I envelope", InfoForm::kAmperes, AT(env_in)},
+};
+#undef AT
+
 }  // namespace
 
 const RecordType kWaveformCapture = {
@@ -184,6 +200,7 @@ const RecordType kWaveformCapture = {
     .once = true,
     .cut = {0, "what it lacks is left over from the waveform before (zeros in the first)"},
     .size = SizeOfCapture,
+    .line = kInfo,
     .counted_at = offsetof(UifParams, transients.num),
 };
 

@@ -5,6 +5,7 @@
 #include "records/channels.h"
 #include "records/record_types.h"
 #include "records/walk.h"
+#include "settings/value_texts.h"
 #include "support/loads.h"
 #include "support/memory.h"
 
@@ -110,6 +111,17 @@ void WalkSeries(Walk* w) {
   }
 }
 
+#define AT(member) offsetof(UifParams, transients.member)
+constexpr InfoField kInfo[] = {
+    {"start", InfoForm::kTime, AT(start_time)},
+    {"end", InfoForm::kTime, AT(end_time)},
+    {"trigger", InfoForm::kTrigger, AT(trigger)},
+    {"level", InfoForm::kVolts, AT(level), {}, 0, AT(trigger), TriggerSet({kTriggerEnvelope})},
+    {"duration", InfoForm::kPeriods, AT(duration)},
+    {"pretrigger", InfoForm::kPeriods, AT(pretrigger)},
+};
+#undef AT
+
 }  // namespace
 
 const RecordType kWaveformSeries = {
@@ -129,6 +141,7 @@ const RecordType kWaveformSeries = {
     .progress = true,
     .cut = {kRecordStartSize, kFilledFromBefore.rest},
     .size = SizeOfRecord,
+    .line = kInfo,
 };
 
 }  // namespace quorvex

@@ -102,6 +102,11 @@ const char* TriggerKindText(uint32_t code) {
   return code < std::size(kTriggers) ? kTriggers[code] : "";
 }
 
+const char* SlopeText(uint32_t code) {
+  constexpr const char* kSlopes[] = {"", "Rise", "Fall", "Any"};
+  return code < std::size(kSlopes) ? kSlopes[code] : "";
+}
+
 const char* ConnectionText(uint8_t code) {
   return code < std::size(kConnections) ? kConnections[code] : nullptr;
 }

@@ -17,6 +17,9 @@ constexpr uint32_t kTriggerEnvelope = 7;
 // "Manual", "Level U" ...; empty for an unknown code.
 const char* TriggerKindText(uint32_t code);
 
+// "Rise", "Fall", "Any"; empty for an unknown code.
+const char* SlopeText(uint32_t code);
+
 // The wiring that a connection code means, "three-phase four-wire" ...; null for an unknown code.
 const char* ConnectionText(uint8_t code);
 
