@@ -1,10 +1,10 @@
 // The command line: a host of the library like any other.
 #include <algorithm>
 
-#include "commands.h"
-#include "help.h"
-#include "host.h"
-#include "messages.h"
+#include "commands/commands.h"
+#include "shared/help.h"
+#include "shared/messages.h"
+#include "shared/system.h"
 
 namespace {
 

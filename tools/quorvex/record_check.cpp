@@ -7,11 +7,11 @@
 #include "places.h"
 #include "record_shape.h"
 #include "record_times.h"
-#include "scratch.h"
 #include "settings/cases.h"
 #include "settings/setting_file.h"
 #include "settings/settings_table.h"
 #include "settings/value_texts.h"
+#include "shared/scratch.h"
 #include "support/file.h"
 #include "support/loads.h"
 

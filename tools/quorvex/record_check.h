@@ -3,7 +3,7 @@
 #pragma once
 
 #include "findings.h"
-#include "inspection.h"
+#include "shared/inspection.h"
 
 namespace quorvex::tool {
 

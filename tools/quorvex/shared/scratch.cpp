@@ -1,4 +1,4 @@
-#include "scratch.h"
+#include "shared/scratch.h"
 
 #include <algorithm>
 #include <cctype>
@@ -9,8 +9,8 @@
 #include <optional>
 #include <vector>
 
-#include "gather.h"
-#include "host.h"
+#include "shared/gather.h"
+#include "shared/system.h"
 #include "support/file.h"
 
 namespace quorvex::tool {

@@ -1,4 +1,4 @@
-#include "inspection.h"
+#include "shared/inspection.h"
 
 #include <algorithm>
 #include <cctype>
@@ -10,10 +10,10 @@
 #include "places.h"
 #include "quorvex64.h"
 #include "record_shape.h"
-#include "scratch.h"
 #include "settings/setting_file.h"
 #include "settings/settings_table.h"
 #include "settings/value_texts.h"
+#include "shared/scratch.h"
 #include "support/file.h"
 #include "xml/text_forms.h"
 

@@ -1,13 +1,13 @@
-#include "gather.h"
+#include "shared/gather.h"
 
 #include <algorithm>
 #include <cctype>
 #include <map>
 #include <set>
 
-#include "host.h"
-#include "messages.h"
-#include "scratch.h"
+#include "shared/messages.h"
+#include "shared/scratch.h"
+#include "shared/system.h"
 
 namespace quorvex::tool {
 namespace {

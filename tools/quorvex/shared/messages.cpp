@@ -1,4 +1,4 @@
-#include "messages.h"
+#include "shared/messages.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <iterator>
 
-#include "host.h"
-#include "scratch.h"
+#include "shared/scratch.h"
+#include "shared/system.h"
 
 namespace quorvex::tool {
 namespace {

@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "inspection.h"
-#include "messages.h"
+#include "shared/inspection.h"
+#include "shared/messages.h"
 
 namespace quorvex::tool {
 

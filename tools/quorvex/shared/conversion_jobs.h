@@ -5,8 +5,8 @@
 #include <deque>
 #include <string>
 
-#include "progress.h"
 #include "record_check.h"
+#include "shared/progress.h"
 
 namespace quorvex::tool {
 

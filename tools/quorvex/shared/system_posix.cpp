@@ -8,7 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "host.h"
+#include "shared/system.h"
 
 namespace quorvex::tool {
 

@@ -1,8 +1,8 @@
 // quorvex check: whether recordings are sound, for people and for programs.
-#include "commands.h"
-#include "gather.h"
-#include "json.h"
+#include "commands/commands.h"
 #include "record_check.h"
+#include "shared/gather.h"
+#include "shared/json.h"
 
 namespace quorvex::tool {
 namespace {

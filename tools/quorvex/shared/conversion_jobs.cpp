@@ -1,4 +1,4 @@
-#include "conversion_jobs.h"
+#include "shared/conversion_jobs.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -10,9 +10,9 @@
 #include <thread>
 #include <vector>
 
-#include "gather.h"
-#include "messages.h"
-#include "scratch.h"
+#include "shared/gather.h"
+#include "shared/messages.h"
+#include "shared/scratch.h"
 
 namespace quorvex::tool {
 namespace {

@@ -6,12 +6,12 @@
 #include <cstring>
 
 #include "api/time_texts.h"
-#include "commands.h"
-#include "gather.h"
-#include "inspection.h"
-#include "json.h"
+#include "commands/commands.h"
 #include "quorvex64.h"
-#include "scratch.h"
+#include "shared/gather.h"
+#include "shared/inspection.h"
+#include "shared/json.h"
+#include "shared/scratch.h"
 
 namespace quorvex::tool {
 namespace {

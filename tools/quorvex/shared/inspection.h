@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "host.h"
 #include "records/recording.h"
+#include "shared/system.h"
 
 namespace quorvex::tool {
 

@@ -1,5 +1,5 @@
 // What both platforms do alike.
-#include "host.h"
+#include "shared/system.h"
 
 #include <dirent.h>
 #include <sys/stat.h>
@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "scratch.h"
+#include "shared/scratch.h"
 #include "support/file.h"
 
 namespace quorvex::tool {

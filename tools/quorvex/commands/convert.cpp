@@ -5,12 +5,12 @@
 #include <set>
 #include <thread>
 
-#include "commands.h"
-#include "conversion_jobs.h"
-#include "gather.h"
-#include "messages.h"
+#include "commands/commands.h"
 #include "records/record_types.h"
-#include "scratch.h"
+#include "shared/conversion_jobs.h"
+#include "shared/gather.h"
+#include "shared/messages.h"
+#include "shared/scratch.h"
 #include "support/loads.h"
 
 namespace quorvex::tool {

@@ -1,10 +1,10 @@
 // quorvex count and version: small questions.
-#include "commands.h"
-#include "gather.h"
-#include "inspection.h"
-#include "messages.h"
+#include "commands/commands.h"
 #include "quorvex64.h"
 #include "record_check.h"
+#include "shared/gather.h"
+#include "shared/inspection.h"
+#include "shared/messages.h"
 
 namespace quorvex::tool {
 

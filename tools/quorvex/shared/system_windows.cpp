@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <iterator>
 
-#include "host.h"
+#include "shared/system.h"
 #include "support/file.h"
 
 namespace quorvex::tool {

@@ -1,9 +1,9 @@
 // quorvex schema and formats.
-#include "commands.h"
+#include "commands/commands.h"
 #include "formats/generate.h"
-#include "host.h"
-#include "messages.h"
 #include "records/record_types.h"
+#include "shared/messages.h"
+#include "shared/system.h"
 
 namespace quorvex::tool {
 

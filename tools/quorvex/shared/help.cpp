@@ -1,10 +1,10 @@
-#include "help.h"
+#include "shared/help.h"
 
 #include <algorithm>
 #include <numeric>
 
-#include "host.h"
-#include "messages.h"
+#include "shared/messages.h"
+#include "shared/system.h"
 
 namespace quorvex::tool {
 namespace {
