@@ -1,44 +1,33 @@
-// The commands of the command line. Each explains itself on stderr and returns its exit code.
+// The commands of the command line. The file of each says what the command takes, and runs it.
 #pragma once
 
-#include <cstdint>
-#include <string>
-#include <vector>
+#include <CLI/CLI.hpp>
+#include <functional>
+
+#include "shared/system.h"
 
 namespace quorvex::tool {
 
-struct ConvertOptions {
-  std::vector<std::string> inputs;  // recordings, and folders of them
-  std::string output;               // empty: beside each recording; a folder for several
-  std::string records;              // "A-B", "A-" or "A", empty for all
-  unsigned jobs = 0;                // side by side; 0: as many as there are cores
-  bool quiet = false;               // failures only: no findings, no summary
-  bool overwrite = false;           // documents that exist already are replaced
-  bool no_clobber = false;          // ... are left alone, which is no failure then
+struct Command {
+  CLI::App* line;                 // its command line
+  std::function<ExitCode()> run;  // does what was typed there, and explains itself
 };
-int Convert(const ConvertOptions& options);
+using AddCommand = Command(CLI::App& app);
 
-struct InfoOptions {
-  std::vector<std::string> inputs;
-  bool raw = false;  // the record information lines as the library gives them
-  bool json = false;
-};
-int Info(const InfoOptions& options);
+// Every command, in the order that the help has them. A new one is a file that defines AddName, and
+// a line here.
+#define QUORVEX_COMMANDS(COMMAND) \
+  COMMAND(Convert)                \
+  COMMAND(Info)                   \
+  COMMAND(Check)                  \
+  COMMAND(Count)                  \
+  COMMAND(Schema)                 \
+  COMMAND(Formats)                \
+  COMMAND(Version)                \
+  COMMAND(Help)
 
-struct CheckOptions {
-  std::vector<std::string> inputs;
-  bool json = false;
-};
-int Check(const CheckOptions& options);
-
-int Count(const std::string& path);
-
-// "quorvex 3.7.44 (library 3744)"
-std::string VersionText();
-int Version();
-
-// The schema of one type's documents, of any type's for 0; the format reference. On stdout.
-int PrintSchema(uint32_t type);
-int PrintFormats(bool python);
+#define QUORVEX_DECLARED(name) AddCommand Add##name;
+QUORVEX_COMMANDS(QUORVEX_DECLARED)
+#undef QUORVEX_DECLARED
 
 }  // namespace quorvex::tool

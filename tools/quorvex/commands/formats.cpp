@@ -1,22 +1,19 @@
-// quorvex schema and formats.
+// quorvex formats prints the format reference. It is for the project itself, which makes
+// docs/formats.md and a module of the Python package of it, so no help lists it.
 #include "commands/commands.h"
 #include "formats/generate.h"
-#include "records/record_types.h"
 #include "shared/messages.h"
-#include "shared/system.h"
 
 namespace quorvex::tool {
 
-int PrintSchema(uint32_t type) {
-  const RecordType* row = FindRecordType(type);
-  const std::string schema = row != nullptr ? SchemaOf(*row) : SchemaOfAnyType();
-  Print(schema);
-  return kDone;
-}
-
-int PrintFormats(bool python) {
-  Print(python ? PythonFormats() : FormatReference());
-  return kDone;
+Command AddFormats(CLI::App& app) {
+  const auto python = std::make_shared<bool>(false);
+  CLI::App* line = app.add_subcommand("formats", "Print the format reference")->group("");
+  line->add_flag("--python", *python, "As a module of the Python package");
+  return {line, [python] {
+            Print(*python ? PythonFormats() : FormatReference());
+            return kDone;
+          }};
 }
 
 }  // namespace quorvex::tool

@@ -1,4 +1,4 @@
-// quorvex info: what recordings are, for people and for programs.
+// quorvex info says what recordings are, to people and to programs.
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
@@ -9,6 +9,7 @@
 #include "commands/commands.h"
 #include "quorvex64.h"
 #include "shared/gather.h"
+#include "shared/help.h"
 #include "shared/inspection.h"
 #include "shared/json.h"
 #include "shared/scratch.h"
@@ -16,7 +17,14 @@
 namespace quorvex::tool {
 namespace {
 
-// "07.Mar.2024 14:05:09.123" as "2024-03-07T14:05:09.123"; empty where it is no point in time.
+struct Options {
+  std::vector<std::string> inputs;
+  bool raw = false;  // the record information lines are printed as the library gives them
+  bool json = false;
+};
+
+// Turns "07.Mar.2024 14:05:09.123" into "2024-03-07T14:05:09.123", and what is no point in time
+// into nothing.
 std::string IsoTime(const std::string& text) {
   int day = 0, year = 0, hour = 0, minute = 0, used = 0;
   char month[4];
@@ -42,7 +50,7 @@ std::string IsoTime(const std::string& text) {
   return date + seconds;
 }
 
-// "1 days 02 hours 3 Min 4 s" in seconds.
+// Tells how many seconds "1 days 02 hours 3 Min 4 s" are.
 Json Seconds(const std::string& text) {
   if (text.empty()) return nullptr;
   double seconds = 0;
@@ -58,7 +66,7 @@ Json Seconds(const std::string& text) {
   return static_cast<int64_t>(seconds);
 }
 
-// "12.50kV" in volts. What passes the limits of the display is no number.
+// Tells how many volts "12.50kV" are. What passes the limits of the display is no number.
 Json Amount(const char* text) {
   char* end = nullptr;
   const double number = std::strtod(text, &end);
@@ -126,14 +134,14 @@ Json ToJson(const Facts& facts) {
 
 using Row = std::vector<std::string>;
 
-// To the minute: seconds would take the room that names need.
+// The table has times to the minute: seconds would take the room that names need.
 std::string ShortTime(const std::string& text) {
   std::string time = IsoTime(text).substr(0, 16);
   if (!time.empty()) time[10] = ' ';
   return time;
 }
 
-// `folder` is where all files lie.
+// `folder` is where all files lie; the table leaves it out.
 Row ToRow(const Facts& facts, const std::string& folder) {
   const Recording& r = facts.recording;
   std::string start, end, interval;
@@ -155,7 +163,7 @@ Row ToRow(const Facts& facts, const std::string& folder) {
 
 void PrintTable(const std::vector<Row>& rows) {
   const Row heads = {"FILE", "TYPE", "START", "END", "INTERVAL", "RECORDS", "SIZE", "PROBLEM"};
-  constexpr size_t kNumbersFrom = 5;  // to the right, up to the last column
+  constexpr size_t kNumbersFrom = 5;  // these stand to the right, up to the last column
   std::vector<size_t> widths(heads.size());
   for (size_t c = 0; c < heads.size(); ++c) {
     widths[c] = WidthOf(heads[c]);
@@ -166,8 +174,7 @@ void PrintTable(const std::vector<Row>& rows) {
     for (size_t c = 0; c < row.size(); ++c) {
       const std::string room(widths[c] - WidthOf(row[c]), ' ');
       const bool number = c >= kNumbersFrom && c + 1 < row.size();
-      line += number ? room + row[c] : row[c] + room;
-      line += "  ";
+      line += (number ? room + row[c] : row[c] + room) + "  ";
     }
     line.erase(line.find_last_not_of(' ') + 1);
     Print(line + "\n");
@@ -207,9 +214,7 @@ ExitCode PrintRaw(const std::string& path) {
   return kDone;
 }
 
-}  // namespace
-
-int Info(const InfoOptions& options) {
+ExitCode Info(const Options& options) {
   std::vector<std::string> paths;
   ExitCode code = GatherRecordings(options.inputs, &paths) ? kDone : kNoInput;
   const bool alone = paths.size() == 1 && (paths == options.inputs || IsSpooled(paths.front()));
@@ -238,6 +243,22 @@ int Info(const InfoOptions& options) {
   if (options.json) array.Close();
   if (!rows.empty()) PrintTable(rows);
   return code;
+}
+
+}  // namespace
+
+Command AddInfo(CLI::App& app) {
+  const auto options = std::make_shared<Options>();
+  CLI::App* line = app.add_subcommand("info", "Say what recordings are");
+  TakePaths(line, &options->inputs);
+  auto* raw =
+      line->add_flag("--raw", options->raw, "Only the record information line, as hosts get it");
+  line->add_flag("--json", options->json, "For programs: an array, an object a line")
+      ->excludes(raw);
+  line->footer(Footer({"quorvex info card", "quorvex info R0001GEN.REC",
+                       "quorvex info --json card | jq '.[].type'"},
+                      {kDone, kUsage, kNoInput, kUnknownType, kCutShort, kNoOutput}));
+  return {line, [options] { return Info(*options); }};
 }
 
 }  // namespace quorvex::tool

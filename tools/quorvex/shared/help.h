@@ -1,4 +1,4 @@
-// How the command line explains itself.
+// What the command lines of the commands share, and how they explain themselves.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -6,16 +6,19 @@
 
 namespace quorvex::tool {
 
-// Options with the names of their values, and nothing else of what the parser knows of them.
+// Shows options with the names of their values, and nothing else of what the parser knows of them.
 class HelpFormatter : public CLI::Formatter {
  public:
   std::string make_option_opts(const CLI::Option* option) const override;
 };
 
-// Examples, and the exit codes that a command can have.
+// Makes a command take recordings and folders of them.
+void TakePaths(CLI::App* command, std::vector<std::string>* paths);
+
+// What ends the help of a command: examples, and the exit codes that it can have.
 std::string Footer(const std::vector<std::string>& examples, const std::vector<int>& codes);
 
-// What is wrong with a first argument that is no command; empty where it is one.
-std::string Misspelt(const CLI::App& app, const std::vector<std::string>& arguments);
+// Whether a first argument is no command, which is said on stderr.
+bool IsMisspelt(const CLI::App& app, const std::vector<std::string>& arguments);
 
 }  // namespace quorvex::tool
