@@ -10,6 +10,7 @@
 #include <thread>
 #include <vector>
 
+#include "record_check.h"
 #include "shared/gather.h"
 #include "shared/messages.h"
 #include "shared/scratch.h"

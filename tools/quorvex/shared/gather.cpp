@@ -1,7 +1,7 @@
 #include "shared/gather.h"
 
-#include <algorithm>
-#include <cctype>
+#include <strings.h>
+
 #include <map>
 #include <set>
 
@@ -76,11 +76,7 @@ bool GatherRecordings(const std::vector<std::string>& paths, std::vector<std::st
 }
 
 bool IsRecordingName(const std::string& name) {
-  if (name.size() < 4) return false;
-  std::string end = name.substr(name.size() - 4);
-  std::transform(end.begin(), end.end(), end.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-  return end == ".REC";
+  return name.size() >= 4 && strcasecmp(name.c_str() + name.size() - 4, ".REC") == 0;
 }
 
 std::string FolderOf(const std::string& path) {

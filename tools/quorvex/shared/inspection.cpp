@@ -13,7 +13,6 @@
 #include "settings/setting_file.h"
 #include "settings/settings_table.h"
 #include "settings/value_texts.h"
-#include "shared/scratch.h"
 #include "support/file.h"
 #include "xml/text_forms.h"
 

@@ -1,4 +1,4 @@
-// What a recording is, as far as its head tells, and which recordings there are.
+// Tells what a recording is, as far as its head does.
 #pragma once
 
 #include <cstdint>
