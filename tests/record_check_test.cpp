@@ -5,10 +5,10 @@
 #include <filesystem>
 
 #include "field_mutator.h"
-#include "inspection.h"
 #include "records/record_types.h"
 #include "sample.h"
 #include "settings/time_texts.h"
+#include "shared/inspection.h"
 #include "support.h"
 #include "support/memory.h"
 

@@ -10,6 +10,7 @@ INTERVAL_AT = 844
 RECORD_TYPES = {
     1: RecordType(
         name="general records",
+        line=("start", "end", "interval",),
         records_at=3072,
         settings_at=8,
         companion=True,
@@ -26,6 +27,7 @@ RECORD_TYPES = {
     ),
     2: RecordType(
         name="snapshots",
+        line=("start", "end", "trigger", "level", "slope", "duration", "pretrigger",),
         records_at=3072,
         settings_at=8,
         companion=True,
@@ -39,6 +41,7 @@ RECORD_TYPES = {
     ),
     3: RecordType(
         name="channel readings",
+        line=(),
         records_at=3072,
         settings_at=8,
         companion=True,
@@ -52,6 +55,7 @@ RECORD_TYPES = {
     ),
     4: RecordType(
         name="settings",
+        line=(),
         records_at=3072,
         settings_at=8,
         companion=False,
@@ -63,6 +67,7 @@ RECORD_TYPES = {
     ),
     5: RecordType(
         name="waveform capture",
+        line=("start", "end", "trigger", "voltage level", "voltage envelope", "neutral level", "neutral envelope", "current level", "current envelope", "neutral I level", "neutral I envelope",),
         records_at=3072,
         settings_at=8,
         companion=True,
@@ -76,6 +81,7 @@ RECORD_TYPES = {
     ),
     6: RecordType(
         name="live results",
+        line=("time",),
         records_at=3072,
         settings_at=8,
         companion=False,
@@ -89,6 +95,7 @@ RECORD_TYPES = {
     ),
     7: RecordType(
         name="alarms",
+        line=(),
         records_at=3364,
         settings_at=128,
         companion=False,
@@ -102,6 +109,7 @@ RECORD_TYPES = {
     ),
     8: RecordType(
         name="voltage events",
+        line=(),
         records_at=3224,
         settings_at=128,
         companion=False,
@@ -115,6 +123,7 @@ RECORD_TYPES = {
     ),
     9: RecordType(
         name="signalling",
+        line=(),
         records_at=3072,
         settings_at=8,
         companion=False,
@@ -128,6 +137,7 @@ RECORD_TYPES = {
     ),
     10: RecordType(
         name="rapid voltage changes",
+        line=(),
         records_at=3072,
         settings_at=8,
         companion=False,
@@ -141,6 +151,7 @@ RECORD_TYPES = {
     ),
     11: RecordType(
         name="averages",
+        line=(),
         records_at=3072,
         settings_at=8,
         companion=False,
@@ -154,6 +165,7 @@ RECORD_TYPES = {
     ),
     12: RecordType(
         name="transients",
+        line=(),
         records_at=3072,
         settings_at=8,
         companion=False,
@@ -167,6 +179,7 @@ RECORD_TYPES = {
     ),
     13: RecordType(
         name="inrush currents",
+        line=(),
         records_at=3072,
         settings_at=8,
         companion=False,
@@ -180,6 +193,7 @@ RECORD_TYPES = {
     ),
     14: RecordType(
         name="channel readings (second list)",
+        line=("start", "end", "level", "slope", "duration", "pretrigger", "mark",),
         records_at=3072,
         settings_at=8,
         companion=True,
@@ -193,6 +207,7 @@ RECORD_TYPES = {
     ),
     15: RecordType(
         name="sessions",
+        line=(),
         records_at=8,
         settings_at=None,
         companion=False,
@@ -206,6 +221,7 @@ RECORD_TYPES = {
     ),
     16: RecordType(
         name="voltage quality",
+        line=("start", "end", "interval",),
         records_at=3072,
         settings_at=8,
         companion=True,
@@ -221,6 +237,7 @@ RECORD_TYPES = {
     ),
     17: RecordType(
         name="waveform series",
+        line=("start", "end", "trigger", "level", "duration", "pretrigger",),
         records_at=3072,
         settings_at=8,
         companion=True,
@@ -234,6 +251,7 @@ RECORD_TYPES = {
     ),
     18: RecordType(
         name="energy meter tests",
+        line=("start", "end",),
         records_at=3072,
         settings_at=8,
         companion=False,

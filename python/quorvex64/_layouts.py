@@ -18,6 +18,7 @@ class Layout(NamedTuple):
 
 class RecordType(NamedTuple):
     name: str
+    line: tuple[str, ...]  # what the texts of its information line are; none where it has no line
     records_at: int
     settings_at: Optional[int]
     companion: bool  # a setting file beside the recording replaces its settings

@@ -19,19 +19,6 @@ from ._library import LAST_RECORD, QuorvexError, StrPath, library, path_bytes
 from ._scratch import scratch_for
 from ._shapes import Shape, shape_of
 
-# What the texts of the information line are, for the record types that have one.
-_LABELS: dict[int, tuple[str, ...]] = {
-    1: ("start", "end", "interval"),
-    2: ("start", "end", "trigger", "level", "slope", "duration", "pretrigger"),
-    5: ("start", "end", "trigger")
-    + ("voltage level", "voltage envelope", "neutral level", "neutral envelope")
-    + ("current level", "current envelope", "neutral I level", "neutral I envelope"),
-    6: ("time",),
-    14: ("start", "end", "level", "slope", "duration", "pretrigger", "mark"),
-    16: ("start", "end", "interval"),
-    17: ("start", "end", "trigger", "level", "duration", "pretrigger"),
-    18: ("start", "end"),
-}
 # Whose end is a record's: of every record an interval, and of energy meter tests.
 _PERIODIC = (1, 16)
 _METER_TESTS = 18
@@ -133,7 +120,7 @@ def info(recording: StrPath) -> RecordInfo:
     shape = shape_of(path, RECORD_TYPES[kind])
     line = library().record_line(encoded)
     texts = [quoted or bare for quoted, bare in _FIELD.findall(line)]
-    fields = dict(zip(_LABELS.get(kind, ()), texts))
+    fields = dict(zip(RECORD_TYPES[kind].line, texts))
     start = fields.pop("start", None) or fields.pop("time", None)
     end, end_from = _end(_time(fields.pop("end", None)), kind, shape)
     return RecordInfo(

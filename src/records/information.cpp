@@ -72,9 +72,13 @@ uint32_t InfoValues(RecordingHead* recording, InfoValue (&values)[kMostInfoField
     value.number = Load<uint32_t>(settings + field.at);
     value.level = Load<float>(settings + field.at);
     value.trigger = field.trigger;
-    if (field.trigger_at == 0) continue;
-    value.trigger = Load<uint32_t>(settings + field.trigger_at);
-    value.shown = value.trigger < 32 && (field.triggers >> value.trigger & 1) != 0;
+    if (field.trigger_at != 0) {
+      value.trigger = Load<uint32_t>(settings + field.trigger_at);
+      value.shown = value.trigger < 32 && (field.triggers >> value.trigger & 1) != 0;
+    }
+    value.amount = field.form == InfoForm::kLevel
+                       ? LevelAmount(value.level, value.trigger, recording->settings)
+                       : static_cast<double>(value.level);
   }
   return line.count;
 }

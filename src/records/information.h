@@ -72,7 +72,8 @@ struct InfoValue {
   DateTimeRecord time{};
   uint32_t number = 0;   // seconds, periods, codes
   uint32_t trigger = 0;  // of a level
-  float level = 0;       // in percent, V or A
+  float level = 0;       // as it is stored: in percent, V or A
+  double amount = 0;     // what it comes to, in V or A
 };
 
 // The values of a recording's line, in its order; their number. 0 for types without a line. They

@@ -139,22 +139,32 @@ EngineeringChoice EngineeringFormat(double value) {
   return choice;
 }
 
+double LevelAmount(float level, uint32_t trigger, const UifParams& settings) {
+  const auto percent = static_cast<double>(level);
+  switch (trigger) {
+    case kTriggerLevelU:
+    case kTriggerEnvelope:
+      return percent * static_cast<double>(settings.nominal_voltage) / 100;
+    case kTriggerLevelI:
+      return ClampNominalCurrent(settings.clamp[0]) * percent / 100;
+    default:
+      return 0;
+  }
+}
+
 void LevelText(float level, uint32_t trigger, const UifParams& settings, BoundedText* to,
                bool percent_first) {
   const auto percent = static_cast<double>(level);
-  double amount = 0;
+  double amount = LevelAmount(level, trigger, settings);
   uint32_t unit = kNoUnit;
   EngineeringChoice choice{};
   if (trigger == kTriggerLevelU || trigger == kTriggerEnvelope) {
     // The nominal voltage decides how, so that all levels of a network look alike.
-    const auto nominal = static_cast<double>(settings.nominal_voltage);
-    amount = percent * nominal / 100;
-    choice = EngineeringFormat(nominal);
+    choice = EngineeringFormat(static_cast<double>(settings.nominal_voltage));
     unit = choice.exponent == kKilo ? kKilovolt : kVolt;
     if (choice.exponent == kKilo) amount /= 1000;
     percent_first = true;
   } else if (trigger == kTriggerLevelI) {
-    amount = ClampNominalCurrent(settings.clamp[0]) * percent / 100;
     choice = EngineeringFormat(amount);
     unit = kAmpere;
     if (choice.exponent == kKilo) unit = kKiloampere;

@@ -36,6 +36,10 @@ struct EngineeringChoice {
 };
 EngineeringChoice EngineeringFormat(double value);
 
+// What a trigger level given in percent comes to: of the nominal voltage for the triggers 5 and 7,
+// of the phase 1 clamp's current for 6. 0 for others.
+double LevelAmount(float level, uint32_t trigger, const UifParams& settings);
+
 // The text of a trigger level given in percent, with what it comes to: in voltage (of the nominal
 // voltage) for the triggers 5 and 7, in current (of the phase 1 clamp) for 6, alone for others. For
 // a current the percentage stands first where `percent_first` is set.

@@ -1,6 +1,7 @@
 #include "document_tree.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <iterator>

@@ -2,7 +2,6 @@
 // made from.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <set>
 #include <string>

@@ -145,11 +145,8 @@ void Flatten(const Field& group, const Around& around, std::vector<LayoutLine>* 
     line.offset = inside.behind ? kNext : inside.place;
     const uint32_t size = f.kind == Kind::kGroup ? ExtentOf(f) : f.size;
     line.bytes = std::to_string(inside.step != 0 && inside.count != 1 ? inside.step : size);
-    if (inside.count == kUnbounded) {
-      line.bytes = "n × " + line.bytes;
-    } else if (inside.count != 1) {
-      line.bytes = std::to_string(inside.count) + " × " + line.bytes;
-    }
+    const std::string times = inside.count == kUnbounded ? "n" : std::to_string(inside.count);
+    if (inside.count != 1) line.bytes = times + " × " + line.bytes;
     line.type = TypeText(f);
     if (f.kind == Kind::kGap) {
       line.meaning = f.meaning;

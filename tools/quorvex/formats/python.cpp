@@ -124,6 +124,11 @@ std::string PythonFormats() {
     const auto put = [&text](const std::string& name, const std::string& value) {
       text += "        " + name + "=" + value + ",\n";
     };
+    std::string labels;
+    for (uint32_t i = 0; i < type->line.count; ++i) {
+      labels += (i == 0 ? "\"" : " \"") + std::string(type->line.fields[i].label) + "\",";
+    }
+    put("line", "(" + labels + ")");
     put("records_at", Number(type->records_at));
     put("settings_at", type->settings_at != 0 ? Number(type->settings_at) : "None");
     put("companion", Truth(type->companion));

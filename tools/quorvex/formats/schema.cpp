@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
-#include <iterator>
 #include <map>
 #include <optional>
 
@@ -16,20 +15,7 @@ namespace {
 std::string Escaped(const std::string& text) {
   std::string escaped;
   for (const char c : text) {
-    switch (c) {
-      case '&':
-        escaped += "&amp;";
-        break;
-      case '<':
-        escaped += "&lt;";
-        break;
-      case '"':
-        escaped += "&quot;";
-        break;
-      default:
-        escaped += c;
-        break;
-    }
+    escaped += c == '&' ? "&amp;" : c == '<' ? "&lt;" : c == '"' ? "&quot;" : std::string(1, c);
   }
   return escaped;
 }
@@ -76,7 +62,11 @@ class Schema {
 
   // The type of a text; what is not built in is remembered for the end of the schema.
   std::string FormName(const ValueForm& form) {
-    std::string name;
+    const auto remembered = [&](const std::string& name) {
+      simple_.emplace(form, name);
+      return name;
+    };
+    const std::string size = std::to_string(form.size);
     switch (form.kind) {
       case Kind::kU8:
         return "xs:unsignedByte";
@@ -86,35 +76,24 @@ class Schema {
         return "xs:long";
       case Kind::kI32:
         if (form.most == INT32_MAX) return "xs:int";
-        name = "intTo" + std::to_string(form.most);
-        break;
+        return remembered("intTo" + std::to_string(form.most));
       case Kind::kF32:
-        name = "float";
-        break;
+        return remembered("float");
       case Kind::kF64:
-        name = "double";
-        break;
+        return remembered("double");
       case Kind::kSeconds:
-        name = "seconds";
-        break;
+        return remembered("seconds");
       case Kind::kNoValue:
-        name = "noValue";
-        break;
+        return remembered("noValue");
       case Kind::kFlagWord:
-        name = "flagWord";
-        break;
+        return remembered("flagWord");
       case Kind::kSpectrum:
-        name = "base64of" + std::to_string(form.size);
-        break;
+        return remembered("base64of" + size);
       case Kind::kRawText:
-        name = "anyText" + std::to_string(form.size);
-        break;
+        return remembered("anyText" + size);
       default:
-        name = form.size == 0 ? "text" : "text" + std::to_string(form.size);
-        break;
+        return remembered(form.size == 0 ? "text" : "text" + size);
     }
-    simple_.emplace(form, name);
-    return name;
   }
 
   static std::string SimpleType(const ValueForm& form, const std::string& name) {
@@ -169,23 +148,14 @@ class Schema {
   static std::string Occurs(const Node& node) {
     std::string text;
     if (node.least != 1) text += " minOccurs=\"" + std::to_string(node.least) + "\"";
-    if (node.most == kUnbounded) {
-      text += " maxOccurs=\"unbounded\"";
-    } else if (node.most != 1) {
-      text += " maxOccurs=\"" + std::to_string(node.most) + "\"";
-    }
+    const std::string most = node.most == kUnbounded ? "unbounded" : std::to_string(node.most);
+    if (node.most != 1) text += " maxOccurs=\"" + most + "\"";
     return text;
   }
 
   void Sequence(const Node& node, int depth) {
     Line(depth, "<xs:sequence" + (node.name.empty() ? Occurs(node) : "") + ">");
-    for (const Node& child : node.children) {
-      if (child.name.empty()) {
-        Sequence(child, depth + 1);
-      } else {
-        Element(child, depth + 1);
-      }
-    }
+    for (const Node& child : node.children) Element(child, depth + 1);
     Line(depth, "</xs:sequence>");
   }
 
@@ -259,7 +229,9 @@ class Schema {
     Line(depth, "</xs:complexType>");
   }
 
+  // A group without a name is a sequence in the sequence around it.
   void Element(const Node& node, int depth) {
+    if (node.name.empty()) return Sequence(node, depth);
     std::string open = "<xs:element name=\"" + node.name + "\"" + (depth == 1 ? "" : Occurs(node));
     const std::optional<std::string> type = node.phases.empty() ? TypeOf(node) : std::nullopt;
     if (type) open += " type=\"" + *type + "\"";

@@ -1,12 +1,13 @@
-// Conversions as jobs: what is converted into what, how far it is, and what went wrong.
+// A job is a conversion: it knows what becomes what, how far that is, and what went wrong.
 #pragma once
 
 #include <atomic>
 #include <deque>
 #include <string>
 
-#include "inspection.h"
-#include "progress.h"
+#include "findings/findings.h"
+#include "shared/inspection.h"
+#include "shared/progress.h"
 
 namespace quorvex::tool {
 

@@ -1,5 +1,5 @@
-// What the command line needs of its host: file matters that the two platforms do differently,
-// interrupts, and the exit codes.
+// What the command line needs of the operating system: file matters that the two platforms do
+// differently, interrupts, and the exit codes.
 #pragma once
 
 #include <cstdint>
@@ -38,28 +38,29 @@ void PrepareStreams();
 void UseBytes(std::FILE* stream);
 bool ErrorsGoToTerminal();
 
-// A path as the host has it, in UTF-8.
+// Turns a path into UTF-8, whatever the system has it in.
 std::string Utf8(const std::string& path);
 
-// Why the last call failed: of the system's own, and of the C library.
+// Say why the last call failed: one of the system's own, and one of the C library.
 std::string SystemError();
 std::string LastError();
 std::string TextOfError(int error);
 
-// Whether something stands at `path` that is no regular file (a device, a pipe, a folder).
+// Say what stands at `path`: anything, a folder, what is no regular file (a device, a pipe, a
+// folder too).
+bool Exists(const std::string& path);
 bool IsFolder(const std::string& path);
 bool IsSpecial(const std::string& path);
-bool Exists(const std::string& path);
 bool SameRecording(const std::string& first, const std::string& second);
 
-// What names a file or folder whatever path leads to it; nothing where there is none.
+// An identity names a file or folder whatever path leads to it; there is none where nothing stands.
 using Identity = std::pair<uint64_t, uint64_t>;
 std::optional<Identity> IdentityOf(const std::string& path);
 
-// The file that a symbolic link leads to; the path itself where it is none.
+// Follows a symbolic link to the file that it leads to; other paths stay as they are.
 std::string Resolved(const std::string& path);
 
-// A name of a file as its folder compares names.
+// Turns the name of a file into what its folder compares names by.
 std::string NameKey(const std::string& name);
 
 // Gives the file `from` the name `to`. Without `replace` only where nothing has that name, also
@@ -69,19 +70,19 @@ bool PutInPlace(const std::string& from, const std::string& to, bool replace);
 // Creates a folder and those around it. False: SystemError().
 bool CreateFolder(const std::string& path);
 
-// What separates the parts of a path.
+// These separate the parts of a path.
 #ifdef _WIN32
 constexpr char kSeparators[] = "/\\:";
 #else
 constexpr char kSeparators[] = "/";
 #endif
 
-// Names in a folder, sorted, without "." and "..". False where it cannot be read: LastError().
-// Names that cannot be said in this system's code page go into `unsayable`.
+// Lists the names in a folder, sorted, without "." and "..". False where it cannot be read:
+// LastError(). Names that cannot be said in this system's code page go into `unsayable`.
 bool NamesIn(const std::string& folder, std::vector<std::string>* names,
              std::vector<std::string>* unsayable);
 
-std::string HostName();
+std::string MachineName();
 uint32_t ProcessId();
 std::string TemporaryFolder();
 

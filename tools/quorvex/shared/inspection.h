@@ -1,4 +1,4 @@
-// What a recording is, as far as its head tells, and which recordings there are.
+// Tells what a recording is, as far as its head does.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "findings/findings.h"
-#include "host.h"
 #include "records/recording_head.h"
+#include "shared/system.h"
 
 namespace quorvex::tool {
 
@@ -35,33 +35,17 @@ struct CheckResult {
 };
 CheckResult CheckRecording(const std::string& path);
 
-// The fields of the record information line.
-enum class InfoForm : uint8_t {
-  kText,
-  kTime,
-  kSeconds,  // minutes and more are shown as such
-  kPeriods,
-  kAmount,  // in V or A, with a prefix
-  kLevel,   // in percent, with an amount in brackets; or only either
-  kNumber,
-};
-struct InfoField {
-  const char* label;
-  InfoForm form;
-};
-struct InfoValue {
-  InfoField field;
+// A field of the information line, with its text as the line has it.
+struct Fact {
+  InfoValue value;
   std::string text;
 };
-std::vector<InfoValue> InfoValues(const std::string& path, const RecordType& type);
-// Every field that a type has, in the order of the types.
-std::vector<InfoField> AllInfoFields();
 
 // Everything that a file list shows of a recording.
 struct Facts {
   std::string path;
   Recording recording;
-  std::vector<InfoValue> values;
+  std::vector<Fact> values;
   const char* end_from = nullptr;  // where the end comes from; null where there is none
   std::optional<std::string> instrument, serial, connection;
 };

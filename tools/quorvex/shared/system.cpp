@@ -1,5 +1,5 @@
-// What both platforms do alike.
-#include "host.h"
+// Here is what both platforms do alike.
+#include "shared/system.h"
 
 #include <dirent.h>
 #include <sys/stat.h>
@@ -10,8 +10,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "scratch.h"
-#include "support/file.h"
+#include "shared/scratch.h"
+#include "support/platform.h"
 
 namespace quorvex::tool {
 namespace {
@@ -19,24 +19,22 @@ namespace {
 constexpr int kMostPatience = 2;
 std::atomic<int> interrupts{0};
 
+// What stands at `path`, as the system has it; 0 where nothing does.
+unsigned ModeOf(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0 ? status.st_mode : 0;
+}
+
 }  // namespace
 
 std::string TextOfError(int error) { return std::strerror(error); }
 std::string LastError() { return TextOfError(errno); }
 
-bool IsFolder(const std::string& path) {
-  struct stat status {};
-  return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
-}
-
+bool Exists(const std::string& path) { return ModeOf(path) != 0; }
+bool IsFolder(const std::string& path) { return S_ISDIR(ModeOf(path)); }
 bool IsSpecial(const std::string& path) {
-  struct stat status {};
-  return stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
-}
-
-bool Exists(const std::string& path) {
-  struct stat status {};
-  return stat(path.c_str(), &status) == 0;
+  const unsigned mode = ModeOf(path);
+  return mode != 0 && !S_ISREG(mode);
 }
 
 bool SameRecording(const std::string& first, const std::string& second) {

@@ -1,4 +1,4 @@
-#include "messages.h"
+#include "shared/messages.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <iterator>
 
-#include "host.h"
-#include "scratch.h"
+#include "shared/scratch.h"
+#include "shared/system.h"
 
 namespace quorvex::tool {
 namespace {
@@ -89,9 +89,7 @@ size_t WidthOf(const std::string& text) {
   return width;
 }
 
-std::string CalledName(const std::string& path) {
-  return IsSpooled(path) ? std::string("-") : Utf8(path);
-}
+std::string CalledName(const std::string& path) { return IsSpooled(path) ? "-" : Utf8(path); }
 
 void Complain(const std::string& path, const std::string& reason) {
   Say(CalledName(path) + ": " + reason);

@@ -1,10 +1,10 @@
-#include "help.h"
+#include "shared/help.h"
 
 #include <algorithm>
 #include <numeric>
 
-#include "host.h"
-#include "messages.h"
+#include "shared/messages.h"
+#include "shared/system.h"
 
 namespace quorvex::tool {
 namespace {
@@ -24,7 +24,7 @@ constexpr struct {
     {kCancelled, "cancelled"},
 };
 
-// How many letters must be changed, added or left out to make one word of the other.
+// Counts the letters to change, add or leave out to make one word of the other.
 size_t Distance(const std::string& a, const std::string& b) {
   std::vector<size_t> row(b.size() + 1);
   std::iota(row.begin(), row.end(), size_t{0});
@@ -46,11 +46,17 @@ std::string HelpFormatter::make_option_opts(const CLI::Option* option) const {
   return value.empty() ? "" : " " + value;
 }
 
+void TakePaths(CLI::App* command, std::vector<std::string>* paths) {
+  command
+      ->add_option("PATH", *paths,
+                   "Recordings, and folders: every .REC file below them; - is standard input")
+      ->required();
+}
+
 std::string Footer(const std::vector<std::string>& examples, const std::vector<int>& codes) {
   std::string text = examples.empty() ? "" : "Examples:\n";
   for (const std::string& example : examples) text += "  " + example + "\n";
-  if (!examples.empty()) text += "\n";
-  text += "Exit codes:";
+  text += examples.empty() ? "Exit codes:" : "\nExit codes:";
   for (const auto& row : kCodes) {
     if (std::find(codes.begin(), codes.end(), row.code) == codes.end()) continue;
     const std::string number = std::to_string(row.code);
@@ -59,14 +65,14 @@ std::string Footer(const std::vector<std::string>& examples, const std::vector<i
   return text;
 }
 
-std::string Misspelt(const CLI::App& app, const std::vector<std::string>& arguments) {
-  if (arguments.empty() || arguments[0].empty() || arguments[0][0] == '-') return "";
+bool IsMisspelt(const CLI::App& app, const std::vector<std::string>& arguments) {
+  if (arguments.empty() || arguments[0].empty() || arguments[0][0] == '-') return false;
   const std::string& word = arguments[0];
   std::string nearest;
   size_t least = 3;  // more is another word
   for (const CLI::App* command : app.get_subcommands(nullptr)) {
     const std::string& name = command->get_name();
-    if (name == word) return "";
+    if (name == word) return false;
     if (command->get_group().empty()) continue;
     const size_t distance = Distance(word, name);
     if (distance < least) {
@@ -75,12 +81,13 @@ std::string Misspelt(const CLI::App& app, const std::vector<std::string>& argume
     }
   }
   if (Exists(word)) {
-    return Utf8(word) + " is a " + (IsFolder(word) ? "folder" : "file") +
-           ", no command; did you mean: quorvex convert \"" + Utf8(word) + "\"?";
+    Say(Utf8(word) + " is a " + (IsFolder(word) ? "folder" : "file") +
+        ", no command; did you mean: quorvex convert \"" + Utf8(word) + "\"?");
+  } else {
+    Say(Utf8(word) + " is no command; " +
+        (nearest.empty() ? "quorvex --help lists them" : "did you mean: quorvex " + nearest + "?"));
   }
-  if (!nearest.empty())
-    return Utf8(word) + " is no command; did you mean: quorvex " + nearest + "?";
-  return Utf8(word) + " is no command; quorvex --help lists them";
+  return true;
 }
 
 }  // namespace quorvex::tool

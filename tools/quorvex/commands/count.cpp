@@ -1,14 +1,15 @@
-// quorvex count and version: small questions.
-#include "commands.h"
+// quorvex count prints how many records a recording has.
+#include "commands/commands.h"
 #include "findings/soundness.h"
-#include "gather.h"
-#include "inspection.h"
-#include "messages.h"
-#include "quorvex64.h"
+#include "shared/gather.h"
+#include "shared/help.h"
+#include "shared/inspection.h"
+#include "shared/messages.h"
 
 namespace quorvex::tool {
+namespace {
 
-int Count(const std::string& path) {
+ExitCode Count(const std::string& path) {
   std::vector<std::string> paths = {path};
   if (path == "-" && !GatherRecordings({path}, &paths)) return kNoInput;
   const Recording recording = Inspect(paths.back());
@@ -29,14 +30,15 @@ int Count(const std::string& path) {
   return kDone;
 }
 
-std::string VersionText() {
-  return std::string("quorvex ") + QUORVEX_TOOL_VERSION + " (library " +
-         std::to_string(QuorvexGetVersion()) + ")";
-}
+}  // namespace
 
-int Version() {
-  Print(VersionText() + "\n");
-  return kDone;
+Command AddCount(CLI::App& app) {
+  const auto path = std::make_shared<std::string>();
+  CLI::App* line = app.add_subcommand("count", "Print how many whole records a recording has");
+  line->add_option("FILE", *path, "Recording; - is standard input")->required();
+  line->footer(Footer({"quorvex count R0001GEN.REC"},
+                      {kDone, kUsage, kNoInput, kUnknownType, kCutShort, kNoOutput, kDamaged}));
+  return {line, [path] { return Count(*path); }};
 }
 
 }  // namespace quorvex::tool

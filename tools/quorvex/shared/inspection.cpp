@@ -1,64 +1,20 @@
-#include "inspection.h"
+#include "shared/inspection.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstdio>
 #include <cstring>
-#include <iterator>
 
 #include "findings/soundness.h"
-#include "quorvex64.h"
+#include "records/information.h"
 #include "records/walk.h"
-#include "scratch.h"
 #include "settings/settings_table.h"
-#include "settings/time_texts.h"
 #include "settings/value_texts.h"
+#include "shared/scratch.h"
 #include "support/escape_text.h"
 #include "support/file.h"
 
 namespace quorvex::tool {
 namespace {
-
-constexpr InfoField kStart = {"start", InfoForm::kTime};
-constexpr InfoField kEnd = {"end", InfoForm::kTime};
-constexpr InfoField kInterval = {"interval", InfoForm::kSeconds};
-constexpr InfoField kTrigger = {"trigger", InfoForm::kText};
-constexpr InfoField kLevel = {"level", InfoForm::kLevel};
-constexpr InfoField kSlope = {"slope", InfoForm::kText};
-constexpr InfoField kDuration = {"duration", InfoForm::kSeconds};
-constexpr InfoField kPretrigger = {"pretrigger", InfoForm::kSeconds};
-
-// What the fields of the record information line are, in their order; a number may stand last.
-constexpr struct {
-  uint32_t type;
-  InfoField fields[12];
-} kLines[] = {
-    {1, {kStart, kEnd, kInterval}},
-    {2, {kStart, kEnd, kTrigger, kLevel, kSlope, kDuration, kPretrigger}},
-    {5,
-     {kStart,
-      kEnd,
-      kTrigger,
-      {"voltage level", InfoForm::kAmount},
-      {"voltage envelope", InfoForm::kAmount},
-      {"neutral level", InfoForm::kAmount},
-      {"neutral envelope", InfoForm::kAmount},
-      {"current level", InfoForm::kAmount},
-      {"current envelope", InfoForm::kAmount},
-      {"neutral I level", InfoForm::kAmount},
-      {"neutral I envelope", InfoForm::kAmount}}},
-    {6, {{"time", InfoForm::kTime}}},
-    {14, {kStart, kEnd, kLevel, kSlope, kDuration, kPretrigger, {"mark", InfoForm::kNumber}}},
-    {16, {kStart, kEnd, kInterval}},
-    {17,
-     {kStart,
-      kEnd,
-      kTrigger,
-      kLevel,
-      {"duration", InfoForm::kPeriods},
-      {"pretrigger", InfoForm::kPeriods}}},
-    {18, {kStart, kEnd}},
-};
 
 void Fail(Recording* recording, ExitCode code, const std::string& problem) {
   recording->code = code;
@@ -72,12 +28,6 @@ std::optional<uint64_t> WholeRecords(const RecordingHead& head) {
   if (size == 0) return std::nullopt;
   const uint64_t records = (head.size - type.records_at) / size;
   return type.once ? std::min<uint64_t>(records, 1) : records;
-}
-
-std::string InfoLine(const std::string& path) {
-  char line[512];
-  QuorvexGetRecordInfo(path.c_str(), line);
-  return line;
 }
 
 }  // namespace
@@ -157,52 +107,37 @@ CheckResult CheckRecording(const std::string& path) {
   return result;
 }
 
-std::vector<InfoValue> InfoValues(const std::string& path, const RecordType& type) {
-  std::vector<InfoValue> values;
-  const auto* row = std::find_if(std::begin(kLines), std::end(kLines),
-                                 [&](const auto& line) { return line.type == type.type; });
-  if (row == std::end(kLines)) return values;
-  const std::string line = InfoLine(path);
-  size_t at = line.find(' ');
-  for (const InfoField* field = row->fields; field->label != nullptr; ++field) {
-    if (at == std::string::npos) break;
-    const bool quoted = line.compare(at, 2, " '") == 0;
-    const size_t from = at + (quoted ? 2 : 1);
-    const size_t end = quoted ? line.find('\'', from) : std::string::npos;
-    std::string text = line.substr(from, end == std::string::npos ? end : end - from);
-    text.erase(text.find_last_not_of(' ') + 1);
-    values.push_back({*field, text});
-    at = end == std::string::npos ? end : line.find(' ', end);
-  }
-  return values;
-}
-
-std::vector<InfoField> AllInfoFields() {
-  std::vector<InfoField> all;
-  for (const auto& line : kLines) {
-    for (const InfoField* field = line.fields; field->label != nullptr; ++field) {
-      all.push_back(*field);
-    }
-  }
-  return all;
-}
-
 namespace {
+
+// Before a setting file is taken: of most types the line is of the recording's own settings.
+std::vector<Fact> FactsIn(RecordingHead* head) {
+  InfoValue values[kMostInfoFields];
+  bool estimated = false;
+  const uint32_t count = InfoValues(head, values, &estimated);
+  std::vector<Fact> facts;
+  for (uint32_t i = 0; i < count; ++i) {
+    char text[128];
+    BoundedText to(text, sizeof text);
+    InfoText(values[i], head->settings, &to);
+    facts.push_back({values[i], text});
+    std::string& kept = facts.back().text;
+    kept.erase(kept.find_last_not_of(' ') + 1);
+  }
+  return facts;
+}
 
 // Of records that follow each other in time the information line has an estimate; the last whole
 // record knows better.
 void ReadEnd(RecordingHead* head, Facts* facts) {
   const Recording& r = facts->recording;
-  const auto end = std::find_if(facts->values.begin(), facts->values.end(), [](const InfoValue& v) {
-    return std::strcmp(v.field.label, kEnd.label) == 0;
+  const auto end = std::find_if(facts->values.begin(), facts->values.end(), [](const Fact& fact) {
+    return std::strcmp(fact.value.field->label, "end") == 0;
   });
   if (end == facts->values.end()) return;
-  constexpr uint32_t kGeneral = 1, kVoltageQuality = 16, kEnergyMeter = 18;
-  if (r.type->type != kGeneral && r.type->type != kVoltageQuality) {
-    facts->end_from = r.type->type == kEnergyMeter ? "records" : "settings";
-    return;
-  }
-  facts->end_from = r.setting_file ? "settings" : "estimate";
+  const InfoFrom from = end->value.field->from;
+  facts->end_from = from == InfoFrom::kSettings || r.setting_file ? "settings" : "records";
+  if (from != InfoFrom::kPeriods) return;
+  if (!r.setting_file) facts->end_from = "estimate";
   const Field* layout = LayoutOf(*r.type, head->settings);
   if (r.records.value_or(0) == 0 || layout == nullptr) return;
   const int32_t place = DateTimeAt(*layout, "LAST_TIME");
@@ -214,7 +149,8 @@ void ReadEnd(RecordingHead* head, Facts* facts) {
   }
   char text[48];
   BoundedText to(text, sizeof text);
-  DateTimeText(time, TimeDetail::kMilliseconds, &to);
+  end->value.time = time;
+  InfoText(end->value, head->settings, &to);
   end->text = text;
   facts->end_from = "records";
 }
@@ -230,11 +166,14 @@ Facts FactsOf(const std::string& path) {
     return facts;
   }
   RecordingHead head(path.c_str());
+  if (head.file) facts.values = FactsIn(&head);
   facts.recording = Inspect(&head);
   const UifParams& settings = head.settings;
-  if (facts.recording.code != kDone) return facts;
+  if (facts.recording.code != kDone) {
+    facts.values.clear();
+    return facts;
+  }
   const RecordType& type = *facts.recording.type;
-  facts.values = InfoValues(path, type);
   ReadEnd(&head, &facts);
   if (type.settings_at == 0) return facts;
   char text[kLongestMadeText];

@@ -1,11 +1,17 @@
-// quorvex check: whether recordings are sound, for people and for programs.
-#include "commands.h"
-#include "gather.h"
-#include "inspection.h"
-#include "json.h"
+// quorvex check says whether recordings are sound, to people and to programs.
+#include "commands/commands.h"
+#include "shared/gather.h"
+#include "shared/help.h"
+#include "shared/inspection.h"
+#include "shared/json.h"
 
 namespace quorvex::tool {
 namespace {
+
+struct Options {
+  std::vector<std::string> inputs;
+  bool json = false;
+};
 
 ExitCode CodeOf(const CheckResult& result) {
   if (result.recording.code != kDone) return result.recording.code;
@@ -15,8 +21,7 @@ ExitCode CodeOf(const CheckResult& result) {
 
 Json ToJson(const std::string& path, const CheckResult& result) {
   Json entry = JsonOf(path, result.recording, result.recording.records);
-  const bool silent = result.findings.list.empty();
-  entry["worst"] = silent ? Json() : Json(NameOf(result.findings.worst));
+  entry["worst"] = result.findings.list.empty() ? Json() : Json(NameOf(result.findings.worst));
   entry["findings"] = Json::array();
   for (const Finding& f : result.findings.list) {
     entry["findings"].push_back({{"severity", NameOf(f.severity)},
@@ -29,9 +34,8 @@ Json ToJson(const std::string& path, const CheckResult& result) {
   entry["unlisted"] = Json::object();
   for (size_t k = 0; k < kFindingKinds; ++k) {
     const auto kind = static_cast<FindingKind>(k);
-    if (result.findings.Unlisted(kind) != 0) {
-      entry["unlisted"][NameOf(kind)] = result.findings.Unlisted(kind);
-    }
+    const uint64_t more = result.findings.Unlisted(kind);
+    if (more != 0) entry["unlisted"][NameOf(kind)] = more;
   }
   return entry;
 }
@@ -43,9 +47,7 @@ void PrintResult(const std::string& path, const CheckResult& result) {
   if (CodeOf(result) == kDone) Print(Shown(CalledName(path)) + ": sound\n");
 }
 
-}  // namespace
-
-int Check(const CheckOptions& options) {
+ExitCode Check(const Options& options) {
   std::vector<std::string> paths;
   ExitCode code = GatherRecordings(options.inputs, &paths) ? kDone : kNoInput;
   size_t sound = 0, doubtful = 0;
@@ -53,7 +55,7 @@ int Check(const CheckOptions& options) {
   for (const std::string& path : paths) {
     const CheckResult result = CheckRecording(path);
     const ExitCode outcome = CodeOf(result);
-    // Errors before warnings; of errors the first.
+    // The code is the one of the first error, else of the warnings.
     if (code == kDone || code == kDoubtful) code = outcome != kDone ? outcome : code;
     sound += outcome == kDone ? 1 : 0;
     doubtful += outcome == kDoubtful ? 1 : 0;
@@ -71,6 +73,20 @@ int Check(const CheckOptions& options) {
           " with warnings, " + number(paths.size() - sound - doubtful) + " with errors\n");
   }
   return code;
+}
+
+}  // namespace
+
+Command AddCheck(CLI::App& app) {
+  const auto options = std::make_shared<Options>();
+  CLI::App* line =
+      app.add_subcommand("check", "Say whether recordings are sound, before they are converted");
+  TakePaths(line, &options->inputs);
+  line->add_flag("--json", options->json, "For programs: an array, an object a line");
+  line->footer(
+      Footer({"quorvex check card", "quorvex check --json card | jq '.[] | select(.worst)'"},
+             {kDone, kDoubtful, kUsage, kNoInput, kUnknownType, kCutShort, kNoOutput, kDamaged}));
+  return {line, [options] { return Check(*options); }};
 }
 
 }  // namespace quorvex::tool

@@ -1,22 +1,30 @@
-// quorvex convert: which recordings, into which documents.
+// quorvex convert decides which recordings become which documents, and has them converted.
 #include <algorithm>
 #include <charconv>
 #include <map>
 #include <set>
 #include <thread>
 
-#include "commands.h"
-#include "conversion_jobs.h"
-#include "gather.h"
-#include "messages.h"
+#include "commands/commands.h"
 #include "records/record_types.h"
-#include "scratch.h"
-#include "support/loads.h"
+#include "shared/conversion_jobs.h"
+#include "shared/gather.h"
+#include "shared/help.h"
+#include "shared/messages.h"
+#include "shared/scratch.h"
+#include "support/file.h"
 
 namespace quorvex::tool {
 namespace {
 
-// "5", "5-" or "3-5".
+struct Options {
+  std::vector<std::string> inputs;
+  std::string output, records;  // empty: beside each recording; all of them
+  unsigned jobs = 0;            // as many as there are cores
+  bool overwrite = false, no_clobber = false, quiet = false;
+};
+
+// A range of records is "5", "5-" or "3-5".
 bool ParseRange(const std::string& text, Range* range) {
   const char* end = text.data() + text.size();
   auto [at, error] = std::from_chars(text.data(), end, range->first);
@@ -39,8 +47,8 @@ std::string DocumentName(const std::string& recording) {
   return (extension ? recording.substr(0, dot) : recording) + ".xml";
 }
 
-// Whether something that stands at `path` must not be replaced, whatever is asked: recordings are
-// not to be had again. The second word of a recording is its type.
+// Whether what stands at `path` is a recording, which is never replaced, as it is not to be had
+// again. The second word of a recording is its type.
 bool IsRecording(const std::string& path) {
   if (IsRecordingName(path)) return true;
   File file(path.c_str(), kOpenRead);
@@ -49,29 +57,26 @@ bool IsRecording(const std::string& path) {
          FindRecordType(header.type) != nullptr;
 }
 
-std::string Counted(uint64_t records) {
-  return std::to_string(records) + (records == 1 ? " record" : " records");
-}
-
-// Only of general recordings a part can be converted.
+// Gives the job its range. Only of general recordings a part can be converted.
 bool TakeRange(const Range& range, Job* job) {
   const Recording& r = job->recording;
+  const uint64_t records = r.records.value_or(0);
   job->range = range;
   if (r.type != &kGeneral) {
     job->Fail(kUnknownType, job->input,
               std::string("holds ") + r.type->name +
                   "; only general recordings are converted in part (--records)");
-  } else if (range.first > r.records.value_or(0)) {
+  } else if (range.first > records) {
     job->Fail(kUsage, job->input,
-              "has " + Counted(r.records.value_or(0)) + ", none from " +
-                  std::to_string(range.first) + " on (--records)");
+              "has " + std::to_string(records) + (records == 1 ? " record" : " records") +
+                  ", none from " + std::to_string(range.first) + " on (--records)");
   }
   return job->problem.empty();
 }
 
 class Preparation {
  public:
-  Preparation(const ConvertOptions& options, const Range& range, bool into_folder)
+  Preparation(const Options& options, const Range& range, bool into_folder)
       : options_(options), range_(range), into_folder_(into_folder) {}
 
   void Prepare(Job* job) {
@@ -126,44 +131,40 @@ class Preparation {
     if (cleaned_.insert(folder).second) RemoveLeftovers(folder);
   }
 
-  const ConvertOptions& options_;
+  const Options& options_;
   Range range_;
   bool into_folder_;
   std::map<std::string, std::string> taken_;
   std::set<std::string> cleaned_;
 };
 
-size_t CountOf(const std::deque<Job>& jobs, bool (*is)(const Job& job)) {
-  return static_cast<size_t>(std::count_if(jobs.begin(), jobs.end(), is));
-}
-
 void TellExisting(const std::deque<Job>& jobs) {
-  const size_t count = CountOf(jobs, [](const Job& job) { return job.exists; });
+  const auto exists = [](const Job& job) { return job.exists; };
+  const auto count = std::count_if(jobs.begin(), jobs.end(), exists);
   if (count == 0) return;
-  const Job& first =
-      *std::find_if(jobs.begin(), jobs.end(), [](const Job& job) { return job.exists; });
+  const Job& first = *std::find_if(jobs.begin(), jobs.end(), exists);
   if (count == 1) return Complain(first.culprit, first.problem);
   Say(std::to_string(count) + " documents exist already, the first is " + first.named +
       "; --overwrite replaces them");
 }
 
-// One line of what became of them all.
+// Says in one line what became of them all.
 void TellSummary(const std::deque<Job>& jobs) {
-  const auto with = [&](bool (*is)(const Job& job)) { return std::to_string(CountOf(jobs, is)); };
-  const size_t written = CountOf(jobs, [](const Job& job) { return job.problem.empty(); });
-  const size_t existing = CountOf(jobs, [](const Job& job) { return job.exists; });
-  Say("found " + std::to_string(jobs.size()) + ", written " + std::to_string(written) +
-      ", skipped " + std::to_string(jobs.size() - written) +
-      (existing != 0 ? " (" + std::to_string(existing) + " exist already)" : "") + "; " +
-      with([](const Job& job) { return job.findings.worst == Severity::kError; }) +
-      " with errors, " +
-      with([](const Job& job) { return job.findings.worst == Severity::kWarning; }) +
-      " with warnings");
+  size_t written = 0, existing = 0, errors = 0, warnings = 0;
+  for (const Job& job : jobs) {
+    written += job.problem.empty() ? 1 : 0;
+    existing += job.exists ? 1 : 0;
+    errors += job.findings.worst == Severity::kError ? 1 : 0;
+    warnings += job.findings.worst == Severity::kWarning ? 1 : 0;
+  }
+  const auto number = [](size_t count) { return std::to_string(count); };
+  Say("found " + number(jobs.size()) + ", written " + number(written) + ", skipped " +
+      number(jobs.size() - written) +
+      (existing != 0 ? " (" + number(existing) + " exist already)" : "") + "; " + number(errors) +
+      " with errors, " + number(warnings) + " with warnings");
 }
 
-}  // namespace
-
-int Convert(const ConvertOptions& options) {
+ExitCode Convert(const Options& options) {
   Range range;
   if (!options.records.empty() && !ParseRange(options.records, &range)) {
     Complain("--records " + options.records, "is no range of records such as 3-5, 5- or 5");
@@ -192,9 +193,7 @@ int Convert(const ConvertOptions& options) {
   for (const std::string& recording : recordings) {
     jobs.emplace_back().input = recording;
     preparation.Prepare(&jobs.back());
-    Done done;
-    done.files = jobs.size();
-    if (progress.IsDue()) progress.Tell(done);
+    if (progress.IsDue()) progress.Tell({jobs.size()});
   }
   unsigned workers = options.jobs != 0 ? options.jobs : std::thread::hardware_concurrency();
   workers = std::clamp(workers, 1u, kMostWorkers);
@@ -210,6 +209,38 @@ int Convert(const ConvertOptions& options) {
     if (job.code != kDone && !(job.exists && options.no_clobber)) return job.code;
   }
   return kDone;
+}
+
+}  // namespace
+
+Command AddConvert(CLI::App& app) {
+  const auto options = std::make_shared<Options>();
+  CLI::App* line = app.add_subcommand("convert", "Write the XML documents of recordings");
+  TakePaths(line, &options->inputs);
+  line->add_option("-o,--output", options->output,
+                   "Document, or a folder for the documents (a new one ends in /); - is standard "
+                   "output. By default beside each recording, with the extension .xml")
+      ->option_text("PATH");
+  auto* overwrite = line->add_flag(
+      "--overwrite", options->overwrite,
+      "Replace documents that exist already. By default they are left as they are, and the command "
+      "fails for them. Recordings are never replaced");
+  line->add_flag("-n,--no-clobber", options->no_clobber,
+                 "Leave documents that exist already, and do not fail for them")
+      ->excludes(overwrite);
+  line->add_option("--records", options->records,
+                   "Only these records of a general recording, counted from 1: 3-5, 5- or 5")
+      ->option_text("A-B");
+  line->add_option("-j,--jobs", options->jobs,
+                   "Conversions side by side; as many as there are cores by default")
+      ->option_text("N");
+  line->add_flag("-q,--quiet", options->quiet,
+                 "Failures only: no findings in recordings, no progress, no summary");
+  line->footer(
+      Footer({"quorvex convert R0001GEN.REC", "quorvex convert card -o documents/ --no-clobber",
+              "quorvex convert R0001GEN.REC --records 37-72 -o morning.xml"},
+             {kDone, kUsage, kNoInput, kUnknownType, kCutShort, kNoOutput, kCancelled}));
+  return {line, [options] { return Convert(*options); }};
 }
 
 }  // namespace quorvex::tool

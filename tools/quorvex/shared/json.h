@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "inspection.h"
-#include "messages.h"
+#include "shared/inspection.h"
+#include "shared/messages.h"
 
 namespace quorvex::tool {
 
@@ -17,7 +17,7 @@ Json OrNull(const std::optional<T>& value) {
   return value ? Json(*value) : Json();
 }
 
-// What every command tells of a recording first.
+// Makes the entry of a recording, with what every command tells of it first.
 inline Json JsonOf(const std::string& path, const Recording& r,
                    const std::optional<uint64_t>& records) {
   Json entry;

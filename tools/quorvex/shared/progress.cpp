@@ -1,10 +1,10 @@
-#include "progress.h"
+#include "shared/progress.h"
 
 #include <algorithm>
 #include <cstdio>
 
-#include "host.h"
-#include "messages.h"
+#include "shared/messages.h"
+#include "shared/system.h"
 
 namespace quorvex::tool {
 namespace {

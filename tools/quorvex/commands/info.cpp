@@ -1,69 +1,44 @@
-// quorvex info: what recordings are, for people and for programs.
+// quorvex info says what recordings are, to people and to programs.
 #include <algorithm>
 #include <cctype>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 
-#include "commands.h"
-#include "gather.h"
-#include "inspection.h"
-#include "json.h"
+#include "commands/commands.h"
 #include "quorvex64.h"
-#include "scratch.h"
-#include "settings/time_texts.h"
+#include "records/record_types.h"
+#include "shared/gather.h"
+#include "shared/help.h"
+#include "shared/inspection.h"
+#include "shared/json.h"
+#include "shared/scratch.h"
 
 namespace quorvex::tool {
 namespace {
 
-// "07.Mar.2024 14:05:09.123" as "2024-03-07T14:05:09.123"; empty where it is no point in time.
-std::string IsoTime(const std::string& text) {
-  int day = 0, year = 0, hour = 0, minute = 0, used = 0;
-  char month[4];
-  DateTimeRecord time{};
-  if (std::sscanf(text.c_str(), "%d.%3[A-Za-z].%d %d:%d:%n", &day, month, &year, &hour, &minute,
-                  &used) != 5) {
-    return "";
-  }
-  constexpr char kMonths[] = "JanFebMarAprMayJunJulAugSepOctNovDec";
-  const char* name = std::strstr(kMonths, month);
-  if (name == nullptr) return "";
-  const std::string seconds = text.substr(static_cast<size_t>(used));
-  time.year = static_cast<uint16_t>(year);
-  time.month = static_cast<uint8_t>((name - kMonths) / 3 + 1);
-  time.day = static_cast<uint8_t>(day);
-  time.hour = static_cast<uint8_t>(hour);
-  time.minute = static_cast<uint8_t>(minute);
-  time.seconds = std::strtod(seconds.c_str(), nullptr);
+struct Options {
+  std::vector<std::string> inputs;
+  bool raw = false;  // the record information lines are printed as the library gives them
+  bool json = false;
+};
+
+// "2024-03-07T14:05:09.123"; nothing for what is no point in time.
+std::string IsoTime(const DateTimeRecord& time) {
   if (!IsPointInTime(time)) return "";
-  char date[24];
-  std::snprintf(date, sizeof date, "%04d-%02d-%02dT%02d:%02d:", time.year, time.month, time.day,
-                time.hour, time.minute);
-  return date + seconds;
+  char text[40];
+  const int milliseconds = static_cast<int>(time.seconds * 1000);
+  std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d.%03d", time.year, time.month,
+                time.day, time.hour, time.minute, milliseconds / 1000, milliseconds % 1000);
+  return text;
 }
 
-// "1 days 02 hours 3 Min 4 s" in seconds.
-Json Seconds(const std::string& text) {
-  if (text.empty()) return nullptr;
-  double seconds = 0;
-  const char* at = text.c_str();
-  for (char* end; *at != '\0'; at = end) {
-    const double number = std::strtod(at, &end);
-    if (end == at) return nullptr;
-    while (*end == ' ') ++end;
-    const double unit = *end == 'd' ? 86400 : *end == 'h' ? 3600 : *end == 'M' ? 60 : 1;
-    seconds += number * unit;
-    while (*end != '\0' && *end != ' ') ++end;
-  }
-  return static_cast<int64_t>(seconds);
-}
-
-// "12.50kV" in volts. What passes the limits of the display is no number.
-Json Amount(const char* text) {
-  char* end = nullptr;
-  const double number = std::strtod(text, &end);
-  if (end == text || !(std::abs(number) < 1e30)) return nullptr;
-  return *end == 'k' ? number * 1000 : *end == 'm' ? number / 1000 : number;
+// An amount to the digits that a stored float has; nothing where it is no number.
+Json Amount(double amount) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.7g", amount);
+  if (!std::isfinite(amount) || amount == kNoValueDouble) return nullptr;
+  return std::strtod(text, nullptr);
 }
 
 std::string KeyOf(const InfoField& field) {
@@ -74,33 +49,34 @@ std::string KeyOf(const InfoField& field) {
   return field.form == InfoForm::kPeriods ? key + "_periods" : key;
 }
 
-void PutValue(const InfoValue& value, Json* to) {
-  const std::string key = KeyOf(value.field);
-  const std::string& text = value.text;
-  switch (value.field.form) {
+void PutValue(const Fact& fact, Json* to) {
+  const InfoValue& value = fact.value;
+  const std::string key = KeyOf(*value.field);
+  if (!value.shown) return;
+  switch (value.field->form) {
     case InfoForm::kTime:
-      if (const std::string time = IsoTime(text); !time.empty()) (*to)[key] = time;
+      if (const std::string time = IsoTime(value.time); !time.empty()) (*to)[key] = time;
       break;
-    case InfoForm::kSeconds:
-      (*to)[key] = Seconds(text);
+    case InfoForm::kInterval:
+      if (value.number != 0) (*to)[key] = value.number;
+      break;
+    case InfoForm::kDuration:
+      (*to)[key] = value.number;
       break;
     case InfoForm::kPeriods:
     case InfoForm::kNumber:
-      (*to)[key] = std::strtoll(text.c_str(), nullptr, 10);
+      (*to)[key] = static_cast<int32_t>(value.number);
       break;
-    case InfoForm::kAmount:
-      (*to)[key] = Amount(text.c_str());
+    case InfoForm::kLevel:
+      (*to)[key + "_percent"] = Amount(static_cast<double>(value.level));
+      [[fallthrough]];
+    case InfoForm::kVolts:
+    case InfoForm::kAmperes:
+      (*to)[key] = Amount(value.amount);
       break;
-    case InfoForm::kLevel: {
-      const size_t percent = text.find('%');
-      const size_t bracket = text.find('(');
-      if (percent != std::string::npos) (*to)[key + "_percent"] = Amount(text.c_str());
-      if (percent == std::string::npos) (*to)[key] = Amount(text.c_str());
-      if (bracket != std::string::npos) (*to)[key] = Amount(text.c_str() + bracket + 1);
-      break;
-    }
-    case InfoForm::kText:
-      if (!text.empty() && text != "-") (*to)[key] = text;
+    case InfoForm::kTrigger:
+    case InfoForm::kSlope:
+      if (!fact.text.empty()) (*to)[key] = fact.text;
       break;
   }
 }
@@ -108,11 +84,15 @@ void PutValue(const InfoValue& value, Json* to) {
 Json ToJson(const Facts& facts) {
   const Recording& r = facts.recording;
   Json entry = JsonOf(facts.path, r, r.records);
-  for (const InfoField& field : AllInfoFields()) {
-    entry[KeyOf(field)] = nullptr;
-    if (field.form == InfoForm::kLevel) entry[KeyOf(field) + "_percent"] = nullptr;
+  // Every field that some type has, so that all entries have the same.
+  for (const RecordType* type : kRecordTypes) {
+    for (uint32_t i = 0; i < type->line.count; ++i) {
+      const InfoField& field = type->line.fields[i];
+      entry[KeyOf(field)] = nullptr;
+      if (field.form == InfoForm::kLevel) entry[KeyOf(field) + "_percent"] = nullptr;
+    }
   }
-  for (const InfoValue& value : facts.values) PutValue(value, &entry);
+  for (const Fact& fact : facts.values) PutValue(fact, &entry);
   entry["end_from"] = entry["end"].is_null() ? Json() : Json(facts.end_from);
   entry["instrument"] = nullptr;
   if (facts.instrument) {
@@ -126,22 +106,22 @@ Json ToJson(const Facts& facts) {
 
 using Row = std::vector<std::string>;
 
-// To the minute: seconds would take the room that names need.
-std::string ShortTime(const std::string& text) {
-  std::string time = IsoTime(text).substr(0, 16);
+// The table has times to the minute: seconds would take the room that names need.
+std::string ShortTime(const DateTimeRecord& stored) {
+  std::string time = IsoTime(stored).substr(0, 16);
   if (!time.empty()) time[10] = ' ';
   return time;
 }
 
-// `folder` is where all files lie.
+// `folder` is where all files lie; the table leaves it out.
 Row ToRow(const Facts& facts, const std::string& folder) {
   const Recording& r = facts.recording;
   std::string start, end, interval;
-  for (const InfoValue& value : facts.values) {
-    const std::string label = value.field.label;
-    if (label == "start" || label == "time") start = ShortTime(value.text);
-    if (label == "end") end = ShortTime(value.text);
-    if (label == "interval") interval = value.text;
+  for (const Fact& fact : facts.values) {
+    const std::string label = fact.value.field->label;
+    if (label == "start" || label == "time") start = ShortTime(fact.value.time);
+    if (label == "end") end = ShortTime(fact.value.time);
+    if (label == "interval") interval = fact.text;
   }
   return {Shown(CalledName(facts.path).substr(folder.size())),
           r.type != nullptr ? r.type->name : "-",
@@ -155,7 +135,7 @@ Row ToRow(const Facts& facts, const std::string& folder) {
 
 void PrintTable(const std::vector<Row>& rows) {
   const Row heads = {"FILE", "TYPE", "START", "END", "INTERVAL", "RECORDS", "SIZE", "PROBLEM"};
-  constexpr size_t kNumbersFrom = 5;  // to the right, up to the last column
+  constexpr size_t kNumbersFrom = 5;  // these stand to the right, up to the last column
   std::vector<size_t> widths(heads.size());
   for (size_t c = 0; c < heads.size(); ++c) {
     widths[c] = WidthOf(heads[c]);
@@ -166,8 +146,7 @@ void PrintTable(const std::vector<Row>& rows) {
     for (size_t c = 0; c < row.size(); ++c) {
       const std::string room(widths[c] - WidthOf(row[c]), ' ');
       const bool number = c >= kNumbersFrom && c + 1 < row.size();
-      line += number ? room + row[c] : row[c] + room;
-      line += "  ";
+      line += (number ? room + row[c] : row[c] + room) + "  ";
     }
     line.erase(line.find_last_not_of(' ') + 1);
     Print(line + "\n");
@@ -188,10 +167,10 @@ void PrintLabelled(const Facts& facts) {
   PrintLabelled("version", std::to_string(static_cast<int32_t>(r.header->version)));
   PrintLabelled("size", std::to_string(r.size) + " bytes");
   if (r.records) PrintLabelled("records", std::to_string(*r.records));
-  for (const InfoValue& value : facts.values) {
-    const bool estimate =
-        facts.end_from == std::string("estimate") && value.field.label == std::string("end");
-    PrintLabelled(value.field.label, value.text + (estimate ? " (estimated)" : ""));
+  for (const Fact& fact : facts.values) {
+    const std::string label = fact.value.field->label;
+    const bool estimate = facts.end_from == std::string("estimate") && label == "end";
+    PrintLabelled(label, fact.text + (estimate ? " (estimated)" : ""));
   }
 }
 
@@ -207,9 +186,7 @@ ExitCode PrintRaw(const std::string& path) {
   return kDone;
 }
 
-}  // namespace
-
-int Info(const InfoOptions& options) {
+ExitCode Info(const Options& options) {
   std::vector<std::string> paths;
   ExitCode code = GatherRecordings(options.inputs, &paths) ? kDone : kNoInput;
   const bool alone = paths.size() == 1 && (paths == options.inputs || IsSpooled(paths.front()));
@@ -238,6 +215,22 @@ int Info(const InfoOptions& options) {
   if (options.json) array.Close();
   if (!rows.empty()) PrintTable(rows);
   return code;
+}
+
+}  // namespace
+
+Command AddInfo(CLI::App& app) {
+  const auto options = std::make_shared<Options>();
+  CLI::App* line = app.add_subcommand("info", "Say what recordings are");
+  TakePaths(line, &options->inputs);
+  auto* raw =
+      line->add_flag("--raw", options->raw, "Only the record information line, as hosts get it");
+  line->add_flag("--json", options->json, "For programs: an array, an object a line")
+      ->excludes(raw);
+  line->footer(Footer({"quorvex info card", "quorvex info R0001GEN.REC",
+                       "quorvex info --json card | jq '.[].type'"},
+                      {kDone, kUsage, kNoInput, kUnknownType, kCutShort, kNoOutput}));
+  return {line, [options] { return Info(*options); }};
 }
 
 }  // namespace quorvex::tool

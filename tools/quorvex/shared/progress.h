@@ -1,10 +1,9 @@
-// How far a batch is, for people: on a terminal a line that is drawn over, elsewhere a line a
-// minute.
+// Shows people how far a batch is: on a terminal in a line that is drawn over, elsewhere in a line
+// a minute.
 #pragma once
 
 #include <chrono>
 #include <cstddef>
-#include <string>
 
 namespace quorvex::tool {
 

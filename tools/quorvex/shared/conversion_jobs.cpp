@@ -1,4 +1,4 @@
-#include "conversion_jobs.h"
+#include "shared/conversion_jobs.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "findings/soundness.h"
-#include "gather.h"
-#include "messages.h"
-#include "scratch.h"
+#include "shared/gather.h"
+#include "shared/messages.h"
+#include "shared/scratch.h"
 #include "xml/conversion.h"
 
 namespace quorvex::tool {

@@ -1,4 +1,4 @@
-#include "scratch.h"
+#include "shared/scratch.h"
 
 #include <algorithm>
 #include <cctype>
@@ -9,8 +9,8 @@
 #include <optional>
 #include <vector>
 
-#include "gather.h"
-#include "host.h"
+#include "shared/gather.h"
+#include "shared/system.h"
 #include "support/file.h"
 
 namespace quorvex::tool {
@@ -19,18 +19,20 @@ namespace {
 constexpr char kMark[] = ".quorvex-";
 constexpr char kRecordingEnd[] = ".REC";  // the record information line wants it
 
-// For the end of a process that cannot wait: no allocation.
+// A process that cannot wait removes these at its end, without allocating.
 char paths[kScratchSlots][kMaxPath + 1];
 
-std::string OfThisHost() {
-  std::string host = HostName().substr(0, 40);
+// The names of this machine's scratch files begin so.
+std::string OfThisMachine() {
+  std::string machine = MachineName().substr(0, 40);
   std::replace_if(
-      host.begin(), host.end(),
+      machine.begin(), machine.end(),
       [](unsigned char c) { return c >= 0x80 || (!std::isalnum(c) && c != '.' && c != '_'); }, '_');
-  return kMark + host + "-";
+  return kMark + machine + "-";
 }
 
-// The process of ".quorvex-HOST-PROCESS-SLOT~" with this prefix; nothing for other names.
+// Reads the process out of ".quorvex-MACHINE-PROCESS-SLOT~" with this prefix; other names give
+// nothing.
 std::optional<uint32_t> OwnerOf(const std::string& name, const std::string& prefix) {
   if (name.compare(0, prefix.size(), prefix) != 0) return std::nullopt;
   unsigned owner = 0, slot = 0;
@@ -48,7 +50,7 @@ std::unique_ptr<Scratch> spool;
 
 bool Scratch::Create(const std::string& folder, const char* extension) {
   Remove();
-  const std::string front = Inside(folder, OfThisHost() + std::to_string(ProcessId()) + "-");
+  const std::string front = Inside(folder, OfThisMachine() + std::to_string(ProcessId()) + "-");
   // In the folder for temporary files others may put what they like under such a name, or look.
   const bool among_others = slot_ >= kMostWorkers;
   constexpr unsigned kTries = 100;
@@ -69,10 +71,8 @@ bool Scratch::Create(const std::string& folder, const char* extension) {
 
 bool Scratch::Become(const std::string& name, bool replace) {
   if (!PutInPlace(path_, name, replace)) return false;
-  paths[slot_][0] = '\0';
   path_.clear();
-  GiveBack(taken_);
-  taken_ = -1;
+  Remove();
   return true;
 }
 
@@ -87,7 +87,7 @@ void Scratch::Remove() {
 void RemoveLeftovers(const std::string& folder) {
   std::vector<std::string> names, unsayable;
   NamesIn(folder, &names, &unsayable);
-  const std::string prefix = OfThisHost();
+  const std::string prefix = OfThisMachine();
   for (const std::string& name : names) {
     const std::string path = folder + "/" + name;
     const std::optional<uint32_t> owner = OwnerOf(name, prefix);

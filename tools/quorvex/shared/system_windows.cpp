@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <iterator>
 
-#include "host.h"
+#include "shared/system.h"
 #include "support/file.h"
 
 namespace quorvex::tool {
@@ -169,7 +169,7 @@ bool CreateFolder(const std::string& path) {
   }
 }
 
-std::string HostName() {
+std::string MachineName() {
   char name[256] = "";
   DWORD size = sizeof name;
   GetComputerNameExA(ComputerNameDnsHostname, name, &size);

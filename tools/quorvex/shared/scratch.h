@@ -1,6 +1,6 @@
-// Scratch files: a document is written into one beside its place and gets its name when it is
-// complete. Their names carry host and process, and whoever writes one has taken it, so that the
-// next run can tell what a run that was killed has left over.
+// A document is written into a scratch file beside its place, and gets its name when it is
+// complete. The names of scratch files carry machine and process, and whoever writes one has taken
+// it, so that the next run can tell what a run that was killed has left over.
 #pragma once
 
 #include <string>
@@ -12,7 +12,8 @@ constexpr unsigned kSpoolSlot = kMostWorkers;  // standard input
 constexpr unsigned kOutputSlot = kMostWorkers + 1;
 constexpr unsigned kScratchSlots = kMostWorkers + 2;
 
-// Removed when its scope ends, unless it has got its name. One a slot at a time.
+// A scratch file is removed when its scope ends, unless it has got its name. A slot has one at a
+// time.
 class Scratch {
  public:
   explicit Scratch(unsigned slot) : slot_(slot) {}
@@ -33,7 +34,7 @@ class Scratch {
   int taken_ = -1;
 };
 
-// Removes what runs on this host have left over in a folder.
+// Removes what runs on this machine have left over in a folder.
 void RemoveLeftovers(const std::string& folder);
 
 // Removes every scratch file that there is; only for a process that ends.

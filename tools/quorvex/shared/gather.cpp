@@ -1,13 +1,13 @@
-#include "gather.h"
+#include "shared/gather.h"
 
-#include <algorithm>
-#include <cctype>
+#include <strings.h>
+
 #include <map>
 #include <set>
 
-#include "host.h"
-#include "messages.h"
-#include "scratch.h"
+#include "shared/messages.h"
+#include "shared/scratch.h"
+#include "shared/system.h"
 
 namespace quorvex::tool {
 namespace {
@@ -76,11 +76,7 @@ bool GatherRecordings(const std::vector<std::string>& paths, std::vector<std::st
 }
 
 bool IsRecordingName(const std::string& name) {
-  if (name.size() < 4) return false;
-  std::string end = name.substr(name.size() - 4);
-  std::transform(end.begin(), end.end(), end.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-  return end == ".REC";
+  return name.size() >= 4 && strcasecmp(name.c_str() + name.size() - 4, ".REC") == 0;
 }
 
 std::string FolderOf(const std::string& path) {

@@ -8,7 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "host.h"
+#include "shared/system.h"
 
 namespace quorvex::tool {
 
@@ -60,7 +60,7 @@ bool CreateFolder(const std::string& path) {
   }
 }
 
-std::string HostName() {
+std::string MachineName() {
   char name[256] = "";
   gethostname(name, sizeof name - 1);
   return name;
