@@ -1,6 +1,8 @@
 // The rows that tables are made of: a function for each kind of value, and for groups.
 #pragma once
 
+#include <array>
+
 #include "layout/field.h"
 
 namespace quorvex {
@@ -91,11 +93,25 @@ constexpr Structure<N> Shared(const StructureInfo& info, const Field (&rows)[N])
   for (size_t i = 0; i < N; ++i) s.rows[i] = rows[i];
   return s;
 }
+template <size_t N>
+constexpr Structure<N> Shared(const StructureInfo& info, const std::array<Field, N>& rows) {
+  Structure<N> s{info, {}};
+  for (size_t i = 0; i < N; ++i) s.rows[i] = rows[i];
+  return s;
+}
 
 template <size_t N>
 constexpr Field Around(const Field (&rows)[N]) {
   Field f;
   f.rows = rows;
+  f.row_count = N;
+  return f;
+}
+// Rows that a function makes.
+template <size_t N>
+constexpr Field Around(const std::array<Field, N>& rows) {
+  Field f;
+  f.rows = rows.data();
   f.row_count = N;
   return f;
 }

@@ -33,6 +33,7 @@ inline constexpr auto kMinMaxRmsARows = Shared(
 inline constexpr auto kMaxRmsARows =
     Shared({"maximum and two RMS"},
            {F32("max", 0, "largest"), F32("rms", 4, "RMS"), F32("rmsA", 8, "kept beside the RMS")});
+constexpr uint32_t kSixValueSize = 24;
 inline constexpr auto kSixValueRows =
     Shared({"six-value statistic",
             "Six values are stored, four written: `avgA` is the fifth, not the fourth."},
