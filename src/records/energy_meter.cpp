@@ -52,7 +52,7 @@ constexpr Field kResultRows[] = {
     Gap(140, 4),
 };
 constexpr Field kResult = Record("EMETER_RESULT", 144, kResultRows, "a metering interval");
-static_assert(Tiles(kResult));
+static_assert(Tiles<WrongByte(kResult)>);
 
 }  // namespace
 

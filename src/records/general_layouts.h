@@ -145,7 +145,7 @@ inline constexpr Field kFullRows[] = {
 };
 inline constexpr Field kFullRecord =
     Record("RECORD_RESULTS", 40448, kFullRows, "an interval in full (profile 0)");
-static_assert(Tiles(kFullRecord));
+static_assert(Tiles<WrongByte(kFullRecord)>);
 
 // Compact: one averaged value a quantity.
 
@@ -229,7 +229,7 @@ inline constexpr Field kCompactRows[] = {
 };
 inline constexpr Field kCompactRecord =
     Record("RECORD_RESULTS", 1536, kCompactRows, "an interval in short (profile 1)");
-static_assert(Tiles(kCompactRecord));
+static_assert(Tiles<WrongByte(kCompactRecord)>);
 
 // Standard: statistics of voltages and currents, averages of powers, plain spectra.
 
@@ -282,6 +282,6 @@ inline constexpr Field kStandardRows[] = {
 };
 inline constexpr Field kStandardRecord =
     Record("RECORD_RESULTS", 4608, kStandardRows, "a standard interval (profiles 2 and 5)");
-static_assert(Tiles(kStandardRecord));
+static_assert(Tiles<WrongByte(kStandardRecord)>);
 
 }  // namespace quorvex::intervals

@@ -123,7 +123,7 @@ inline constexpr auto kPhasePowerRows = PowerGroups(
     {"phase powers", "Signs: p is consumed, m is generated; Qi is inductive, Qc capacitive."},
     kStatistics<kPhaseCombined>, kStatistics<kPhaseFundamental>, kStatistics<kPhaseHarmonic>,
     kPhaseEnergyAt);
-static_assert(Tiles(Record("P", kPhasePowerSize, kPhasePowerRows)));
+static_assert(Tiles<WrongByte(Record("P", kPhasePowerSize, kPhasePowerRows))>);
 
 constexpr uint32_t kPhaseAveragesEnergyAt = AverageAt(kPhasePowers, kPhaseFactors);
 constexpr uint32_t kPhaseAveragesSize = kPhaseAveragesEnergyAt + kEnergySize;
@@ -131,7 +131,7 @@ inline constexpr auto kPhaseAveragesRows =
     PowerGroups({"phase power averages"}, kAverages<kPhaseCombined, kPhaseFactors>,
                 kAverages<kPhaseFundamental, kPhaseFactors>,
                 kAverages<kPhaseHarmonic, kPhaseFactors>, kPhaseAveragesEnergyAt);
-static_assert(Tiles(Record("P", kPhaseAveragesSize, kPhaseAveragesRows)));
+static_assert(Tiles<WrongByte(Record("P", kPhaseAveragesSize, kPhaseAveragesRows))>);
 
 constexpr Field PhasePower(const char* phase, uint32_t at) {
   return Group("P", at, kPhasePowerRows, "powers of a phase").Phase(phase);
@@ -189,7 +189,7 @@ inline constexpr auto kTotalPowerRows = PowerGroups(
      "phase powers."},
     kStatistics<kTotalCombined>, kStatistics<kTotalFundamental>, kStatistics<kTotalHarmonic>,
     kTotalEnergyAt);
-static_assert(Tiles(Record("pt", kTotalPowerSize, kTotalPowerRows)));
+static_assert(Tiles<WrongByte(Record("pt", kTotalPowerSize, kTotalPowerRows))>);
 
 // Written in the order of the statistics, with one exception: Se follows SvFund and SaFund.
 constexpr auto TotalFundamentalAverages() {
@@ -207,7 +207,7 @@ constexpr uint32_t kTotalAveragesSize = kTotalAveragesEnergyAt + kEnergySize;
 inline constexpr auto kTotalAveragesRows = PowerGroups(
     {"total power averages"}, kAverages<kTotalCombined, kTotalFactors>, kTotalFundamentalAverages,
     kAverages<kTotalHarmonic, kTotalFactors>, kTotalAveragesEnergyAt);
-static_assert(Tiles(Record("pt", kTotalAveragesSize, kTotalAveragesRows)));
+static_assert(Tiles<WrongByte(Record("pt", kTotalAveragesSize, kTotalAveragesRows))>);
 
 // An inverter: its DC side, its AC side and what is lost between them.
 inline constexpr Powers kInverterPowers[] = {
@@ -233,13 +233,13 @@ constexpr Field InverterStatisticOf(const char* name, uint32_t number) {
 constexpr uint32_t kInverterSize = 300;
 inline constexpr auto kInverterRows =
     Shared({"inverter results"}, PowerRows<kInverterPowers>(InverterStatisticOf));
-static_assert(Tiles(Record("inverter", kInverterSize, kInverterRows)));
+static_assert(Tiles<WrongByte(Record("inverter", kInverterSize, kInverterRows))>);
 
 inline constexpr Factors kNoFactors = {0, 0};
 constexpr uint32_t kInverterAveragesSize = 56;
 inline constexpr auto kInverterAveragesRows =
     Shared({"inverter averages"}, kAverages<kInverterPowers, kNoFactors>);
-static_assert(Tiles(Record("inverter", kInverterAveragesSize, kInverterAveragesRows)));
+static_assert(Tiles<WrongByte(Record("inverter", kInverterAveragesSize, kInverterAveragesRows))>);
 
 inline constexpr auto kInverterEnergyRows =
     Shared({"inverter energies",

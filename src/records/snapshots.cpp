@@ -39,7 +39,7 @@ constexpr Field kFrontRows[] = {
     Group("RESULTS", kResultsAt, kResultsRows, "results of the whole system"),
 };
 constexpr Field kFront = Record("", kRms12At + Rms12ListSize(kRms12LongRoom), kFrontRows);
-static_assert(Tiles(kFront));
+static_assert(Tiles<WrongByte(kFront)>);
 
 constexpr Field Channel(const char* label, Cases in, const char* meaning) {
   Field f = Group(label, kSnapshotChannelRows, meaning).In(in).Behind();

@@ -15,7 +15,7 @@ constexpr Field kInformationRows[] = {
     Gap(20, 12),
 };
 constexpr Field kInformation = Record("INFORMATION", 32, kInformationRows, "thresholds in force");
-static_assert(Tiles(kInformation));
+static_assert(Tiles<WrongByte(kInformation)>);
 
 constexpr Field kPhaseRows[] = {I32("N", 0, "count of a phase, 1 to 3").Times(3)};
 
@@ -82,7 +82,7 @@ constexpr Field kTransitionRows[] = {
     DateTime("TIME_STAMP", 248, "time of the transition"),
 };
 constexpr Field kTransition = Record("TRANSITION", 264, kTransitionRows, "a voltage transition");
-static_assert(Tiles(kTransition));
+static_assert(Tiles<WrongByte(kTransition)>);
 
 }  // namespace
 

@@ -21,7 +21,7 @@ constexpr Field kCurrentSamples[] = {
     ScaledF32("v", 0, 0, "sample", "A").Times(kPieceSamples).CountInput(0, kLength).InPieces(),
 };
 constexpr Field kPiece = Record("", kPieceSamples* kSampleSize, kVoltageSamples);
-static_assert(Tiles(kPiece));
+static_assert(Tiles<WrongByte(kPiece)>);
 
 constexpr Field Voltage(const char* label, Cases in) {
   return Group("U", kVoltageSamples, "voltage waveform").Phase(label).In(in).Behind();

@@ -15,7 +15,7 @@ namespace {
 constexpr uint32_t kWaveformRoom = 1500;
 
 constexpr Field kRecordStart = Record("", kRecordStartSize, kRecordStartRows);
-static_assert(Tiles(kRecordStart));
+static_assert(Tiles<WrongByte(kRecordStart)>);
 
 constexpr char kUsedSamples[] = "numUsedSamples";
 constexpr Field kVoltageSamples[] = {
@@ -25,7 +25,7 @@ constexpr Field kCurrentSamples[] = {
     ScaledI16("v", 0, 0, "sample", "A").Times(kWaveformRoom).CountInput(0, kUsedSamples),
 };
 constexpr Field kWaveform = Record("", kWaveformRoom * 2, kVoltageSamples);
-static_assert(Tiles(kWaveform));
+static_assert(Tiles<WrongByte(kWaveform)>);
 
 constexpr Field Voltage(const char* label, Cases in) {
   return Group("U", kVoltageSamples, "voltage waveform").Phase(label).In(in).Behind();

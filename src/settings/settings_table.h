@@ -317,6 +317,6 @@ inline constexpr auto kSettingsRows = Shared(
 
 inline constexpr Field kSettingsBlock =
     Record("UIF_PARAMS", kSettingsSize, kSettingsRows, "settings in force for the recording");
-static_assert(Tiles(kSettingsBlock));
+static_assert(Tiles<WrongByte(kSettingsBlock)>);
 
 }  // namespace quorvex
