@@ -158,7 +158,7 @@ void Walk(XmlWriter* to, const Field& f, Cases which, const uint8_t* place, uint
       if (element) OpenElement(to, f.name, attributes);
       for (uint32_t r = 0; r < f.row_count; ++r) {
         const Field& row = f.rows[r];
-        Walk(to, row, which, base + f.offset, i, row.every != 0 ? row.every : f.step, inputs);
+        Walk(to, row, which, base + f.offset, i, StepOf(row, f.step), inputs);
       }
       if (element) CloseElement(to);
       continue;

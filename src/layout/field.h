@@ -160,4 +160,9 @@ struct Field {
   }
 };
 
+// Bytes between a row's repetitions: its own distance or, where it has none, its group's.
+constexpr uint32_t StepOf(const Field& row, uint32_t group_step) {
+  return row.every != 0 ? row.every : group_step;
+}
+
 }  // namespace quorvex

@@ -20,7 +20,7 @@ struct Claims {
                      uint32_t step, Cases cases) {
     for (uint32_t r = 0; r < row_count; ++r) {
       const Field& f = rows[r];
-      const uint32_t at = place + f.offset + repetition * (f.every != 0 ? f.every : step);
+      const uint32_t at = place + f.offset + repetition * StepOf(f, step);
       const auto in = static_cast<Cases>(cases & f.cases);
       if (f.kind == Kind::kGroup) {
         for (uint32_t i = 0; i < f.count; ++i) Add(f.rows, f.row_count, at, i, f.step, in);

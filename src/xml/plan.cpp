@@ -241,8 +241,7 @@ void Plan::AddRows(const Field& f, uint32_t offset, uint32_t step) {
   if (f.kind == Kind::kGroup) {
     if (f.name[0] != '\0') OpenElement(text_, f.name, attributes);
     for (uint32_t r = 0; r < f.row_count; ++r) {
-      const Field& row = f.rows[r];
-      Add(row, offset, f.repeated && row.every != 0 ? row.every : step);
+      Add(f.rows[r], offset, StepOf(f.rows[r], step));
     }
     if (f.name[0] != '\0') CloseElement(text_);
   } else if (HasOwnLine(f.kind)) {

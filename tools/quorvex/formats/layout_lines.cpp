@@ -135,7 +135,7 @@ void Flatten(const Field& group, const Around& around, std::vector<LayoutLine>* 
       inside.step = f.step;
       inside.repeated = CountText(f, group, around.place);
     }
-    if (f.every != 0) inside.step = f.every;
+    inside.step = StepOf(f, inside.step);
     if (f.kind == Kind::kGroup && f.structure == nullptr) {
       Flatten(f, inside, lines);
       continue;
