@@ -77,7 +77,6 @@ void StoreNumber(Kind kind, uint8_t* to, double value) {
       Store(to, static_cast<int16_t>(value));
       break;
     case Kind::kI32:
-    case Kind::kFlagWord:
       Store(to, static_cast<int32_t>(value));
       break;
     case Kind::kI64:
@@ -92,7 +91,12 @@ void StoreNumber(Kind kind, uint8_t* to, double value) {
     case Kind::kSpectrum:
       Store(to, static_cast<float>(value));
       break;
-    default:
+    case Kind::kGap:
+    case Kind::kGroup:
+    case Kind::kText:
+    case Kind::kRawText:
+    case Kind::kMade:
+    case Kind::kNoValue:
       Fail("a path that leads to no number");
   }
 }

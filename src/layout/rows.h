@@ -67,14 +67,12 @@ constexpr Field Made(const char* name, uint32_t at, uint32_t size, Kind as, Make
   return f;
 }
 constexpr Field NoValue(const char* name) { return Leaf(Kind::kNoValue, name, 0, 0, "", ""); }
-constexpr Field FlagWord(const char* name, uint32_t at, const char* meaning = "") {
-  return Leaf(Kind::kFlagWord, name, at, 4, meaning, "");
-}
-// `entries` times `on_disk` floats, of which the first `written` of each are in the base64 text.
+// `entries` times `on_disk` floats, of which the first `written` of each are written.
 constexpr Field Spectrum(const char* name, const char* phase, uint32_t at, uint32_t entries,
                          uint16_t on_disk, uint16_t written, const char* meaning = "") {
   Field f = Leaf(Kind::kSpectrum, name, at, entries * on_disk * 4, meaning, "");
   f.phase = phase;
+  f.own_line = true;
   f.entry_floats = on_disk;
   f.written_floats = written;
   return f;

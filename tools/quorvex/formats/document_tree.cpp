@@ -69,9 +69,19 @@ ValueForm FormOf(const Field& f) {
     case Kind::kScaledI16:
     case Kind::kScaledF32:
       return {Kind::kF32};
-    default:
-      return {f.kind, 0, f.most};
+    case Kind::kU8:
+    case Kind::kU16:
+    case Kind::kI32:
+    case Kind::kI64:
+    case Kind::kF32:
+    case Kind::kF64:
+    case Kind::kSeconds:
+    case Kind::kNoValue:
+    case Kind::kGap:
+    case Kind::kGroup:
+      break;
   }
+  return {f.kind, 0, f.most, f.own_line};
 }
 
 std::vector<Node> NodesIn(const Field& group, Cases in);

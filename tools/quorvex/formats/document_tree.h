@@ -3,10 +3,10 @@
 #pragma once
 
 #include <array>
+#include <compare>
 #include <cstdint>
 #include <set>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "records/recording.h"
@@ -16,14 +16,13 @@ namespace quorvex::tool {
 constexpr uint32_t kUnbounded = UINT32_MAX;
 
 // How an element's text reads. `size` is the width of a text, the decoded bytes of base64; `most`
-// is the bound of an integer that has one.
+// is the bound of an integer that has one, and `own_line` makes a difference to integers only.
 struct ValueForm {
   Kind kind;
   uint32_t size = 0;
   int32_t most = INT32_MAX;
-  bool operator<(const ValueForm& other) const {
-    return std::tie(kind, size, most) < std::tie(other.kind, other.size, other.most);
-  }
+  bool own_line = false;
+  auto operator<=>(const ValueForm&) const = default;
 };
 
 // An element, or, without a name, a sequence of elements.

@@ -33,14 +33,11 @@ std::string WhenText(Cases cases) {
 
 std::string TypeText(const Field& f) {
   switch (f.kind) {
-    case Kind::kGap:
-      return "";
     case Kind::kU8:
       return "u8";
     case Kind::kU16:
       return "u16";
     case Kind::kI32:
-    case Kind::kFlagWord:
       return "i32";
     case Kind::kI64:
       return "i64";
@@ -60,9 +57,15 @@ std::string TypeText(const Field& f) {
       if (f.entry_floats == f.written_floats) return floats;
       return floats + ", " + std::to_string(f.written_floats) + " written";
     }
-    default:
+    case Kind::kText:
+    case Kind::kRawText:
       return "text";
+    case Kind::kGap:
+    case Kind::kGroup:
+    case Kind::kNoValue:
+      break;
   }
+  return "";
 }
 
 // Bytes from a table's first to behind its last.
