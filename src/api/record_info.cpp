@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "records/record_types.h"
+#include "settings/codes.h"
 #include "settings/instrument_state.h"
 #include "settings/setting_file.h"
 #include "settings/time_texts.h"
@@ -84,11 +85,6 @@ void PutValue(float value, const ValueDescriptor& descriptor, BoundedText* to) {
   to->Put('\'');
 }
 
-const char* SlopeText(uint32_t slope) {
-  constexpr const char* kSlopes[] = {"", "Rise", "Fall", "Any"};
-  return slope < 4 ? kSlopes[slope] : "";
-}
-
 void DescribePeriodic(const Head& head, BoundedText* to) {
   const UifParams& s = head.settings;
   DateTimeRecord end = s.time_last_packet;
@@ -107,10 +103,10 @@ void DescribeSnapshots(const Head& head, BoundedText* to) {
   const WaveRecordParams& wave = head.settings.wave;
   PutTime(wave.start_time, to);
   PutTime(wave.end_time, to);
-  PutQuoted(TriggerKindText(wave.trigger), to);
+  PutQuoted(WordOf(kTriggers, wave.trigger), to);
   if (wave.trigger == kTriggerLevelU || wave.trigger == kTriggerLevelI) {
     PutLevel(head, wave.level, wave.trigger, to);
-    PutQuoted(SlopeText(wave.slope), to);
+    PutQuoted(WordOf(kSlopes, wave.slope), to);
   } else {
     PutQuoted("-", to);
     PutQuoted("-", to);
@@ -123,7 +119,7 @@ void DescribeWaveform(const Head& head, BoundedText* to) {
   const TransientsParams& transients = head.settings.transients;
   PutTime(transients.start_time, to);
   PutTime(transients.end_time, to);
-  PutQuoted(TriggerKindText(transients.trigger), to);
+  PutQuoted(WordOf(kTriggers, transients.trigger), to);
   PutValue(transients.level_u, kVoltageDescriptor, to);
   PutValue(transients.env_u, kVoltageDescriptor, to);
   PutValue(transients.level_un, kVoltageDescriptor, to);
@@ -138,7 +134,7 @@ void DescribeWaveformSeries(const Head& head, BoundedText* to) {
   const TransientsParams& transients = head.settings.transients;
   PutTime(transients.start_time, to);
   PutTime(transients.end_time, to);
-  PutQuoted(TriggerKindText(transients.trigger), to);
+  PutQuoted(WordOf(kTriggers, transients.trigger), to);
   if (transients.trigger == kTriggerEnvelope) {
     PutValue(transients.level, kVoltageDescriptor, to);
   } else {
@@ -153,7 +149,7 @@ void DescribeInrush(const Head& head, BoundedText* to) {
   PutTime(inrush.start_time, to);
   PutTime(inrush.end_time, to);
   PutLevel(head, inrush.level, kTriggerLevelI, to);
-  PutQuoted(SlopeText(inrush.slope), to);
+  PutQuoted(WordOf(kSlopes, inrush.slope), to);
   PutDuration(inrush.duration, to);
   PutDuration(inrush.pretrigger, to);
   to->Put(' ');

@@ -63,6 +63,15 @@ struct StructureInfo {
   const char* note = "";
 };
 
+// What the values of an integer mean: words by value, empty for a value without a meaning.
+struct Codes {
+  const char* const* words;
+  uint32_t count;
+};
+constexpr const char* WordOf(const Codes& codes, uint32_t value) {
+  return value < codes.count ? codes.words[value] : "";
+}
+
 struct Field {
   const char* name = "";
   const char* phase = nullptr;  // value of the attribute `phase`
@@ -70,6 +79,7 @@ struct Field {
   const char* unit = "";
   // Where a count of the inputs comes from: the end of an element's path, or words.
   const char* counted_by = "";
+  const Codes* codes = nullptr;  // the words of an integer's values, where they are known
   const StructureInfo* structure = nullptr;
   Make make = nullptr;
   const Field* rows = nullptr;
@@ -143,6 +153,11 @@ struct Field {
   constexpr Field OnOwnLine() const {
     Field f = *this;
     f.own_line = true;
+    return f;
+  }
+  constexpr Field OneOf(const Codes& known) const {
+    Field f = *this;
+    f.codes = &known;
     return f;
   }
   constexpr Field AtMost(int32_t value) const {

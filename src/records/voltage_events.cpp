@@ -1,12 +1,13 @@
 // Type 8: voltage events: dips, swells, interruptions.
 #include "records/record_types.h"
+#include "settings/codes.h"
 
 namespace quorvex {
 namespace {
 
 // Spellings as hosts know them.
 constexpr Field kInformationRows[] = {
-    U8("CONNECTION", 0, "wiring code, 1 to 7"),
+    U8("CONNECTION", 0, "wiring code").OneOf(kWirings),
     Gap(1, 3),
     F32("NOMINAL_VOLTAGE", 4, "nominal voltage", "V"),
     F32("DIP_TRESHOLD", 8, "below it is a dip"),

@@ -10,10 +10,10 @@
 #include "quorvex64.h"
 #include "record_shape.h"
 #include "scratch.h"
+#include "settings/codes.h"
 #include "settings/setting_file.h"
 #include "settings/settings_table.h"
 #include "settings/time_texts.h"
-#include "settings/value_texts.h"
 #include "support/file.h"
 #include "xml/text_forms.h"
 
@@ -214,8 +214,8 @@ Facts FactsOf(const std::string& path) {
   facts.instrument = ModelName(place, {}).text;
   facts.serial = std::string(
       text, EscapeText(settings.ee_serial_number, text, sizeof settings.ee_serial_number));
-  const char* connection = ConnectionText(settings.connection);
-  if (connection != nullptr) facts.connection = connection;
+  const std::string wiring = WordOf(kWirings, settings.connection);
+  if (!wiring.empty()) facts.connection = wiring;
   return facts;
 }
 

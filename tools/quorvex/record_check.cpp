@@ -8,10 +8,10 @@
 #include "record_times.h"
 #include "scratch.h"
 #include "settings/cases.h"
+#include "settings/codes.h"
 #include "settings/setting_file.h"
 #include "settings/settings_table.h"
 #include "settings/time_texts.h"
-#include "settings/value_texts.h"
 #include "support/file.h"
 #include "support/loads.h"
 
@@ -100,7 +100,7 @@ void CheckSettings(const std::string& path, const RecordType& type, const UifPar
   static const Places places = PlacesOf(kSettingsBlock, kAllCases, kSettingsBlock.name);
   const auto* bytes = reinterpret_cast<const uint8_t*>(&settings);
   CheckPlaces(places, {bytes, 0, type.settings_at, 0, remark.c_str()}, findings);
-  if (ConnectionText(settings.connection) == nullptr) {
+  if (*WordOf(kWirings, settings.connection) == '\0') {
     findings->Add({Severity::kWarning, FindingKind::kCount,
                    type.settings_at + offsetof(UifParams, connection), 0, "UIF_PARAMS/CONNECTION",
                    "is " + Number(settings.connection) + ", which is no wiring" + remark});

@@ -89,7 +89,7 @@ std::vector<Node> NodesIn(const Field& group, Cases in);
 Node NodeOf(const Field& f, Cases in) {
   Node node;
   node.name = f.name;
-  node.meaning = f.meaning;
+  node.meaning = MeaningOf(f);
   node.unit = f.unit;
   if (f.phase != nullptr) node.phases.emplace_back(f.phase);
   if (f.kind == Kind::kGroup) {
@@ -149,6 +149,18 @@ std::vector<Node> NodesIn(const Field& group, Cases in) {
 }
 
 }  // namespace
+
+std::string MeaningOf(const Field& f) {
+  std::string text = f.meaning;
+  std::string before = ": ";
+  for (uint32_t value = 0; f.codes != nullptr && value < f.codes->count; ++value) {
+    const std::string word = WordOf(*f.codes, value);
+    if (word.empty()) continue;
+    text += before + std::to_string(value) + " " + word;
+    before = ", ";
+  }
+  return text;
+}
 
 std::vector<Node> NodesOf(const Field& group) { return NodesIn(group, kAllCases); }
 

@@ -37,6 +37,9 @@ struct Node {
   uint32_t least = 1, most = 1;  // repetitions
 };
 
+// What a row means, with the words of its codes.
+std::string MeaningOf(const Field& f);
+
 // The elements of a table's rows.
 std::vector<Node> NodesOf(const Field& group);
 

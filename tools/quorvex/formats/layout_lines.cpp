@@ -132,7 +132,7 @@ void Flatten(const Field& group, const Around& around, std::vector<LayoutLine>* 
       path += (path.empty() && around.phase.empty() ? "" : "/") + std::string(f.name);
     }
     if (f.phase != nullptr) inside.phase = f.phase;
-    if (f.meaning[0] != '\0') inside.meaning = f.meaning;
+    if (f.meaning[0] != '\0') inside.meaning = MeaningOf(f);
     if (f.repeated) {
       inside.count = f.endless ? kUnbounded : f.count;
       inside.step = f.step;
