@@ -45,9 +45,19 @@ uint32_t SizeOf(Kind kind) {
     case Kind::kF64:
     case Kind::kSeconds:
       return 8;
-    default:
-      return 4;
+    case Kind::kGap:
+    case Kind::kGroup:
+    case Kind::kI32:
+    case Kind::kF32:
+    case Kind::kScaledF32:
+    case Kind::kText:
+    case Kind::kRawText:
+    case Kind::kMade:
+    case Kind::kNoValue:
+    case Kind::kSpectrum:
+      break;
   }
+  return 4;
 }
 
 }  // namespace

@@ -46,8 +46,7 @@ Found Find(const Field& group, uint32_t place, uint32_t repetition, const std::s
   const Part part = ParsePart(path.substr(0, slash));
   for (uint32_t r = 0; r < group.row_count; ++r) {
     const Field& f = group.rows[r];
-    const uint32_t step = f.every != 0 ? f.every : group.step;
-    const uint32_t at = place + f.offset + repetition * step;
+    const uint32_t at = place + f.offset + repetition * StepOf(f, group.step);
     if (f.kind == Kind::kGroup && f.name[0] == '\0') {
       // A repetition without an element of its own takes its number from the row inside it.
       const Found inside = Find(f, at, f.repeated ? part.repetition : 0, path);
@@ -78,7 +77,6 @@ void StoreNumber(Kind kind, uint8_t* to, double value) {
       Store(to, static_cast<int16_t>(value));
       break;
     case Kind::kI32:
-    case Kind::kFlagWord:
       Store(to, static_cast<int32_t>(value));
       break;
     case Kind::kI64:
@@ -93,7 +91,12 @@ void StoreNumber(Kind kind, uint8_t* to, double value) {
     case Kind::kSpectrum:
       Store(to, static_cast<float>(value));
       break;
-    default:
+    case Kind::kGap:
+    case Kind::kGroup:
+    case Kind::kText:
+    case Kind::kRawText:
+    case Kind::kMade:
+    case Kind::kNoValue:
       Fail("a path that leads to no number");
   }
 }
@@ -101,7 +104,7 @@ void StoreNumber(Kind kind, uint8_t* to, double value) {
 void ClearRows(const Field& group, uint32_t place, uint32_t repetition, uint8_t* bytes) {
   for (uint32_t r = 0; r < group.row_count; ++r) {
     const Field& f = group.rows[r];
-    const uint32_t at = place + f.offset + repetition * (f.every != 0 ? f.every : group.step);
+    const uint32_t at = place + f.offset + repetition * StepOf(f, group.step);
     for (uint32_t i = 0; i < f.count; ++i) {
       uint8_t* to = bytes + at + i * f.step;
       if (f.kind == Kind::kGroup) ClearRows(f, at, i, bytes);

@@ -156,10 +156,10 @@ constexpr Field kSharedRows[] = {I32("one", 0).In(0x0001), F32("other", 0).In(0x
 constexpr Field kOverlapRows[] = {I32("one", 0), U8("two", 3), Gap(4, 4)};
 constexpr Field kHoleRows[] = {I32("one", 0), Gap(5, 3)};
 constexpr Field kBeyondRows[] = {I32("one", 0), Gap(4, 4), F32("again", 6).Again()};
-static_assert(Tiles(Record("shared", 20, kSharedRows)));
-static_assert(!Tiles(Record("overlap", 8, kOverlapRows)));
-static_assert(!Tiles(Record("hole", 8, kHoleRows)));
-static_assert(!Tiles(Record("beyond", 8, kBeyondRows)));
+static_assert(Tiles<WrongByte(Record("shared", 20, kSharedRows))>);
+static_assert(WrongByte(Record("overlap", 8, kOverlapRows)) == 3);
+static_assert(WrongByte(Record("hole", 8, kHoleRows)) == 4);
+static_assert(WrongByte(Record("beyond", 8, kBeyondRows)) == 8);
 
 TEST(LayoutTables, CasesRepetitionsAndCounts) {
   Bytes record;

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "settings/codes.h"
 #include "settings/instrument_state.h"
 #include "settings/time_texts.h"
 #include "settings/value_texts.h"
@@ -196,10 +197,10 @@ TEST(ValueTexts, EngineeringFormatAndLevels) {
               }));
   }
   const char* const texts[][2] = {
-      {"", TriggerKindText(0)},  {"Events & Alarms", TriggerKindText(4)},
-      {"", TriggerKindText(9)},  {"Interval", TriggerKindText(8)},
-      {"\xCE\xA9", UnitText(1)}, {"W/m2", UnitText(38)},
-      {"Gvarh", UnitText(52)},   {"", UnitText(0xFFFFFFFF)}};
+      {"", WordOf(kTriggers, 0)}, {"Events & Alarms", WordOf(kTriggers, 4)},
+      {"", WordOf(kTriggers, 9)}, {"Interval", WordOf(kTriggers, 8)},
+      {"\xCE\xA9", UnitText(1)},  {"W/m2", UnitText(38)},
+      {"Gvarh", UnitText(52)},    {"", UnitText(0xFFFFFFFF)}};
   for (const auto& [expected, text] : texts) EXPECT_STREQ(expected, text);
 }
 

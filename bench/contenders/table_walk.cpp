@@ -99,7 +99,6 @@ void PrintValue(const Field& f, const uint8_t* at, const Inputs& inputs, char* t
     case Kind::kU16:
       std::sprintf(to, "%d", Load<uint16_t>(at));
       break;
-    case Kind::kFlagWord:
     case Kind::kI32: {
       const auto value = Load<int32_t>(at);
       std::sprintf(to, "%d", value < f.most ? value : f.most);
@@ -158,14 +157,14 @@ void Walk(XmlWriter* to, const Field& f, Cases which, const uint8_t* place, uint
       if (element) OpenElement(to, f.name, attributes);
       for (uint32_t r = 0; r < f.row_count; ++r) {
         const Field& row = f.rows[r];
-        Walk(to, row, which, base + f.offset, i, row.every != 0 ? row.every : f.step, inputs);
+        Walk(to, row, which, base + f.offset, i, StepOf(row, f.step), inputs);
       }
       if (element) CloseElement(to);
       continue;
     }
     char text[kLongestText];
     PrintValue(f, base + f.offset + i * f.step, inputs, text);
-    if (f.kind == Kind::kFlagWord || f.kind == Kind::kSpectrum) {
+    if (f.own_line) {
       TextElement(to, f.name, attributes, text);
     } else {
       ValueElement(to, f.name, text);

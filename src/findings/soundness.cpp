@@ -6,9 +6,9 @@
 
 #include "layout/date_time.h"
 #include "settings/cases.h"
+#include "settings/codes.h"
 #include "settings/setting_file.h"
 #include "settings/settings_table.h"
-#include "settings/value_texts.h"
 #include "support/loads.h"
 
 namespace quorvex {
@@ -112,7 +112,7 @@ void Soundness::CheckSettings(const Piece& piece) {
   CheckPlaces(PlacesIn(piece.layout), piece, {std::string(piece.layout.name) + "/", remark_},
               &findings_);
   const uint8_t connection = recording_.settings.connection;
-  if (ConnectionText(connection) != nullptr) return;
+  if (WordOf(kWirings, connection)[0] != '\0') return;
   Add(Severity::kWarning, FindingKind::kCount, piece.at + offsetof(UifParams, connection), 0,
       "UIF_PARAMS/CONNECTION", "is " + Number(connection) + ", which is no wiring" + remark_);
 }

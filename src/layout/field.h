@@ -13,21 +13,20 @@ namespace quorvex {
 enum class Kind : uint8_t {
   kGap,    // bytes that are read past
   kGroup,  // an element around rows; without a name only a place (and a repetition) for them
-  kU8,     // integers, "%d"; 32-bit words are signed in the document whatever they count
+  kU8,     // integers; 32-bit words read as signed, whatever they count
   kU16,
   kI32,
-  kI64,        // "%lld"; no 64-bit integer equals the no-value marker
-  kF32,        // "%E", "-" for the no-value marker
-  kF64,        // "%lE", likewise
-  kScaledI16,  // a raw sample times a scale of the inputs, as kF32
+  kI64,
+  kF32,        // may hold the no-value marker
+  kF64,        // likewise
+  kScaledI16,  // a raw sample times a scale of the inputs
   kScaledF32,
   kSeconds,   // seconds of a date-time
-  kText,      // fixed-width text, through EscapeText
-  kRawText,   // fixed-width text as it stands
+  kText,      // fixed-width text in the instrument's characters
+  kRawText,   // fixed-width text that is shown as it stands
   kMade,      // a value that a function makes from the record
-  kNoValue,   // always "-", without bytes of its own
-  kFlagWord,  // a 32-bit word as the element's text on a line of its own
-  kSpectrum,  // floats as base64, in the place of kFlagWord's word
+  kNoValue,   // never a value, and no bytes of its own
+  kSpectrum,  // an array of floats, in entries of several
 };
 
 // In which recordings a row is written: a set of up to sixteen cases, one bit each. What the bits
@@ -64,6 +63,15 @@ struct StructureInfo {
   const char* note = "";
 };
 
+// What the values of an integer mean: words by value, empty for a value without a meaning.
+struct Codes {
+  const char* const* words;
+  uint32_t count;
+};
+constexpr const char* WordOf(const Codes& codes, uint32_t value) {
+  return value < codes.count ? codes.words[value] : "";
+}
+
 struct Field {
   const char* name = "";
   const char* phase = nullptr;  // value of the attribute `phase`
@@ -71,6 +79,7 @@ struct Field {
   const char* unit = "";
   // Where a count of the inputs comes from: the end of an element's path, or words.
   const char* counted_by = "";
+  const Codes* codes = nullptr;  // the words of an integer's values, where they are known
   const StructureInfo* structure = nullptr;
   Make make = nullptr;
   const Field* rows = nullptr;
@@ -93,8 +102,9 @@ struct Field {
   Kind made_as = Kind::kText;  // what a kMade row reads as
   uint8_t scale_ref = 0;
   bool repeated = false;
-  bool behind = false;   // of no fixed place: it lies behind the row before it that is written
-  bool endless = false;  // `count` is no bound: rendered that many at a time
+  bool behind = false;    // of no fixed place: it lies behind the row before it that is written
+  bool own_line = false;  // its value is written on a line of its own
+  bool endless = false;   // `count` is no bound: rendered that many at a time
 
   // Written in these cases only.
   constexpr Field In(Cases in) const {
@@ -142,6 +152,16 @@ struct Field {
     f.every = bytes;
     return f;
   }
+  constexpr Field OnOwnLine() const {
+    Field f = *this;
+    f.own_line = true;
+    return f;
+  }
+  constexpr Field OneOf(const Codes& known) const {
+    Field f = *this;
+    f.codes = &known;
+    return f;
+  }
   constexpr Field AtMost(int32_t value) const {
     Field f = *this;
     f.most = value;
@@ -167,5 +187,10 @@ struct Field {
     return f;
   }
 };
+
+// Bytes between a row's repetitions: its own distance or, where it has none, its group's.
+constexpr uint32_t StepOf(const Field& row, uint32_t group_step) {
+  return row.every != 0 ? row.every : group_step;
+}
 
 }  // namespace quorvex

@@ -1,6 +1,8 @@
 // The rows that tables are made of: a function for each kind of value, and for groups.
 #pragma once
 
+#include <array>
+
 #include "layout/field.h"
 
 namespace quorvex {
@@ -65,14 +67,12 @@ constexpr Field Made(const char* name, uint32_t at, uint32_t size, Kind as, Make
   return f;
 }
 constexpr Field NoValue(const char* name) { return Leaf(Kind::kNoValue, name, 0, 0, "", ""); }
-constexpr Field FlagWord(const char* name, uint32_t at, const char* meaning = "") {
-  return Leaf(Kind::kFlagWord, name, at, 4, meaning, "");
-}
-// `entries` times `on_disk` floats, of which the first `written` of each are in the base64 text.
+// `entries` times `on_disk` floats, of which the first `written` of each are written.
 constexpr Field Spectrum(const char* name, const char* phase, uint32_t at, uint32_t entries,
                          uint16_t on_disk, uint16_t written, const char* meaning = "") {
   Field f = Leaf(Kind::kSpectrum, name, at, entries * on_disk * 4, meaning, "");
   f.phase = phase;
+  f.own_line = true;
   f.entry_floats = on_disk;
   f.written_floats = written;
   return f;
@@ -94,11 +94,25 @@ constexpr Structure<N> Shared(const StructureInfo& info, const Field (&rows)[N])
   for (size_t i = 0; i < N; ++i) s.rows[i] = rows[i];
   return s;
 }
+template <size_t N>
+constexpr Structure<N> Shared(const StructureInfo& info, const std::array<Field, N>& rows) {
+  Structure<N> s{info, {}};
+  for (size_t i = 0; i < N; ++i) s.rows[i] = rows[i];
+  return s;
+}
 
 template <size_t N>
 constexpr Field Around(const Field (&rows)[N]) {
   Field f;
   f.rows = rows;
+  f.row_count = N;
+  return f;
+}
+// Rows that a function makes.
+template <size_t N>
+constexpr Field Around(const std::array<Field, N>& rows) {
+  Field f;
+  f.rows = rows.data();
   f.row_count = N;
   return f;
 }

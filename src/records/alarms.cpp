@@ -8,7 +8,7 @@ namespace {
 
 constexpr Field kInformation = Record("INFORMATION", sizeof(AlarmSettings), kAlarmSettingsRows,
                                       "alarm settings of the recording");
-static_assert(Tiles(kInformation));
+static_assert(Tiles<WrongByte(kInformation)>);
 
 constexpr Field kSerialRows[] = {I32("N", 0, "serial number").Times(9)};
 constexpr uint32_t kGroupSize = 9 * 4;
@@ -50,7 +50,7 @@ constexpr Field kTransitionRows[] = {
     DateTime("TIME_STAMP", 848, "time of the transition"),
 };
 constexpr Field kTransition = Record("TRANSITION", 864, kTransitionRows, "an alarm transition");
-static_assert(Tiles(kTransition));
+static_assert(Tiles<WrongByte(kTransition)>);
 
 }  // namespace
 

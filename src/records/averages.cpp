@@ -100,7 +100,7 @@ constexpr Field kSummariesRows[] = {
     Group("REC_AVG_LAST", 2 * kSummarySize, kExtremeRows, "last values of the recording"),
 };
 constexpr Field kSummariesRecord = Record("", kSummaries* kSummarySize, kSummariesRows);
-static_assert(Tiles(kSummariesRecord));
+static_assert(Tiles<WrongByte(kSummariesRecord)>);
 
 // What a summary of a file cut short lacks is taken from the one before.
 void WalkSummaries(Walk* w) {

@@ -221,7 +221,7 @@ inline constexpr auto kSnapshotChannelRows =
                                      Gap(9536, 64),
                                  });
 inline constexpr Field kSnapshotChannel = Record("", kChannelBlockSize, kSnapshotChannelRows);
-static_assert(Tiles(kSnapshotChannel));
+static_assert(Tiles<WrongByte(kSnapshotChannel)>);
 
 // A channel of live results: with the K factor among the values, and without flicker where the
 // lists are reduced. The tail's other values belong to inverters.

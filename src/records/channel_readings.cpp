@@ -2,7 +2,7 @@
 #include "records/record_types.h"
 #include "records/sample_scales.h"
 #include "records/walk.h"
-#include "settings/value_texts.h"
+#include "settings/codes.h"
 #include "support/loads.h"
 
 namespace quorvex {
@@ -20,7 +20,7 @@ constexpr Field kReadingRows[] = {
     Gap(28, 4),
 };
 constexpr Field kReading = Record("RECORD_RESULTS", 32, kReadingRows, "a reading");
-static_assert(Tiles(kReading));
+static_assert(Tiles<WrongByte(kReading)>);
 
 // Readings of unknown channels stay raw. Scaling takes no notice of missing values, which then no
 // longer read as such; only the neutral's current, missing where it has no clamp, stays missing.

@@ -55,7 +55,7 @@ constexpr Field kResultRows[] = {
     Gap(140, 4),
 };
 constexpr Field kResult = Record("EMETER_RESULT", 144, kResultRows, "a metering interval");
-static_assert(Tiles(kResult));
+static_assert(Tiles<WrongByte(kResult)>);
 
 constexpr InfoField kInfo[] = {
     {"start", InfoForm::kTime, kStartAt, InfoFrom::kFirstRecord},

@@ -137,7 +137,7 @@ inline constexpr Field kFullRows[] = {
     Quantity("temperature", 12196, kMinMaxAvgRows, "temperature of the instrument"),
     Quantity("tempBattery", 36704, kMinMaxAvgRows, "temperature of the battery"),
     Quantity("voltBattery", 36716, kMinMaxRmsRows, "voltage of the battery", "V"),
-    FlagWord("flag", 36696, "flags of the interval"),
+    I32("flag", 36696, "flags of the interval").OnOwnLine(),
     Gap(36700, 4),
     Gap(36728, 4),
     Group("inverter", kFullInverterRows, "results of an inverter").In(Connections({6, 7})),
@@ -145,7 +145,7 @@ inline constexpr Field kFullRows[] = {
 };
 inline constexpr Field kFullRecord =
     Record("RECORD_RESULTS", 40448, kFullRows, "an interval in full (profile 0)");
-static_assert(Tiles(kFullRecord));
+static_assert(Tiles<WrongByte(kFullRecord)>);
 
 // Compact: one averaged value a quantity.
 
@@ -229,7 +229,7 @@ inline constexpr Field kCompactRows[] = {
 };
 inline constexpr Field kCompactRecord =
     Record("RECORD_RESULTS", 1536, kCompactRows, "an interval in short (profile 1)");
-static_assert(Tiles(kCompactRecord));
+static_assert(Tiles<WrongByte(kCompactRecord)>);
 
 // Standard: statistics of voltages and currents, averages of powers, plain spectra.
 
@@ -275,13 +275,13 @@ inline constexpr Field kStandardRows[] = {
     Group("HARMONICS_I", 3716, kStandardCurrentHarmonicsRows, "current harmonics"),
     Group("sym", 2904, kSymmetryRows, "symmetrical components"),
     Quantity("temperature", 3084, kMinMaxAvgRows, "temperature of the instrument"),
-    FlagWord("flag", 4532, "flags of the interval"),
+    I32("flag", 4532, "flags of the interval").OnOwnLine(),
     Gap(4536, 4),
     Group("inverter", kStandardInverterRows, "results of an inverter").In(Connections({6, 7})),
     Gap(4596, 12),
 };
 inline constexpr Field kStandardRecord =
     Record("RECORD_RESULTS", 4608, kStandardRows, "a standard interval (profiles 2 and 5)");
-static_assert(Tiles(kStandardRecord));
+static_assert(Tiles<WrongByte(kStandardRecord)>);
 
 }  // namespace quorvex::intervals

@@ -1,6 +1,7 @@
 #include "records/information.h"
 
 #include "records/recording_head.h"
+#include "settings/codes.h"
 #include "settings/time_texts.h"
 #include "settings/value_texts.h"
 #include "support/loads.h"
@@ -93,9 +94,9 @@ void InfoText(const InfoValue& value, const UifParams& settings, BoundedText* to
     case InfoForm::kDuration:
       return DurationText(value.number, to);
     case InfoForm::kTrigger:
-      return to->Put(TriggerKindText(value.number));
+      return to->Put(WordOf(kTriggers, value.number));
     case InfoForm::kSlope:
-      return to->Put(SlopeText(value.number));
+      return to->Put(WordOf(kSlopes, value.number));
     case InfoForm::kLevel:
       return LevelText(value.level, value.trigger, settings, to, true);
     case InfoForm::kVolts:

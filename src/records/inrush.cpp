@@ -11,7 +11,7 @@ constexpr Field kInrushRows[] = {
     F32("MAX_I", 20, "largest current", "A"),
 };
 constexpr Field kInrush = Record("INRUSH_RECORD", 24, kInrushRows, "an inrush current");
-static_assert(Tiles(kInrush));
+static_assert(Tiles<WrongByte(kInrush)>);
 
 }  // namespace
 

@@ -80,7 +80,7 @@ constexpr Field kLiveResultsRows[] = {
     Gap(kFurtherAt, kCheckAt - kFurtherAt),
 };
 constexpr Field kLiveResultsRecord = Record("UIF_RESULTS", kLiveResultsSize, kLiveResultsRows);
-static_assert(Tiles(kLiveResultsRecord));
+static_assert(Tiles<WrongByte(kLiveResultsRecord)>);
 
 void WalkLiveResults(Walk* w) {
   BeginRecord(w);

@@ -32,7 +32,7 @@ constexpr Field kChangeRows[] = {
 };
 
 constexpr Field kChange = Record("RVC_RECORD", 4088, kChangeRows, "a rapid voltage change");
-static_assert(Tiles(kChange));
+static_assert(Tiles<WrongByte(kChange)>);
 
 }  // namespace
 

@@ -21,7 +21,7 @@ inline constexpr Field kFileHeaderRows[] = {
     I32("FILE_TYPE", offsetof(FileHeader, type), "record type, 1 to 18"),
 };
 inline constexpr Field kFileHeader = Record("FILE_HEADER", sizeof(FileHeader), kFileHeaderRows);
-static_assert(Tiles(kFileHeader));
+static_assert(Tiles<WrongByte(kFileHeader)>);
 
 // What becomes of a last record that is cut short: where at least `from` of its bytes are there, it
 // is written, and `rest` says how.

@@ -33,6 +33,7 @@ inline constexpr auto kMinMaxRmsARows = Shared(
 inline constexpr auto kMaxRmsARows =
     Shared({"maximum and two RMS"},
            {F32("max", 0, "largest"), F32("rms", 4, "RMS"), F32("rmsA", 8, "kept beside the RMS")});
+constexpr uint32_t kSixValueSize = 24;
 inline constexpr auto kSixValueRows =
     Shared({"six-value statistic",
             "Six values are stored, four written: `avgA` is the fifth, not the fourth."},
@@ -109,7 +110,7 @@ inline constexpr auto kVoltageRows = Shared(
         Quantity("UNDER_OVER_VOLTAGE", 160, kUnderOverRows, "deviation from the nominal voltage",
                  "%"),
     });
-static_assert(Tiles(Record("U", kVoltageSize, kVoltageRows)));
+static_assert(Tiles<WrongByte(Record("U", kVoltageSize, kVoltageRows))>);
 
 constexpr Field Voltage(const char* phase, uint32_t at) {
   return Group("U", at, kVoltageRows, "results of a voltage").Phase(phase);
@@ -133,7 +134,7 @@ inline constexpr auto kCurrentRows = Shared(
                              Group("k", 108, kMinMaxRmsARows, "K factor of transformer losses"),
                              Gap(124, 4),
                          });
-static_assert(Tiles(Record("I", kCurrentSize, kCurrentRows)));
+static_assert(Tiles<WrongByte(Record("I", kCurrentSize, kCurrentRows))>);
 
 constexpr Field Current(const char* phase, uint32_t at) {
   return Group("I", at, kCurrentRows, "results of a current").Phase(phase);
@@ -185,7 +186,7 @@ inline constexpr auto kSymmetryRows =
                Quantity("i0", 160, kMinMaxRmsARows, "zero-sequence current ratio", "%"),
                Gap(176, 4),
            });
-static_assert(Tiles(Record("sym", kSymmetrySize, kSymmetryRows)));
+static_assert(Tiles<WrongByte(Record("sym", kSymmetrySize, kSymmetryRows))>);
 
 // Voltages of the compact record and of voltage quality are single values.
 constexpr Field OneRms(const char* name, uint32_t at, const char* meaning, const char* unit = "") {

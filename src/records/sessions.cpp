@@ -15,7 +15,7 @@ constexpr Field kSessionHeaderRows[] = {
     I32("elementsNum", kElementsNumAt, "number of elements that follow").Counts(INT32_MAX),
 };
 constexpr Field kSessionHeader = Record("SESSION_HEADER", 40, kSessionHeaderRows);
-static_assert(Tiles(kSessionHeader));
+static_assert(Tiles<WrongByte(kSessionHeader)>);
 
 constexpr auto kElementRows =
     Shared({"session element"}, {
@@ -25,7 +25,7 @@ constexpr auto kElementRows =
                                     I32("num", 12, "number"),
                                 });
 constexpr Field kElement = Record("ELEMENT", 16, kElementRows, "a change of screens");
-static_assert(Tiles(kElement));
+static_assert(Tiles<WrongByte(kElement)>);
 
 constexpr Field kSessionRows[] = {
     kSessionHeader,

@@ -26,7 +26,7 @@ constexpr Field kHeadRows[] = {
     Gap(44, 4),
 };
 constexpr Field kHead = Record("SIGNALLING_PARAMS", 48, kHeadRows, "head of a recording");
-static_assert(Tiles(kHead));
+static_assert(Tiles<WrongByte(kHead)>);
 
 constexpr uint32_t kPiecePackets = 1024;
 constexpr char kPerPacket[] = "PACKETS_NUM";

@@ -4,7 +4,7 @@
 #include "records/channels.h"
 #include "records/record_types.h"
 #include "records/walk.h"
-#include "settings/value_texts.h"
+#include "settings/codes.h"
 #include "support/loads.h"
 #include "support/memory.h"
 
@@ -40,7 +40,7 @@ constexpr Field kFrontRows[] = {
     Group("RESULTS", kResultsAt, kResultsRows, "results of the whole system"),
 };
 constexpr Field kFront = Record("", kRms12At + Rms12ListSize(kRms12LongRoom), kFrontRows);
-static_assert(Tiles(kFront));
+static_assert(Tiles<WrongByte(kFront)>);
 
 constexpr Field Channel(const char* label, Cases in, const char* meaning) {
   Field f = Group(label, kSnapshotChannelRows, meaning).In(in).Behind();

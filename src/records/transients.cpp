@@ -14,7 +14,7 @@ constexpr Field kEntryRows[] = {
 };
 constexpr Field kEntry =
     Record("TRANSIENT_RECORD", kNameSize + kSettingsSize, kEntryRows, "a captured transient");
-static_assert(Tiles(kEntry));
+static_assert(Tiles<WrongByte(kEntry)>);
 
 }  // namespace
 

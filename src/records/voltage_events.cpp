@@ -1,13 +1,14 @@
 // Type 8: voltage events: dips, swells, interruptions.
 #include "records/record_types.h"
 #include "records/walk.h"
+#include "settings/codes.h"
 
 namespace quorvex {
 namespace {
 
 // Spellings as hosts know them.
 constexpr Field kInformationRows[] = {
-    U8("CONNECTION", 0, "wiring code, 1 to 7"),
+    U8("CONNECTION", 0, "wiring code").OneOf(kWirings),
     Gap(1, 3),
     F32("NOMINAL_VOLTAGE", 4, "nominal voltage", "V"),
     F32("DIP_TRESHOLD", 8, "below it is a dip"),
@@ -16,7 +17,7 @@ constexpr Field kInformationRows[] = {
     Gap(20, 12),
 };
 constexpr Field kInformation = Record("INFORMATION", 32, kInformationRows, "thresholds in force");
-static_assert(Tiles(kInformation));
+static_assert(Tiles<WrongByte(kInformation)>);
 
 constexpr Field kPhaseRows[] = {I32("N", 0, "count of a phase, 1 to 3").Times(3)};
 
@@ -83,7 +84,7 @@ constexpr Field kTransitionRows[] = {
     DateTime("TIME_STAMP", 248, "time of the transition"),
 };
 constexpr Field kTransition = Record("TRANSITION", 264, kTransitionRows, "a voltage transition");
-static_assert(Tiles(kTransition));
+static_assert(Tiles<WrongByte(kTransition)>);
 
 }  // namespace
 

@@ -71,7 +71,7 @@ constexpr Field kOtherIntervalRows[] = {
 };
 constexpr Field kOtherInterval =
     Record("RECORD_RESULTS", 544, kOtherIntervalRows, "an interval of any other length");
-static_assert(Tiles(kOtherInterval));
+static_assert(Tiles<WrongByte(kOtherInterval)>);
 
 constexpr Field kQuarterHourRows[] = {
     DateTime("LAST_TIME", 0, "end of the interval"),
@@ -81,7 +81,7 @@ constexpr Field kQuarterHourRows[] = {
 };
 constexpr Field kQuarterHour =
     Record("RECORD_RESULTS", 248, kQuarterHourRows, "an interval of 900 s");
-static_assert(Tiles(kQuarterHour));
+static_assert(Tiles<WrongByte(kQuarterHour)>);
 
 // No RMS voltage is kept here: the first array is the distortion.
 constexpr Field kTenMinutesRows[] = {
@@ -92,7 +92,7 @@ constexpr Field kTenMinutesRows[] = {
 };
 constexpr Field kTenMinutes =
     Record("RECORD_RESULTS", 536, kTenMinutesRows, "an interval of 600 s");
-static_assert(Tiles(kTenMinutes));
+static_assert(Tiles<WrongByte(kTenMinutes)>);
 
 constexpr const Field* kLayouts[] = {&kOtherInterval, &kTenMinutes, &kQuarterHour};
 

@@ -20,7 +20,7 @@ constexpr Field kCurrentSamples[] = {
     ScaledF32("v", 0, 0, "sample", "A").Times(kPartSamples).CountInput(0, kLength).InPieces(),
 };
 constexpr Field kPart = Record("", kPartSamples* kSampleSize, kVoltageSamples);
-static_assert(Tiles(kPart));
+static_assert(Tiles<WrongByte(kPart)>);
 
 constexpr Field Voltage(const char* label, Cases in) {
   return Group("U", kVoltageSamples, "voltage waveform").Phase(label).In(in).Behind();

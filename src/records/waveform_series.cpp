@@ -5,7 +5,7 @@
 #include "records/channels.h"
 #include "records/record_types.h"
 #include "records/walk.h"
-#include "settings/value_texts.h"
+#include "settings/codes.h"
 #include "support/loads.h"
 #include "support/memory.h"
 
@@ -16,7 +16,7 @@ constexpr uint32_t kWaveformRoom = 1500;
 
 constexpr Field kRecordStart =
     Record("", kRecordStartSize, kRecordStartRows<kUsedSamplesAt, kWaveformRoom>);
-static_assert(Tiles(kRecordStart));
+static_assert(Tiles<WrongByte(kRecordStart)>);
 
 constexpr char kUsedSamples[] = "numUsedSamples";
 constexpr Field kVoltageSamples[] = {
@@ -26,7 +26,7 @@ constexpr Field kCurrentSamples[] = {
     ScaledI16("v", 0, 0, "sample", "A").Times(kWaveformRoom).CountInput(0, kUsedSamples),
 };
 constexpr Field kWaveform = Record("", kWaveformRoom * 2, kVoltageSamples);
-static_assert(Tiles(kWaveform));
+static_assert(Tiles<WrongByte(kWaveform)>);
 
 constexpr Field Voltage(const char* label, Cases in) {
   return Group("U", kVoltageSamples, "voltage waveform").Phase(label).In(in).Behind();

@@ -4,6 +4,7 @@
 
 #include "layout/rows.h"
 #include "layout/tiles.h"
+#include "settings/codes.h"
 #include "settings/settings_record.h"
 
 namespace quorvex {
@@ -87,7 +88,7 @@ inline constexpr Field kSignalingRows[] = {
 
 inline constexpr Field kInrushParamsRows[] = {
     F32("LEVEL", AT(inrush.level), "trigger level", "A"),
-    I32("SLOPE", AT(inrush.slope), "trigger slope code, 1 to 3"),
+    I32("SLOPE", AT(inrush.slope), "trigger slope").OneOf(kSlopes),
     I32("DURATION", AT(inrush.duration), "record duration", "s"),
     I32("PRETRIGGER", AT(inrush.pretrigger), "pretrigger", "s"),
     Gap(AT(inrush.reserved1), 4),
@@ -141,10 +142,10 @@ inline constexpr Field kRecordParamsRows[] = {
 };
 
 inline constexpr Field kWaveParamsRows[] = {
-    I32("TRIGGER", AT(wave.trigger), "trigger source"),
-    I32("REAL_TRIGGER", AT(wave.real_trigger), "trigger that fired"),
+    I32("TRIGGER", AT(wave.trigger), "trigger source").OneOf(kTriggers),
+    I32("REAL_TRIGGER", AT(wave.real_trigger), "trigger that fired").OneOf(kTriggers),
     F32("LEVEL", AT(wave.level), "trigger level"),
-    I32("SLOPE", AT(wave.slope), "trigger slope code"),
+    I32("SLOPE", AT(wave.slope), "trigger slope").OneOf(kSlopes),
     I32("DURATION", AT(wave.duration), "waveform duration"),
     I32("PRETRIGGER", AT(wave.pretrigger), "pretrigger"),
     I32("STORE_MODE", AT(wave.store_mode), "store mode"),
@@ -158,8 +159,8 @@ inline constexpr Field kWaveParamsRows[] = {
 };
 
 inline constexpr Field kTransientsParamsRows[] = {
-    I32("TRIGGER", AT(transients.trigger), "trigger source"),
-    I32("REAL_TRIGGER", AT(transients.real_trigger), "trigger that fired"),
+    I32("TRIGGER", AT(transients.trigger), "trigger source").OneOf(kTriggers),
+    I32("REAL_TRIGGER", AT(transients.real_trigger), "trigger that fired").OneOf(kTriggers),
     I32("TRIGGER_TYPE", AT(transients.trigger_type), "trigger type"),
     Gap(AT(transients.reserved1), 4),
     I32("SELECT_N_GND", AT(transients.select_n_gnd), "neutral or earth selection"),
@@ -253,7 +254,7 @@ inline constexpr auto kSettingsRows = Shared(
     {
         Gap(AT(reserved1), 4),
         Gap(AT(voltage_range), 4),
-        U8("CONNECTION", AT(connection), "wiring code, 1 to 7"),
+        U8("CONNECTION", AT(connection), "wiring code").OneOf(kWirings),
         U8("SYNCHRONIZATION", AT(synchronization), "synchronisation channel code, 1 or 2"),
         Gap(AT(reserved2), 1),
         I32("SYSTEM_FREQUENCY", AT(system_frequency),
@@ -317,6 +318,6 @@ inline constexpr auto kSettingsRows = Shared(
 
 inline constexpr Field kSettingsBlock =
     Record("UIF_PARAMS", kSettingsSize, kSettingsRows, "settings in force for the recording");
-static_assert(Tiles(kSettingsBlock));
+static_assert(Tiles<WrongByte(kSettingsBlock)>);
 
 }  // namespace quorvex

@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <iterator>
 
+#include "settings/codes.h"
+
 namespace quorvex {
 namespace {
 
@@ -27,24 +29,6 @@ constexpr const char* kUnits[] = {
     "kB",   "MB",   "GB", "b",  "uΩ",  "varh", "kvarh", "Mvarh", "Gvarh",
 };
 static_assert(std::size(kUnits) == 53);
-
-// By trigger code.
-constexpr const char* kTriggers[] = {
-    "",        "Manual",  "Events",   "Alarms",   "Events & Alarms",
-    "Level U", "Level I", "Envelope", "Interval",
-};
-
-// By connection code.
-constexpr const char* kConnections[] = {
-    nullptr,
-    "single-phase",
-    "three-phase three-wire",
-    "three-phase four-wire",
-    "three-phase three-wire (second code)",
-    "two-phase three-wire",
-    "single-phase with inverter",
-    "three-phase three-wire with inverter",
-};
 
 constexpr int kKilo = 3;
 constexpr int kMilli = -3;
@@ -97,19 +81,6 @@ const ValueDescriptor kCurrentDescriptor = {
     .not_shown = "-",
     .not_shown_unit = kNoUnit,
 };
-
-const char* TriggerKindText(uint32_t code) {
-  return code < std::size(kTriggers) ? kTriggers[code] : "";
-}
-
-const char* SlopeText(uint32_t code) {
-  constexpr const char* kSlopes[] = {"", "Rise", "Fall", "Any"};
-  return code < std::size(kSlopes) ? kSlopes[code] : "";
-}
-
-const char* ConnectionText(uint8_t code) {
-  return code < std::size(kConnections) ? kConnections[code] : nullptr;
-}
 
 const char* UnitText(uint32_t code) { return code < std::size(kUnits) ? kUnits[code] : ""; }
 

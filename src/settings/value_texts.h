@@ -1,4 +1,4 @@
-// Texts of settings for people: triggers, levels with their units, values in the range that suits
+// Texts of settings for people: levels with their units, values in the range that suits
 // them. All texts are English and UTF-8.
 #pragma once
 
@@ -8,20 +8,6 @@
 #include "support/bounded_text.h"
 
 namespace quorvex {
-
-// Codes of triggers that have a level.
-constexpr uint32_t kTriggerLevelU = 5;
-constexpr uint32_t kTriggerLevelI = 6;
-constexpr uint32_t kTriggerEnvelope = 7;
-
-// "Manual", "Level U" ...; empty for an unknown code.
-const char* TriggerKindText(uint32_t code);
-
-// "Rise", "Fall", "Any"; empty for an unknown code.
-const char* SlopeText(uint32_t code);
-
-// The wiring that a connection code means, "three-phase four-wire" ...; null for an unknown code.
-const char* ConnectionText(uint8_t code);
 
 // "V", "kV" ...; empty for an unknown code.
 const char* UnitText(uint32_t code);

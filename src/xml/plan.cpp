@@ -53,12 +53,22 @@ uint32_t LongestText(const Field& f) {
       const uint32_t written = f.size / f.entry_floats * f.written_floats;
       return (written + 2) / 3 * 4;
     }
+    case Kind::kU8:
+    case Kind::kU16:
+    case Kind::kI32:
+    case Kind::kI64:
+    case Kind::kF32:
+    case Kind::kF64:
+    case Kind::kScaledI16:
+    case Kind::kScaledF32:
+    case Kind::kSeconds:
+    case Kind::kNoValue:
+      return 32;
     case Kind::kGap:
     case Kind::kGroup:
-      return 0;
-    default:
-      return 32;
+      break;
   }
+  return 0;
 }
 
 uint32_t MostSteps(const Field& f) {
@@ -151,7 +161,6 @@ char* ValueText(const Field& f, const uint8_t* at, const Inputs& inputs, char* t
       return IntegerText(*at, to);
     case Kind::kU16:
       return IntegerText(Load<uint16_t>(at), to);
-    case Kind::kFlagWord:
     case Kind::kI32:
       return IntegerText(std::min(Load<int32_t>(at), f.most), to);
     case Kind::kI64:
@@ -183,9 +192,6 @@ char* ValueText(const Field& f, const uint8_t* at, const Inputs& inputs, char* t
   }
   return to;
 }
-
-// Elements whose text stands on a line of its own, behind the open tag's line end.
-bool HasOwnLine(Kind kind) { return kind == Kind::kFlagWord || kind == Kind::kSpectrum; }
 
 }  // namespace
 
@@ -245,11 +251,10 @@ void Plan::AddRows(const Field& f, uint32_t offset, uint32_t step) {
   if (f.kind == Kind::kGroup) {
     if (f.name[0] != '\0') OpenElement(tags_, f.name, attributes);
     for (uint32_t r = 0; r < f.row_count; ++r) {
-      const Field& row = f.rows[r];
-      Add(row, offset, f.repeated && row.every != 0 ? row.every : step);
+      Add(f.rows[r], offset, StepOf(f.rows[r], step));
     }
     if (f.name[0] != '\0') CloseElement(tags_);
-  } else if (HasOwnLine(f.kind)) {
+  } else if (f.own_line) {
     OpenElement(tags_, f.name, attributes);
     AddStep(&f, offset, step);
     CloseElement(tags_);
@@ -312,17 +317,15 @@ void Plan::RunLoop(XmlWriter* to, uint32_t loop, const uint8_t* place, const Inp
   const uint8_t* values = place + value.offset;
   const uint32_t step = value.step;
   const float scale = inputs.scale[s.field->scale_ref];
-  switch (s.kind) {
-    case Kind::kScaledI16:
-      return WriteFloats(to, tags, count, [=](uint32_t n) {
-        return static_cast<float>(Load<int16_t>(values + n * step)) * scale;
-      });
-    case Kind::kScaledF32:
-      return WriteFloats(to, tags, count,
-                         [=](uint32_t n) { return Load<float>(values + n * step) * scale; });
-    default:
-      return WriteFloats(to, tags, count,
-                         [=](uint32_t n) { return Load<float>(values + n * step); });
+  if (s.kind == Kind::kScaledI16) {
+    WriteFloats(to, tags, count, [=](uint32_t n) {
+      return static_cast<float>(Load<int16_t>(values + n * step)) * scale;
+    });
+  } else if (s.kind == Kind::kScaledF32) {
+    WriteFloats(to, tags, count,
+                [=](uint32_t n) { return Load<float>(values + n * step) * scale; });
+  } else {
+    WriteFloats(to, tags, count, [=](uint32_t n) { return Load<float>(values + n * step); });
   }
 }
 

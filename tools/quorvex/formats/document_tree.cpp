@@ -70,9 +70,19 @@ ValueForm FormOf(const Field& f) {
     case Kind::kScaledI16:
     case Kind::kScaledF32:
       return {Kind::kF32};
-    default:
-      return {f.kind, 0, f.most};
+    case Kind::kU8:
+    case Kind::kU16:
+    case Kind::kI32:
+    case Kind::kI64:
+    case Kind::kF32:
+    case Kind::kF64:
+    case Kind::kSeconds:
+    case Kind::kNoValue:
+    case Kind::kGap:
+    case Kind::kGroup:
+      break;
   }
+  return {f.kind, 0, f.most, f.own_line};
 }
 
 std::vector<Node> NodesIn(const Field& group, Cases in);
@@ -80,7 +90,7 @@ std::vector<Node> NodesIn(const Field& group, Cases in);
 Node NodeOf(const Field& f, Cases in) {
   Node node;
   node.name = f.name;
-  node.meaning = f.meaning;
+  node.meaning = MeaningOf(f);
   node.unit = f.unit;
   if (f.phase != nullptr) node.phases.emplace_back(f.phase);
   if (f.kind == Kind::kGroup) {
@@ -140,6 +150,18 @@ std::vector<Node> NodesIn(const Field& group, Cases in) {
 }
 
 }  // namespace
+
+std::string MeaningOf(const Field& f) {
+  std::string text = f.meaning;
+  std::string before = ": ";
+  for (uint32_t value = 0; f.codes != nullptr && value < f.codes->count; ++value) {
+    const std::string word = WordOf(*f.codes, value);
+    if (word.empty()) continue;
+    text += before + std::to_string(value) + " " + word;
+    before = ", ";
+  }
+  return text;
+}
 
 std::vector<Node> NodesOf(const Field& group) { return NodesIn(group, kAllCases); }
 

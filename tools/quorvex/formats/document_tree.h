@@ -2,10 +2,11 @@
 // made from.
 #pragma once
 
+#include <array>
+#include <compare>
 #include <cstdint>
 #include <set>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "records/recording.h"
@@ -15,14 +16,13 @@ namespace quorvex::tool {
 constexpr uint32_t kUnbounded = UINT32_MAX;
 
 // How an element's text reads. `size` is the width of a text, the decoded bytes of base64; `most`
-// is the bound of an integer that has one.
+// is the bound of an integer that has one, and `own_line` makes a difference to integers only.
 struct ValueForm {
   Kind kind;
   uint32_t size = 0;
   int32_t most = INT32_MAX;
-  bool operator<(const ValueForm& other) const {
-    return std::tie(kind, size, most) < std::tie(other.kind, other.size, other.most);
-  }
+  bool own_line = false;
+  auto operator<=>(const ValueForm&) const = default;
 };
 
 // An element, or, without a name, a sequence of elements.
@@ -36,6 +36,9 @@ struct Node {
   std::vector<Node> children;
   uint32_t least = 1, most = 1;  // repetitions
 };
+
+// What a row means, with the words of its codes.
+std::string MeaningOf(const Field& f);
 
 // The elements of a table's rows.
 std::vector<Node> NodesOf(const Field& group);

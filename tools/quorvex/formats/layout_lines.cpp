@@ -33,14 +33,11 @@ std::string WhenText(Cases cases) {
 
 std::string TypeText(const Field& f) {
   switch (f.kind) {
-    case Kind::kGap:
-      return "";
     case Kind::kU8:
       return "u8";
     case Kind::kU16:
       return "u16";
     case Kind::kI32:
-    case Kind::kFlagWord:
       return "i32";
     case Kind::kI64:
       return "i64";
@@ -60,9 +57,15 @@ std::string TypeText(const Field& f) {
       if (f.entry_floats == f.written_floats) return floats;
       return floats + ", " + std::to_string(f.written_floats) + " written";
     }
-    default:
+    case Kind::kText:
+    case Kind::kRawText:
       return "text";
+    case Kind::kGap:
+    case Kind::kGroup:
+    case Kind::kNoValue:
+      break;
   }
+  return "";
 }
 
 // Bytes from a table's first to behind its last.
@@ -129,13 +132,13 @@ void Flatten(const Field& group, const Around& around, std::vector<LayoutLine>* 
       path += (path.empty() && around.phase.empty() ? "" : "/") + std::string(f.name);
     }
     if (f.phase != nullptr) inside.phase = f.phase;
-    if (f.meaning[0] != '\0') inside.meaning = f.meaning;
+    if (f.meaning[0] != '\0') inside.meaning = MeaningOf(f);
     if (f.repeated) {
       inside.count = f.endless ? kUnbounded : f.count;
       inside.step = f.step;
       inside.repeated = CountText(f, group, around.place);
     }
-    if (f.every != 0) inside.step = f.every;
+    inside.step = StepOf(f, inside.step);
     if (f.kind == Kind::kGroup && f.structure == nullptr) {
       Flatten(f, inside, lines);
       continue;

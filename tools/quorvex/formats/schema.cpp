@@ -44,7 +44,7 @@ class Schema {
     root.meaning = what;
     Element(root, 1);
     std::string types;
-    for (const auto& [form, name] : simple_) types += SimpleType(form, name);
+    for (const auto& [form, type] : simple_) types += TextOf(type);
     for (const auto& [name, text] : named_) types += text;
     return "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
            "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\">\n" +
@@ -52,90 +52,80 @@ class Schema {
   }
 
  private:
-  std::string text_;
-  std::map<ValueForm, std::string> simple_;
-  std::map<std::string, std::string> named_;
-
   void Line(int depth, const std::string& line) {
     text_ += std::string(2 * static_cast<size_t>(depth), ' ') + line + "\n";
   }
 
-  // The type of a text; what is not built in is remembered for the end of the schema.
-  std::string FormName(const ValueForm& form) {
-    const auto remembered = [&](const std::string& name) {
-      simple_.emplace(form, name);
-      return name;
-    };
-    const std::string size = std::to_string(form.size);
-    switch (form.kind) {
-      case Kind::kU8:
-        return "xs:unsignedByte";
-      case Kind::kU16:
-        return "xs:unsignedShort";
-      case Kind::kI64:
-        return "xs:long";
-      case Kind::kI32:
-        if (form.most == INT32_MAX) return "xs:int";
-        return remembered("intTo" + std::to_string(form.most));
-      case Kind::kF32:
-        return remembered("float");
-      case Kind::kF64:
-        return remembered("double");
-      case Kind::kSeconds:
-        return remembered("seconds");
-      case Kind::kNoValue:
-        return remembered("noValue");
-      case Kind::kFlagWord:
-        return remembered("flagWord");
-      case Kind::kSpectrum:
-        return remembered("base64of" + size);
-      case Kind::kRawText:
-        return remembered("anyText" + size);
-      default:
-        return remembered(form.size == 0 ? "text" : "text" + size);
-    }
-  }
-
-  static std::string SimpleType(const ValueForm& form, const std::string& name) {
-    const auto type = [&name](const std::string& base, const std::string& facets,
-                              const std::string& meaning) {
-      return "  <xs:simpleType name=\"" + name + "\">\n    <xs:annotation><xs:documentation>" +
-             meaning + "</xs:documentation></xs:annotation>\n    <xs:restriction base=\"" + base +
-             "\">" + facets + "</xs:restriction>\n  </xs:simpleType>\n";
-    };
+  // The type of a text. What is built in has a name only.
+  struct SimpleType {
+    std::string name, base = {}, facets = {}, meaning = {};
+  };
+  static SimpleType SimpleTypeOf(const ValueForm& form) {
     const auto pattern = [](const std::string& text) {
       return "<xs:pattern value=\"" + Escaped(text) + "\"/>";
     };
-    const std::string size = std::to_string(form.size);
+    const std::string most = std::to_string(form.most);
+    const std::string size = form.size == 0 ? "" : std::to_string(form.size);
     const std::string width = form.size == 0 ? "" : "<xs:maxLength value=\"" + size + "\"/>";
     switch (form.kind) {
+      case Kind::kU8:
+        return {"xs:unsignedByte"};
+      case Kind::kU16:
+        return {"xs:unsignedShort"};
+      case Kind::kI64:
+        return {"xs:long"};
       case Kind::kI32:
-        return type("xs:int", "<xs:maxInclusive value=\"" + std::to_string(form.most) + "\"/>",
-                    "integer that shows " + std::to_string(form.most) + " at the most");
+        if (form.own_line) {
+          return {"flagWord", "xs:token", pattern("-?[0-9]{1,10}"), "integer on a line of its own"};
+        }
+        if (form.most == INT32_MAX) return {"xs:int"};
+        return {"intTo" + most, "xs:int", "<xs:maxInclusive value=\"" + most + "\"/>",
+                "integer that shows " + most + " at the most"};
       case Kind::kF32:
-        return type("xs:token", pattern("-|-?[0-9]\\.[0-9]{6}E[+\\-][0-9]{2}|-?INF|-?NAN"),
-                    "single precision, seven significant digits; - where there is no value");
+        return {"float", "xs:token", pattern("-|-?[0-9]\\.[0-9]{6}E[+\\-][0-9]{2}|-?INF|-?NAN"),
+                "single precision, seven significant digits; - where there is no value"};
       case Kind::kF64:
-        return type("xs:token", pattern("-|-?[0-9]\\.[0-9]{6}E[+\\-][0-9]{2,3}|-?INF|-?NAN"),
-                    "double precision, seven significant digits; - where there is no value");
+        return {"double", "xs:token", pattern("-|-?[0-9]\\.[0-9]{6}E[+\\-][0-9]{2,3}|-?INF|-?NAN"),
+                "double precision, seven significant digits; - where there is no value"};
       case Kind::kSeconds:
-        return type("xs:token", pattern("-|-?[0-9]+\\.-?[0-9]{1,6}"),
-                    "seconds to the microsecond; - where there is no value");
+        return {"seconds", "xs:token", pattern("-|-?[0-9]+\\.-?[0-9]{1,6}"),
+                "seconds to the microsecond; - where there is no value"};
       case Kind::kNoValue:
-        return type("xs:token", pattern("-"), "no value is kept");
-      case Kind::kFlagWord:
-        return type("xs:token", pattern("-?[0-9]{1,10}"), "integer on a line of its own");
+        return {"noValue", "xs:token", pattern("-"), "no value is kept"};
       case Kind::kSpectrum:
-        return type("xs:base64Binary", "<xs:length value=\"" + size + "\"/>",
-                    size +
-                        " bytes: little-endian single precision floats, +infinity where there "
-                        "is no value");
+        return {"base64of" + size, "xs:base64Binary", "<xs:length value=\"" + size + "\"/>",
+                size +
+                    " bytes: little-endian single precision floats, +infinity where there is no "
+                    "value"};
       case Kind::kRawText:
-        return type("xs:string", width, "text as it is stored");
-      default:
-        return type("xs:string", pattern("[A-Za-z0-9 .,!%&=+\\-*/_\\\\?]*") + width,
-                    "text, unusual characters replaced by ?, line ends by a backslash");
+        return {"anyText" + size, "xs:string", width, "text as it is stored"};
+      case Kind::kText:
+        return {"text" + size, "xs:string", pattern("[A-Za-z0-9 .,!%&=+\\-*/_\\\\?]*") + width,
+                "text, unusual characters replaced by ?, line ends by a backslash"};
+      case Kind::kGap:
+      case Kind::kGroup:
+      case Kind::kScaledI16:
+      case Kind::kScaledF32:
+      case Kind::kMade:
+        break;  // no text, or one that reads as another kind
     }
+    return {};
+  }
+
+  std::string text_;
+  std::map<ValueForm, SimpleType> simple_;
+  std::map<std::string, std::string> named_;
+
+  // The name of a form's type, which is remembered for the end of the schema.
+  std::string FormName(const ValueForm& form) {
+    return simple_.emplace(form, SimpleTypeOf(form)).first->second.name;
+  }
+
+  static std::string TextOf(const SimpleType& type) {
+    if (type.base.empty()) return "";
+    return "  <xs:simpleType name=\"" + type.name + "\">\n    <xs:annotation><xs:documentation>" +
+           type.meaning + "</xs:documentation></xs:annotation>\n    <xs:restriction base=\"" +
+           type.base + "\">" + type.facets + "</xs:restriction>\n  </xs:simpleType>\n";
   }
 
   void Annotation(const Node& node, int depth) {
@@ -148,14 +138,23 @@ class Schema {
   static std::string Occurs(const Node& node) {
     std::string text;
     if (node.least != 1) text += " minOccurs=\"" + std::to_string(node.least) + "\"";
-    const std::string most = node.most == kUnbounded ? "unbounded" : std::to_string(node.most);
-    if (node.most != 1) text += " maxOccurs=\"" + most + "\"";
+    if (node.most == kUnbounded) {
+      text += " maxOccurs=\"unbounded\"";
+    } else if (node.most != 1) {
+      text += " maxOccurs=\"" + std::to_string(node.most) + "\"";
+    }
     return text;
   }
 
   void Sequence(const Node& node, int depth) {
     Line(depth, "<xs:sequence" + (node.name.empty() ? Occurs(node) : "") + ">");
-    for (const Node& child : node.children) Element(child, depth + 1);
+    for (const Node& child : node.children) {
+      if (child.name.empty()) {
+        Sequence(child, depth + 1);
+      } else {
+        Element(child, depth + 1);
+      }
+    }
     Line(depth, "</xs:sequence>");
   }
 
@@ -229,9 +228,7 @@ class Schema {
     Line(depth, "</xs:complexType>");
   }
 
-  // A group without a name is a sequence in the sequence around it.
   void Element(const Node& node, int depth) {
-    if (node.name.empty()) return Sequence(node, depth);
     std::string open = "<xs:element name=\"" + node.name + "\"" + (depth == 1 ? "" : Occurs(node));
     const std::optional<std::string> type = node.phases.empty() ? TypeOf(node) : std::nullopt;
     if (type) open += " type=\"" + *type + "\"";

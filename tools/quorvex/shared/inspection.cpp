@@ -7,8 +7,8 @@
 #include "findings/soundness.h"
 #include "records/information.h"
 #include "records/walk.h"
+#include "settings/codes.h"
 #include "settings/settings_table.h"
-#include "settings/value_texts.h"
 #include "shared/scratch.h"
 #include "support/escape_text.h"
 #include "support/file.h"
@@ -181,8 +181,8 @@ Facts FactsOf(const std::string& path) {
   facts.instrument = ModelName(place, {}).text;
   facts.serial = std::string(
       text, EscapeText(settings.ee_serial_number, text, sizeof settings.ee_serial_number));
-  const char* connection = ConnectionText(settings.connection);
-  if (connection != nullptr) facts.connection = connection;
+  const char* connection = WordOf(kWirings, settings.connection);
+  if (connection[0] != '\0') facts.connection = connection;
   return facts;
 }
 
