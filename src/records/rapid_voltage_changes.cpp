@@ -24,7 +24,7 @@ constexpr Field kChangeRows[] = {
     F32("DU_SS", 20, "steady-state deviation"),
     DateTime("RVC_START_TIME", 24, "start of the change"),
     DateTime("RVC_STOP_TIME", 40, "end of the change"),
-    F32("DURATION", 4076, "duration of the change"),
+    F32("DURATION", 4076, "duration of the change", "s"),
     Group("RMS12_VALUES", 56, kHalfCyclesRows),
     Gap(4056, 20),
     Gap(4080, 8),

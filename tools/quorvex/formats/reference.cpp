@@ -51,7 +51,7 @@ describes. Layout tables follow the bytes, trees follow the document.
 | f32, f64 | 4, 8 | seven significant digits, `2.301000E+02`; `INF`, `-INF`, `NAN`, `-NAN` |
 | i16 | 2 | raw sample, written like f32 after scaling |
 | text | its width | letters, digits and ` .,!%&=+-*/_` stay, line ends become `\`, the rest `?` |
-| n × m f32 | 4 n m | base64 of the written floats of each entry, from harmonic order 0 on |
+| n × m f32 | 4 n m | base64 of the written floats of each entry, from harmonic order 0 on where no other is named |
 
 A text ends at its first NUL; clamp names stand as they are. A float that holds -1e37 (f64: that
 value widened) has no value and reads `-`; in base64 it is +infinity.
@@ -118,7 +118,7 @@ void PutLayout(Reference* to, const Field& group) {
     std::string element = line.path;
     if (!line.phases.empty()) element += "[" + line.phases + "]" + line.inner_path;
     rows.push_back({line.offset == kNext ? "next" : std::to_string(line.offset), line.bytes, type,
-                    element.empty() ? "" : Code(element), line.meaning, line.row->unit, line.when});
+                    element.empty() ? "" : Code(element), line.meaning, line.unit, line.when});
   }
   PutTable(to, {"Offset", "Bytes", "Type", "Element", "Meaning", "Unit", "When"}, rows);
 }
