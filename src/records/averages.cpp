@@ -119,8 +119,7 @@ const RecordType kAverages = {
     .type = 11,
     .name = "averages",
     .about =
-        "A recording summed up three times, for each phase and in total. Energies are doubles. "
-        "What a summary of a file cut short lacks is taken from the one before.",
+        "A recording summed up three times, for each phase and in total. Energies are doubles.",
     .list = nullptr,
     .record = &kSummariesRecord,
     .write = WriteSummaries,

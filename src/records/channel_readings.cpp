@@ -44,16 +44,18 @@ void WriteReadings(const Conversion& c) {
   }
 }
 
+constexpr char kAbout[] =
+    "Each reading is a voltage and a current of one channel, scaled like the samples of a "
+    "waveform; of unknown channels they stay raw. Scaling takes no notice of missing values, "
+    "which then no longer read as such; only the current of a neutral without a clamp stays "
+    "missing.";
+
 }  // namespace
 
 const RecordType kChannelReadings = {
     .type = 3,
     .name = "channel readings",
-    .about =
-        "Each reading is a voltage and a current of one channel, scaled like the samples of a "
-        "waveform; of unknown channels they stay raw. Scaling takes no notice of missing "
-        "values, which then no longer read as such; only the current of a neutral without a "
-        "clamp stays missing. A last record that is cut short is left out.",
+    .about = kAbout,
     .list = "RECORDS",
     .record = &kReading,
     .write = WriteReadings,
@@ -65,11 +67,7 @@ const RecordType kChannelReadings = {
 const RecordType kMoreChannelReadings = {
     .type = 14,
     .name = "channel readings (second list)",
-    .about =
-        "Each reading is a voltage and a current of one channel, scaled like the samples of a "
-        "waveform; of unknown channels they stay raw. Scaling takes no notice of missing "
-        "values, which then no longer read as such; only the current of a neutral without a "
-        "clamp stays missing. A last record that is cut short is left out.",
+    .about = kAbout,
     .list = "RECORDS",
     .record = &kReading,
     .write = WriteReadings,

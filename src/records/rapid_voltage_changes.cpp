@@ -38,10 +38,7 @@ static_assert(Tiles<WrongByte(kChange)>);
 const RecordType kRapidVoltageChanges = {
     .type = 10,
     .name = "rapid voltage changes",
-    .about =
-        "Each change comes with the 200 half-cycle voltages around it. A last record that is "
-        "cut short is written with the bytes of the one before in the place of those that it "
-        "lacks.",
+    .about = "Each change comes with the 200 half-cycle voltages around it.",
     .list = "RECORDS",
     .record = &kChange,
     .write = WriteCountedRecords,

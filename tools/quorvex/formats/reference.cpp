@@ -211,6 +211,19 @@ void PutDocument(Reference* to, const RecordType& type, const Field* layout) {
   to->text += "```\n\n";
 }
 
+// What becomes of a last record that is cut short.
+std::string CutText(const RecordType& type) {
+  if (LayoutsOf(type).empty()) return "";
+  const std::string record = type.once ? " A record" : " A last record";
+  const auto [from, rest] = type.cut;
+  if (from == kLeftOut.from) return record + " that is cut short is left out.";
+  std::string text = record + " that is cut short is written";
+  if (from > 1) text += " where its first " + std::to_string(from) + " bytes are there";
+  text += ": " + std::string(rest) + ".";
+  if (type.record_settings_at == 0) return text;
+  return text + " What the first lacks of its settings is taken from those of the file.";
+}
+
 void PutType(Reference* to, const RecordType& type) {
   to->text += "## " + Heading(type) + "\n\n";
   const auto earlier = std::find_if(
@@ -221,7 +234,7 @@ void PutType(Reference* to, const RecordType& type) {
     to->text += "The same as " + Link(Heading(**earlier)) + " but for the number.\n\n";
     return;
   }
-  to->text += std::string(type.about) + "\n\n";
+  to->text += type.about + CutText(type) + "\n\n";
   if (type.companion) {
     to->text += "A setting file beside the recording replaces its settings.\n\n";
   }
