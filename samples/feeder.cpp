@@ -34,9 +34,10 @@ double OrderPercent(int order, double odd, double direct) {
 double VoltageOrder(int order) { return OrderPercent(order, 8, 0.02); }
 double CurrentOrder(int order) { return OrderPercent(order, 45, 0.3); }
 
-std::vector<double> Spectrum(double (*order_percent)(int), double scale, int floats, int highest) {
+std::vector<double> Spectrum(double (*order_percent)(int), double scale, int floats, int highest,
+                             int lowest) {
   std::vector<double> values;
-  for (int order = 0; order <= highest; ++order) {
+  for (int order = lowest; order <= highest; ++order) {
     for (int i = 0; i < floats; ++i) {
       values.push_back(order_percent(order) * scale * (1 - 0.04 * i));
     }

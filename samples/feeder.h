@@ -30,8 +30,9 @@ Feeder FeederAt(double hour);
 double VoltageOrder(int order);
 double CurrentOrder(int order);
 
-// Orders 0 to `highest`, each in `floats` places: the maximum first, then values that lie lower.
+// Orders `lowest` to `highest`, each in `floats` places: the maximum first, then values that lie
+// lower.
 std::vector<double> Spectrum(double (*order_percent)(int), double scale, int floats,
-                             int highest = kHighestOrder);
+                             int highest = kHighestOrder, int lowest = 0);
 
 }  // namespace quorvex::samples

@@ -212,7 +212,7 @@ RecordBytes FullRecord(const Feeder& network, const Clock& clock, double hour) {
 }
 
 RecordBytes CompactRecord(const Feeder& network) {
-  constexpr int kCompactHighest = 24;  // an array is 25 orders long
+  constexpr int kCompactHighest = 25, kCompactLowest = 1;
   RecordBytes record(*kGeneral.choice->layouts[1]);
   record.ClearFloats();
   double p = 0, q = 0, s = 0;
@@ -226,12 +226,12 @@ RecordBytes CompactRecord(const Feeder& network) {
       record.Set(u + "Pst/rms", network.pst).Set(u + "Plt/rms", network.pst * 0.9);
       record.Set(u + "Pst1m/rms", network.pst * 1.1);
       record.SetFloats("HARMONICS_U/HARM_U[" + name + "h]",
-                       Spectrum(VoltageOrder, volts / 100, 1, kCompactHighest));
+                       Spectrum(VoltageOrder, volts / 100, 1, kCompactHighest, kCompactLowest));
     }
     const std::string i_path = Numbered("CURRENTS/I[i", i) + "]/";
     record.Set(i_path + "rms/rms", phase.amps).Set(i_path + "thdPr/rms", phase.amps_thd);
     record.SetFloats(Numbered("HARMONICS_I/HARM_I[i", i) + "h]",
-                     Spectrum(CurrentOrder, phase.amps / 100, 1, kCompactHighest));
+                     Spectrum(CurrentOrder, phase.amps / 100, 1, kCompactHighest, kCompactLowest));
     p += phase.p;
     q += phase.q;
     s += phase.s;

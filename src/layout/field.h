@@ -76,7 +76,7 @@ struct Field {
   const char* name = "";
   const char* phase = nullptr;  // value of the attribute `phase`
   const char* meaning = "";     // for documentation and schema
-  const char* unit = "";
+  const char* unit = "";        // of a group: of the values inside that have none
   // Where a count of the inputs comes from: the end of an element's path, or words.
   const char* counted_by = "";
   const Codes* codes = nullptr;  // the words of an integer's values, where they are known
@@ -96,6 +96,7 @@ struct Field {
   int32_t most = INT32_MAX;     // an integer shows this at the most
   uint16_t entry_floats = 0;    // spectrum: floats per entry on disk
   uint16_t written_floats = 0;  // spectrum: how many of them are written
+  uint16_t first_order = 0;     // spectrum: harmonic order of the first entry
   Cases cases = kAllCases;
   Kind kind = Kind::kGap;
   CountFrom count_from = CountFrom::kTable;
@@ -157,6 +158,11 @@ struct Field {
     f.own_line = true;
     return f;
   }
+  constexpr Field Unit(const char* name_of_unit) const {
+    Field f = *this;
+    f.unit = name_of_unit;
+    return f;
+  }
   constexpr Field OneOf(const Codes& known) const {
     Field f = *this;
     f.codes = &known;
@@ -179,6 +185,11 @@ struct Field {
   constexpr Field RunsOn(uint32_t own) const {
     Field f = *this;
     f.claims = own;
+    return f;
+  }
+  constexpr Field FromOrder(uint16_t order) const {
+    Field f = *this;
+    f.first_order = order;
     return f;
   }
   constexpr Field Phase(const char* label) const {

@@ -59,8 +59,8 @@ const RecordType kAlarms = {
     .name = "alarms",
     .about =
         "A record is the start or the end of an alarm, with the running serial numbers of all "
-        "groups of alarms. The head is longer than that of other types, and the alarm settings "
-        "of the recording follow it. A last record that is cut short is left out.",
+        "groups of alarms. The head is longer than that of other types, and the alarm settings of "
+        "the recording follow it.",
     .list = "TRANSITIONS",
     .record = &kTransition,
     .walk = WalkRecordsToEnd,

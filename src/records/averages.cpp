@@ -43,14 +43,14 @@ constexpr auto kInterharmonicRows = Shared(
         F32("avg", 4, "average of an order, 0 to 50").Times(kOrderCount),
     });
 constexpr Field kSpectraRows[] = {
-    Group("uh", 256, kHarmonicRows, "voltage harmonics"),
-    Group("uhPr", 464, kHarmonicRows, "voltage harmonics in percent"),
-    Group("uih", 1088, kInterharmonicRows, "voltage interharmonics"),
-    Group("uihPr", 1296, kInterharmonicRows, "voltage interharmonics in percent"),
-    Group("ih", 672, kHarmonicRows, "current harmonics"),
-    Group("ihPr", 880, kHarmonicRows, "current harmonics in percent"),
-    Group("iih", 1504, kInterharmonicRows, "current interharmonics"),
-    Group("iihPr", 1712, kInterharmonicRows, "current interharmonics in percent"),
+    Group("uh", 256, kHarmonicRows, "voltage harmonics").Unit("V"),
+    Group("uhPr", 464, kHarmonicRows, "voltage harmonics").Unit("%"),
+    Group("uih", 1088, kInterharmonicRows, "voltage interharmonics").Unit("V"),
+    Group("uihPr", 1296, kInterharmonicRows, "voltage interharmonics").Unit("%"),
+    Group("ih", 672, kHarmonicRows, "current harmonics").Unit("A"),
+    Group("ihPr", 880, kHarmonicRows, "current harmonics").Unit("%"),
+    Group("iih", 1504, kInterharmonicRows, "current interharmonics").Unit("A"),
+    Group("iihPr", 1712, kInterharmonicRows, "current interharmonics").Unit("%"),
 };
 
 constexpr uint32_t kLineSize = 1920;
@@ -120,8 +120,7 @@ const RecordType kAverages = {
     .type = 11,
     .name = "averages",
     .about =
-        "A recording summed up three times, for each phase and in total. Energies are doubles. "
-        "What a summary of a file cut short lacks is taken from the one before.",
+        "A recording summed up three times, for each phase and in total. Energies are doubles.",
     .list = nullptr,
     .record = &kSummariesRecord,
     .walk = WalkSummaries,

@@ -16,22 +16,23 @@ constexpr Field Typed(const char* name, uint32_t at, const char* meaning = "") {
   return Group(name, at, kTypedRows, meaning);
 }
 
-inline constexpr auto kPhasorRows = Shared({"phasor"}, {
-                                                           F32("A", 0, "amplitude"),
-                                                           F32("phase", 4, "angle", "deg"),
-                                                       });
+inline constexpr auto kPhasorRows =
+    Shared({"phasor"}, {
+                           F32("A", 0, "amplitude, in the unit of the phasor"),
+                           F32("phase", 4, "angle", "deg"),
+                       });
 constexpr Field Phasor(const char* name, uint32_t at, const char* meaning) {
   return Group(name, at, kPhasorRows, meaning);
 }
 
 inline constexpr auto kMomentaryEnergyRows =
     Shared({"momentary energies"}, {
-                                       F64("Ep_p", 0, "active energy, consumed"),
-                                       F64("Ep_m", 8, "active energy, generated"),
-                                       F64("Eq_p", 16, "reactive energy, consumed"),
-                                       F64("Eq_m", 24, "reactive energy, generated"),
-                                       F64("Es_p", 32, "apparent energy, consumed"),
-                                       F64("Es_m", 40, "apparent energy, generated"),
+                                       F64("Ep_p", 0, "active energy, consumed", "Wh"),
+                                       F64("Ep_m", 8, "active energy, generated", "Wh"),
+                                       F64("Eq_p", 16, "reactive energy, consumed", "varh"),
+                                       F64("Eq_m", 24, "reactive energy, generated", "varh"),
+                                       F64("Es_p", 32, "apparent energy, consumed", "VAh"),
+                                       F64("Es_m", 40, "apparent energy, generated", "VAh"),
                                    });
 
 constexpr uint32_t kMomentaryPhasePowerSize = 144;
@@ -108,12 +109,12 @@ inline constexpr Field kTotalsRows[] = {
 
 inline constexpr auto kMomentarySymmetryRows = Shared(
     {"momentary symmetry"}, {
-                                Phasor("Uo", 0, "zero-sequence voltage"),
-                                Phasor("Io", 8, "zero-sequence current"),
-                                Phasor("Up", 16, "positive-sequence voltage"),
-                                Phasor("Ip", 24, "positive-sequence current"),
-                                Phasor("Um", 32, "negative-sequence voltage"),
-                                Phasor("Im", 40, "negative-sequence current"),
+                                Phasor("Uo", 0, "zero-sequence voltage").Unit("V"),
+                                Phasor("Io", 8, "zero-sequence current").Unit("A"),
+                                Phasor("Up", 16, "positive-sequence voltage").Unit("V"),
+                                Phasor("Ip", 24, "positive-sequence current").Unit("A"),
+                                Phasor("Um", 32, "negative-sequence voltage").Unit("V"),
+                                Phasor("Im", 40, "negative-sequence current").Unit("A"),
                                 F32("SYM_Um", 48, "negative-sequence voltage unbalance", "%"),
                                 F32("SYM_Uo", 52, "zero-sequence voltage unbalance", "%"),
                                 F32("SYM_Im", 56, "negative-sequence current unbalance", "%"),
@@ -122,7 +123,7 @@ inline constexpr auto kMomentarySymmetryRows = Shared(
 
 inline constexpr auto kRms12Rows =
     Shared({"half-cycle reading"}, {
-                                       F32("VALUE", 0, "half-cycle RMS value"),
+                                       F32("VALUE", 0, "half-cycle RMS value", "V"),
                                        Gap(4, 4),
                                        I32("PHASE_NUMBER", 8, "phase number"),
                                        Gap(12, 4),
@@ -195,10 +196,10 @@ inline constexpr Field kChannelPowersRows[] = {
 inline constexpr auto kSpectrumRows =
     Shared({"spectrum of 51 orders"}, {F32("v", 0, "an order, 0 to 50").Times(kSpectrumOrders)});
 inline constexpr Field kChannelSpectraRows[] = {
-    Group("HARM_U", 8704, kSpectrumRows, "voltage harmonics"),
-    Group("HARM_I", 8908, kSpectrumRows, "current harmonics"),
-    Group("INTER_HARM_U", 9112, kSpectrumRows, "voltage interharmonics"),
-    Group("INTER_HARM_I", 9316, kSpectrumRows, "current interharmonics"),
+    Group("HARM_U", 8704, kSpectrumRows, "voltage harmonics").Unit("V"),
+    Group("HARM_I", 8908, kSpectrumRows, "current harmonics").Unit("A"),
+    Group("INTER_HARM_U", 9112, kSpectrumRows, "voltage interharmonics").Unit("V"),
+    Group("INTER_HARM_I", 9316, kSpectrumRows, "current interharmonics").Unit("A"),
 };
 
 inline constexpr Field kFlickerRows[] = {

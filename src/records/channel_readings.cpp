@@ -53,7 +53,7 @@ constexpr RecordType Readings(uint32_t type, const char* name, const InfoLine& l
           "Each reading is a voltage and a current of one channel, scaled like the samples of a "
           "waveform; of unknown channels they stay raw. Scaling takes no notice of missing "
           "values, which then no longer read as such; only the current of a neutral without a "
-          "clamp stays missing. A last record that is cut short is left out.",
+          "clamp stays missing.",
       .list = "RECORDS",
       .record = &kReading,
       .walk = WalkReadings,

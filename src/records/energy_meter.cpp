@@ -69,9 +69,7 @@ const RecordType kEnergyMeter = {
     .name = "energy meter tests",
     .about =
         "What is written follows the connection; of an unknown one there are the interval, the "
-        "energies and the error of the meter, but no quantities of the network. A last record that "
-        "is cut short is written with the bytes of the one before "
-        "in the place of those that it lacks.",
+        "energies and the error of the meter, but no quantities of the network.",
     .list = "RECORDS",
     .record = &kResult,
     .walk = WalkCountedRecords,

@@ -80,10 +80,9 @@ const RecordType kGeneral = {
     .name = "general records",
     .about =
         "An interval a record. The recording profile chooses one of three layouts for the whole "
-        "file; other profiles have none, and documents without records. Values stand as they "
-        "are stored. An array of a compact record holds 25 orders, yet 51 are written: each "
-        "runs on into what lies behind it, and readers take the first 25. A last record that is "
-        "cut short is left out.",
+        "file; other profiles have none, and documents without records. Values stand as they are "
+        "stored. An array of a compact record holds the orders 1 to 25, yet 51 floats are written: "
+        "each runs on into what lies behind it, and readers take the first 25.",
     .list = "RECORDS",
     .record = nullptr,
     .walk = WalkIntervals,

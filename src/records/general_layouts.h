@@ -134,8 +134,8 @@ inline constexpr Field kFullRows[] = {
     Group("POWER_HARMONICS_M", 37032 + kVoltageSpectrumSize, kPowerHarmonicsRows,
           "harmonic powers generated"),
     Group("sym", 12016, kSymmetryRows, "symmetrical components"),
-    Quantity("temperature", 12196, kMinMaxAvgRows, "temperature of the instrument"),
-    Quantity("tempBattery", 36704, kMinMaxAvgRows, "temperature of the battery"),
+    Quantity("temperature", 12196, kMinMaxAvgRows, "temperature of the instrument", "degC"),
+    Quantity("tempBattery", 36704, kMinMaxAvgRows, "temperature of the battery", "degC"),
     Quantity("voltBattery", 36716, kMinMaxRmsRows, "voltage of the battery", "V"),
     I32("flag", 36696, "flags of the interval").OnOwnLine(),
     Gap(36700, 4),
@@ -196,20 +196,21 @@ inline constexpr Field kCompactCombinedRows[] = {
 inline constexpr Field kCompactTotalRows[] = {
     Group("COMBINED", kCompactCombinedRows, "powers of all frequencies"),
 };
-// Of the 51 orders written 25 are an array's own, on purpose.
+// Of the 51 floats written 25 are an array's own, on purpose: the orders 1 to 25.
 constexpr uint32_t kCompactArray = 100;
+constexpr Field Compact(const Field& plain) { return plain.RunsOn(kCompactArray).FromOrder(1); }
 inline constexpr Field kCompactVoltageHarmonicsRows[] = {
-    PlainVoltageHarmonics("u1h", 0 * kCompactArray).RunsOn(kCompactArray),
-    PlainVoltageHarmonics("u2h", 1 * kCompactArray).RunsOn(kCompactArray),
-    PlainVoltageHarmonics("u3h", 2 * kCompactArray).RunsOn(kCompactArray),
-    PlainVoltageHarmonics("u12h", 3 * kCompactArray).RunsOn(kCompactArray),
-    PlainVoltageHarmonics("u23h", 4 * kCompactArray).RunsOn(kCompactArray),
-    PlainVoltageHarmonics("u31h", 5 * kCompactArray).RunsOn(kCompactArray),
+    Compact(PlainVoltageHarmonics("u1h", 0 * kCompactArray)),
+    Compact(PlainVoltageHarmonics("u2h", 1 * kCompactArray)),
+    Compact(PlainVoltageHarmonics("u3h", 2 * kCompactArray)),
+    Compact(PlainVoltageHarmonics("u12h", 3 * kCompactArray)),
+    Compact(PlainVoltageHarmonics("u23h", 4 * kCompactArray)),
+    Compact(PlainVoltageHarmonics("u31h", 5 * kCompactArray)),
 };
 inline constexpr Field kCompactCurrentHarmonicsRows[] = {
-    PlainCurrentHarmonics("i1h", 0 * kCompactArray).RunsOn(kCompactArray),
-    PlainCurrentHarmonics("i2h", 1 * kCompactArray).RunsOn(kCompactArray),
-    PlainCurrentHarmonics("i3h", 2 * kCompactArray).RunsOn(kCompactArray),
+    Compact(PlainCurrentHarmonics("i1h", 0 * kCompactArray)),
+    Compact(PlainCurrentHarmonics("i2h", 1 * kCompactArray)),
+    Compact(PlainCurrentHarmonics("i3h", 2 * kCompactArray)),
 };
 
 inline constexpr Field kCompactRows[] = {
@@ -274,7 +275,7 @@ inline constexpr Field kStandardRows[] = {
     Group("HARMONICS_U", 3104, kStandardVoltageHarmonicsRows, "voltage harmonics"),
     Group("HARMONICS_I", 3716, kStandardCurrentHarmonicsRows, "current harmonics"),
     Group("sym", 2904, kSymmetryRows, "symmetrical components"),
-    Quantity("temperature", 3084, kMinMaxAvgRows, "temperature of the instrument"),
+    Quantity("temperature", 3084, kMinMaxAvgRows, "temperature of the instrument", "degC"),
     I32("flag", 4532, "flags of the interval").OnOwnLine(),
     Gap(4536, 4),
     Group("inverter", kStandardInverterRows, "results of an inverter").In(Connections({6, 7})),

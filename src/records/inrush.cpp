@@ -18,9 +18,7 @@ static_assert(Tiles<WrongByte(kInrush)>);
 const RecordType kInrushCurrents = {
     .type = 13,
     .name = "inrush currents",
-    .about =
-        "An entry an event. A last record that is cut short is written with the bytes of the "
-        "one before in the place of those that it lacks.",
+    .about = "An entry an event.",
     .list = "RECORDS",
     .record = &kInrush,
     .walk = WalkCountedRecords,

@@ -100,12 +100,11 @@ const RecordType kLiveResults = {
     .type = 6,
     .name = "live results",
     .about =
-        "One copy of what the instrument shows: every channel position, whatever the "
-        "connection. Pairs of phases are scaled as their first phase. Values of an inverter "
-        "stand in the block of the channel that measures its input: in its tail and behind its "
-        "first energies. What a file cut short lacks is zero. Samples are raw steps of the "
-        "converter, written in volts and amperes: times the step of the range, its calibration "
-        "and the ratios of the transformers.",
+        "One copy of what the instrument shows: every channel position, whatever the connection. "
+        "Pairs of phases are scaled as their first phase. Values of an inverter stand in the block "
+        "of the channel that measures its input: in its tail and behind its first energies. "
+        "Samples are raw steps of the converter, written in volts and amperes: times the step of "
+        "the range, its calibration and the ratios of the transformers.",
     .list = nullptr,
     .record = &kLiveResultsRecord,
     .walk = WalkLiveResults,

@@ -25,7 +25,7 @@ constexpr Field kChangeRows[] = {
     F32("DU_SS", 20, "steady-state deviation"),
     DateTime("RVC_START_TIME", 24, "start of the change"),
     DateTime("RVC_STOP_TIME", 40, "end of the change"),
-    F32("DURATION", 4076, "duration of the change"),
+    F32("DURATION", 4076, "duration of the change", "s"),
     Group("RMS12_VALUES", 56, kHalfCyclesRows),
     Gap(4056, 20),
     Gap(4080, 8),
@@ -39,10 +39,7 @@ static_assert(Tiles<WrongByte(kChange)>);
 const RecordType kRapidVoltageChanges = {
     .type = 10,
     .name = "rapid voltage changes",
-    .about =
-        "Each change comes with the 200 half-cycle voltages around it. A last record that is "
-        "cut short is written with the bytes of the one before in the place of those that it "
-        "lacks.",
+    .about = "Each change comes with the 200 half-cycle voltages around it.",
     .list = "RECORDS",
     .record = &kChange,
     .walk = WalkCountedRecords,

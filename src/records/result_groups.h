@@ -4,6 +4,8 @@
 // names and another form, so these live in a namespace of their own.
 #pragma once
 
+#include <string_view>
+
 #include "layout/tiles.h"
 #include "settings/cases.h"
 
@@ -71,8 +73,8 @@ inline constexpr Field kPstRows[] = {Rows(60, kMinMaxRmsRows), I32("flag", 168, 
 inline constexpr Field kPltRows[] = {Rows(76, kMinMaxRmsRows), I32("flag", 172, "validity flag")};
 inline constexpr Field kPst1mRows[] = {Rows(92, kMinMaxRmsRows), I32("flag", 176, "validity flag")};
 inline constexpr Field kVoltageSignalingRows[] = {
-    Group("SIGNAL1", 108, kMinMaxAvgRows, "voltage at signalling frequency 1"),
-    Group("SIGNAL2", 120, kMinMaxAvgRows, "voltage at signalling frequency 2"),
+    Group("SIGNAL1", 108, kMinMaxAvgRows, "voltage at signalling frequency 1").Unit("V"),
+    Group("SIGNAL2", 120, kMinMaxAvgRows, "voltage at signalling frequency 2").Unit("V"),
 };
 inline constexpr auto kSignalInOutRows =
     Shared({"signalling verdicts"}, {
@@ -196,32 +198,39 @@ constexpr Field OneRms(const char* name, uint32_t at, const char* meaning, const
 // Spectra hold the orders 0 to 50.
 constexpr uint32_t kOrders = 51;
 
+// What is in percent has a name that ends in "Pr".
+constexpr const char* UnitOf(std::string_view name, const char* unit) {
+  return name.ends_with("Pr") ? "%" : unit;
+}
+
 // Voltages keep two floats an order, both written; currents four, of which three are written.
 constexpr uint32_t kVoltageSpectrumSize = kOrders * 2 * 4;
 constexpr uint32_t kCurrentSpectrumSize = kOrders * 4 * 4;
 constexpr Field VoltageHarmonics(const char* phase, uint32_t at) {
-  return Spectrum("HARM_U", phase, at, kOrders, 2, 2, "voltage harmonics");
+  return Spectrum("HARM_U", phase, at, kOrders, 2, 2, "voltage harmonics").Unit(UnitOf(phase, "V"));
 }
 constexpr Field CurrentHarmonics(const char* phase, uint32_t at) {
-  return Spectrum("HARM_I", phase, at, kOrders, 4, 3, "current harmonics");
+  return Spectrum("HARM_I", phase, at, kOrders, 4, 3, "current harmonics").Unit(UnitOf(phase, "A"));
 }
 constexpr Field VoltageInterharmonics(const char* phase, uint32_t at) {
-  return Spectrum("IHARM_U", phase, at, kOrders, 2, 2, "voltage interharmonics");
+  return Spectrum("IHARM_U", phase, at, kOrders, 2, 2, "voltage interharmonics")
+      .Unit(UnitOf(phase, "V"));
 }
 constexpr Field CurrentInterharmonics(const char* phase, uint32_t at) {
-  return Spectrum("IHARM_I", phase, at, kOrders, 4, 3, "current interharmonics");
+  return Spectrum("IHARM_I", phase, at, kOrders, 4, 3, "current interharmonics")
+      .Unit(UnitOf(phase, "A"));
 }
 // Of powers only the first float of an order is written.
 constexpr Field PowerHarmonics(const char* phase, uint32_t at) {
-  return Spectrum("HARM_THD", phase, at, kOrders, 2, 1, "power harmonics");
+  return Spectrum("HARM_THD", phase, at, kOrders, 2, 1, "power harmonics").Unit("W");
 }
 // One float an order.
 constexpr uint32_t kPlainSpectrumSize = kOrders * 4;
 constexpr Field PlainVoltageHarmonics(const char* phase, uint32_t at, uint32_t orders = kOrders) {
-  return Spectrum("HARM_U", phase, at, orders, 1, 1, "voltage harmonics");
+  return Spectrum("HARM_U", phase, at, orders, 1, 1, "voltage harmonics").Unit(UnitOf(phase, "V"));
 }
 constexpr Field PlainCurrentHarmonics(const char* phase, uint32_t at) {
-  return Spectrum("HARM_I", phase, at, kOrders, 1, 1, "current harmonics");
+  return Spectrum("HARM_I", phase, at, kOrders, 1, 1, "current harmonics").Unit(UnitOf(phase, "A"));
 }
 
 }  // namespace quorvex::intervals

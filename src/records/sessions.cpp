@@ -67,9 +67,9 @@ const RecordType kSessions = {
     .type = 15,
     .name = "sessions",
     .about =
-        "Sessions stand back to back, each a header and its elements, up to the first that is "
-        "cut short. The file carries no settings and its document no list element; elements are "
-        "named in lower camel case, unlike those of every other type.",
+        "Sessions stand back to back, each a header and its elements. The file carries no settings "
+        "and its document no list element; elements are named in lower camel case, unlike those of "
+        "every other type.",
     .list = nullptr,
     .record = &kSession,
     .walk = WalkSessions,

@@ -16,9 +16,9 @@ constexpr uint32_t kPacketsAt = 32;
 // TRESHOLD as hosts know it.
 constexpr Field kHeadRows[] = {
     DateTime("TIME_FIRST_PACKET", 0, "time of the first packet"),
-    F32("TIME_STEP", 16, "time from packet to packet"),
+    F32("TIME_STEP", 16, "time from packet to packet", "s"),
     I32("TRIGGER", 20, "what started the recording"),
-    I32("DURATION", 28, "duration of the recording"),
+    I32("DURATION", 28, "duration of the recording", "s"),
     I32("PACKETS_NUM", kPacketsAt, "number of packets").Counts(INT32_MAX),
     F32("TRESHOLD", 24, "trigger threshold"),
     I32("FLAG", 40, "flag of the recording"),
@@ -37,7 +37,7 @@ constexpr Field kEndTimes[] = {
         .InPieces(),
 };
 constexpr Field kLevels[] = {
-    F32("U", 0, "level in a packet").Times(kPiecePackets).CountInput(0, kPerPacket).InPieces(),
+    F32("U", 0, "level in a packet", "V").Times(kPiecePackets).CountInput(0, kPerPacket).InPieces(),
 };
 constexpr Field kFlags[] = {
     I32("FLAG", 0, "flag of a packet").Times(kPiecePackets).CountInput(0, kPerPacket).InPieces(),

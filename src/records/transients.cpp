@@ -23,9 +23,7 @@ const RecordType kTransients = {
     .name = "transients",
     .about =
         "Each entry names a capture, whose waveforms are a file of their own, and carries the "
-        "settings that were in force for it. A last record that is cut short is written with "
-        "the bytes of the one before in the place of those that it lacks. What the first one "
-        "lacks of its settings is taken from those of the file.",
+        "settings that were in force for it.",
     .list = "RECORDS",
     .record = &kEntry,
     .walk = WalkCountedRecords,

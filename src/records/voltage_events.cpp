@@ -92,9 +92,9 @@ const RecordType kVoltageEvents = {
     .type = 8,
     .name = "voltage events",
     .about =
-        "A record is a transition between dips, swells, interruptions and normal voltage, with "
-        "the running counts of all of them. The head is longer than that of other types, and "
-        "the thresholds in force follow it. A last record that is cut short is left out.",
+        "A record is a transition between dips, swells, interruptions and normal voltage, with the "
+        "running counts of all of them. The head is longer than that of other types, and the "
+        "thresholds in force follow it.",
     .list = "TRANSITIONS",
     .record = &kTransition,
     .walk = WalkRecordsToEnd,

@@ -139,8 +139,7 @@ const RecordType kVoltageQuality = {
     .about =
         "RMS, distortion, flicker and the spectrum of three voltages, an interval a record. The "
         "recording interval chooses one of three layouts for the whole file. An inverter at a "
-        "three-phase network (connection 7) counts as line-to-line, unlike in general "
-        "recordings. A last record that is cut short is left out.",
+        "three-phase network (connection 7) counts as line-to-line, unlike in general recordings.",
     .list = "RECORDS",
     .record = nullptr,
     .walk = WalkIntervals,

@@ -128,11 +128,10 @@ const RecordType kWaveformSeries = {
     .type = 17,
     .name = "waveform series",
     .about =
-        "A record is its start and a waveform for each channel of the connection, one behind "
-        "the other. Each has room for 1500 samples, of which the used ones are written. A last "
-        "record without a whole start is left out. Samples are raw steps of the converter, "
-        "written in volts and amperes: times the step of the range, its calibration and the "
-        "ratios of the transformers.",
+        "A record is its start and a waveform for each channel of the connection, one behind the "
+        "other. Each has room for 1500 samples, of which the used ones are written. Samples are "
+        "raw steps of the converter, written in volts and amperes: times the step of the range, "
+        "its calibration and the ratios of the transformers.",
     .list = "RECORDS",
     .record = &kRecord,
     .walk = WalkSeries,

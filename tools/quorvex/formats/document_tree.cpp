@@ -51,8 +51,9 @@ void MergeContent(const Node& other, Node* node) {
       AddMissing(other.structures, &node->structures);
     }
   }
-  if (node->meaning != other.meaning || node->unit != other.unit) {
-    // A meaning of one alternative would be wrong for the other.
+  // A meaning or a unit of one alternative would be wrong for the other.
+  if (node->unit != other.unit) node->unit.clear();
+  if (node->meaning != other.meaning) {
     if (node->phases.empty() || node->children.empty()) node->meaning.clear();
     node->unit.clear();
   }

@@ -1,7 +1,6 @@
 #include "layout_lines.h"
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 #include "document_tree.h"
@@ -54,8 +53,11 @@ std::string TypeText(const Field& f) {
     case Kind::kSpectrum: {
       std::string floats = std::to_string(f.size / f.entry_floats / 4) + " × " +
                            std::to_string(f.entry_floats) + " f32";
-      if (f.entry_floats == f.written_floats) return floats;
-      return floats + ", " + std::to_string(f.written_floats) + " written";
+      if (f.entry_floats != f.written_floats) {
+        floats += ", " + std::to_string(f.written_floats) + " written";
+      }
+      if (f.first_order != 0) floats += ", from order " + std::to_string(f.first_order);
+      return floats;
     }
     case Kind::kText:
     case Kind::kRawText:
@@ -108,7 +110,7 @@ std::string CountText(const Field& f, const Field& enclosing, uint32_t place) {
 // Where rows stand: in which group, on which path of elements, under which conditions.
 struct Around {
   uint32_t place = 0;
-  std::string path, phase, inner_path, meaning;
+  std::string path, phase, inner_path, meaning, unit;
   Cases cases = kAllCases;
   bool behind = false;
   uint32_t count = 1, step = 0;  // repetitions of the group
@@ -132,6 +134,7 @@ void Flatten(const Field& group, const Around& around, std::vector<LayoutLine>* 
       path += (path.empty() && around.phase.empty() ? "" : "/") + std::string(f.name);
     }
     if (f.phase != nullptr) inside.phase = f.phase;
+    if (f.unit[0] != '\0') inside.unit = f.unit;
     if (f.meaning[0] != '\0') inside.meaning = MeaningOf(f);
     if (f.repeated) {
       inside.count = f.endless ? kUnbounded : f.count;
@@ -159,6 +162,7 @@ void Flatten(const Field& group, const Around& around, std::vector<LayoutLine>* 
       line.phases = inside.phase;
       line.inner_path = inside.inner_path;
       line.meaning = inside.meaning;
+      line.unit = inside.unit;
     }
     line.when = WhenText(inside.cases);
     Join(&line.when, inside.repeated);
@@ -178,9 +182,8 @@ bool Continues(const LayoutLine& line, const LayoutLine& before) {
   return !line.phases.empty() && line.offset != kNext &&
          line.offset == before.offset + before.count * before.size && line.size == before.size &&
          line.path == before.path && line.inner_path == before.inner_path &&
-         line.type == before.type && line.meaning == before.meaning &&
-         std::strcmp(line.row->unit, before.row->unit) == 0 && line.when == before.when &&
-         !before.phases.empty();
+         line.type == before.type && line.meaning == before.meaning && line.unit == before.unit &&
+         line.when == before.when && !before.phases.empty();
 }
 
 }  // namespace

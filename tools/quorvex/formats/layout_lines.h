@@ -17,7 +17,7 @@ struct LayoutLine {
   uint32_t offset = 0, size = 0, count = 1;
   bool again = false;                    // reads what another has
   std::string path, phases, inner_path;  // path, phases of its last element, what is inside that
-  std::string bytes, type, meaning, when;
+  std::string bytes, type, meaning, unit, when;
 };
 
 std::vector<LayoutLine> LinesOf(const Field& group);

@@ -51,7 +51,7 @@ describes. Layout tables follow the bytes, trees follow the document.
 | f32, f64 | 4, 8 | seven significant digits, `2.301000E+02`; `INF`, `-INF`, `NAN`, `-NAN` |
 | i16 | 2 | raw sample, written like f32 after scaling |
 | text | its width | letters, digits and ` .,!%&=+-*/_` stay, line ends become `\`, the rest `?` |
-| n × m f32 | 4 n m | base64 of the written floats of each entry, from harmonic order 0 on |
+| n × m f32 | 4 n m | base64 of the written floats of each entry, from harmonic order 0 on where no other is named |
 
 A text ends at its first NUL; clamp names stand as they are. A float that holds -1e37 (f64: that
 value widened) has no value and reads `-`; in base64 it is +infinity.
@@ -118,7 +118,7 @@ void PutLayout(Reference* to, const Field& group) {
     std::string element = line.path;
     if (!line.phases.empty()) element += "[" + line.phases + "]" + line.inner_path;
     rows.push_back({line.offset == kNext ? "next" : std::to_string(line.offset), line.bytes, type,
-                    element.empty() ? "" : Code(element), line.meaning, line.row->unit, line.when});
+                    element.empty() ? "" : Code(element), line.meaning, line.unit, line.when});
   }
   PutTable(to, {"Offset", "Bytes", "Type", "Element", "Meaning", "Unit", "When"}, rows);
 }
@@ -211,6 +211,19 @@ void PutDocument(Reference* to, const RecordType& type, const Field* layout) {
   to->text += "```\n\n";
 }
 
+// What becomes of a last record that is cut short.
+std::string CutText(const RecordType& type) {
+  if (LayoutsOf(type).empty()) return "";
+  const std::string record = type.once ? " A record" : " A last record";
+  const auto [from, rest] = type.cut;
+  if (from == kLeftOut.from) return record + " that is cut short is left out.";
+  std::string text = record + " that is cut short is written";
+  if (from > 1) text += " where its first " + std::to_string(from) + " bytes are there";
+  text += ": " + std::string(rest) + ".";
+  if (type.record_settings_at == 0) return text;
+  return text + " What the first lacks of its settings is taken from those of the file.";
+}
+
 void PutType(Reference* to, const RecordType& type) {
   to->text += "## " + Heading(type) + "\n\n";
   const auto earlier = std::find_if(
@@ -221,7 +234,7 @@ void PutType(Reference* to, const RecordType& type) {
     to->text += "The same as " + Link(Heading(**earlier)) + " but for the number.\n\n";
     return;
   }
-  to->text += std::string(type.about) + "\n\n";
+  to->text += type.about + CutText(type) + "\n\n";
   if (type.companion) {
     to->text += "A setting file beside the recording replaces its settings.\n\n";
   }
