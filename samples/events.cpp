@@ -3,7 +3,6 @@
 
 #include "records/record_types.h"
 #include "sample.h"
-#include "support/loads.h"
 
 namespace quorvex::samples {
 

@@ -1,7 +1,6 @@
 // A low-voltage feeder over a day: what its periodic recordings show.
 #pragma once
 
-#include <cstdint>
 #include <vector>
 
 namespace quorvex::samples {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "sample.h"
+
 namespace quorvex::samples {
 
 Phasor Polar(double rms, double degrees) { return std::polar(rms, degrees * kTwoPi / 360); }

@@ -5,7 +5,7 @@
 #include <complex>
 #include <string>
 
-#include "sample.h"
+#include "settings/settings_record.h"
 
 namespace quorvex::samples {
 

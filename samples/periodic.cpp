@@ -5,7 +5,6 @@
 #include "feeder.h"
 #include "records/record_types.h"
 #include "sample.h"
-#include "support/loads.h"
 
 namespace quorvex::samples {
 namespace {

@@ -1,12 +1,12 @@
 // Snapshots and live results of a loaded network.
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 
 #include "network.h"
 #include "records/channel_groups.h"
 #include "records/channels.h"
 #include "records/record_types.h"
+#include "sample.h"
 
 namespace quorvex::samples {
 namespace {

@@ -3,7 +3,7 @@
 
 #include "records/record_types.h"
 #include "sample.h"
-#include "xml/number_text.h"
+#include "xml/float_text.h"
 
 namespace quorvex::samples {
 

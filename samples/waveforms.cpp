@@ -1,12 +1,10 @@
 // A reading list, the capture of a voltage dip, a series of waveform records.
 #include <cmath>
-#include <iterator>
 
 #include "network.h"
-#include "records/channel_groups.h"
 #include "records/channels.h"
 #include "records/record_types.h"
-#include "support/loads.h"
+#include "sample.h"
 
 namespace quorvex::samples {
 namespace {
