@@ -46,42 +46,10 @@ bool MoveTo(Walk* w, uint64_t position) {
   return SeekTo(w->recording->file.get(), position);
 }
 
-uint32_t Read(Walk* w, void* to, uint32_t size) {
-  const uint32_t got = ReadBytes(w->recording->file.get(), to, size);
-  w->position += got;
-  return got;
-}
-
-void BeginRecord(Walk* w) {
-  ++w->record;
-  w->record_at = w->position;
-}
-
-void Tell(Walk* w, const Field& layout, const void* bytes, uint64_t at, uint64_t present,
-          const Inputs& inputs, uint32_t first) {
-  w->listener->Bytes({layout, bytes, at, present, w->record, inputs, first});
-}
-
-bool EndRecord(Walk* w, uint64_t size) {
-  const uint64_t present = w->recording->PresentAt(w->record_at, size);
-  return w->listener->EndRecord({w->record, w->record_at, size, present, true});
-}
-
 bool LeaveOut(Walk* w, uint64_t size) {
   const uint64_t present = w->position - w->record_at;
   if (present != 0) w->listener->EndRecord({w->record, w->record_at, size, present, false});
   return false;
-}
-
-bool ReadWhole(Walk* w, uint8_t* record) {
-  const uint32_t size = w->layout->size;
-  BeginRecord(w);
-  return Read(w, record, size) == size || LeaveOut(w, size);
-}
-
-bool TellRecord(Walk* w, const uint8_t* record, const Inputs& inputs) {
-  Tell(w, *w->layout, record, w->record_at, w->position - w->record_at, inputs);
-  return EndRecord(w, w->layout->size);
 }
 
 // Not inline, so that the fraction is computed before the settings change hands.

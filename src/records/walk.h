@@ -44,26 +44,45 @@ struct Walk {
 bool MoveTo(Walk* w, uint64_t position);
 
 // Reads on. Returns how many bytes there were; the rest of the buffer stays as it was.
-uint32_t Read(Walk* w, void* to, uint32_t size);
+inline uint32_t Read(Walk* w, void* to, uint32_t size) {
+  const uint32_t got = ReadBytes(w->recording->file.get(), to, size);
+  w->position += got;
+  return got;
+}
 
 // The next record begins where the walk stands.
-void BeginRecord(Walk* w);
+inline void BeginRecord(Walk* w) {
+  ++w->record;
+  w->record_at = w->position;
+}
 
 // Tells bytes of the current record that stand at `at`, `present` of them in the file.
-void Tell(Walk* w, const Field& layout, const void* bytes, uint64_t at, uint64_t present,
-          const Inputs& inputs = {}, uint32_t first = 0);
+inline void Tell(Walk* w, const Field& layout, const void* bytes, uint64_t at, uint64_t present,
+                 const Inputs& inputs = {}, uint32_t first = 0) {
+  w->listener->Bytes({layout, bytes, at, present, w->record, inputs, first});
+}
 
 // The current record is told; by its counts it has `size` bytes. False: nothing more is wanted.
-bool EndRecord(Walk* w, uint64_t size);
+inline bool EndRecord(Walk* w, uint64_t size) {
+  const uint64_t present = w->recording->PresentAt(w->record_at, size);
+  return w->listener->EndRecord({w->record, w->record_at, size, present, true});
+}
 
 // The current record is short and left out. False, for the walk ends with it.
 bool LeaveOut(Walk* w, uint64_t size);
 
 // Begins a record of the walk's layout and reads it, whole or not at all.
-bool ReadWhole(Walk* w, uint8_t* record);
+inline bool ReadWhole(Walk* w, uint8_t* record) {
+  const uint32_t size = w->layout->size;
+  BeginRecord(w);
+  return Read(w, record, size) == size || LeaveOut(w, size);
+}
 
 // Tells and ends a record of the walk's layout.
-bool TellRecord(Walk* w, const uint8_t* record, const Inputs& inputs = {});
+inline bool TellRecord(Walk* w, const uint8_t* record, const Inputs& inputs = {}) {
+  Tell(w, *w->layout, record, w->record_at, w->position - w->record_at, inputs);
+  return EndRecord(w, w->layout->size);
+}
 
 // Tells the host's callback, which there is, the fraction done. False: stop here.
 bool Report(const WalkOptions& options, float fraction);

@@ -1,6 +1,5 @@
 #include "settings/setting_file.h"
 
-#include <charconv>
 #include <cstdint>
 #include <cstring>
 

@@ -35,6 +35,8 @@ class Document final : public Listener {
   };
   const Plan& PlanOf(const Field& layout) {
     Known* known = known_;
+    if (known->layout == &layout) [[likely]]
+      return *known->plan;
     while (known->layout != &layout && known->layout != nullptr &&
            known + 1 < known_ + kMostPlans) {
       ++known;

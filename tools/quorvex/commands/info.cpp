@@ -169,7 +169,7 @@ void PrintLabelled(const Facts& facts) {
   if (r.records) PrintLabelled("records", std::to_string(*r.records));
   for (const Fact& fact : facts.values) {
     const std::string label = fact.value.field->label;
-    const bool estimate = facts.end_from == std::string("estimate") && label == "end";
+    const bool estimate = label == "end" && facts.end_from == std::string("estimate");
     PrintLabelled(label, fact.text + (estimate ? " (estimated)" : ""));
   }
 }
