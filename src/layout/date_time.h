@@ -37,7 +37,7 @@ constexpr Field DateTime(const char* name, uint32_t at, const char* meaning = ""
   return Group(name, at, kDateTimeRows, meaning);
 }
 constexpr bool IsDateTime(const Field& f) {
-  return f.kind == Kind::kGroup && f.rows == kDateTimeRows.rows;
+  return f.kind == Kind::kGroup && f.rows == kDateTimeRows.rows.data();
 }
 
 // Whether there is one: a time that was never set is all zeros, or without seconds.
