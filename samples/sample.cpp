@@ -149,7 +149,7 @@ RecordBytes& RecordBytes::Set(const std::string& path, double value) {
 
 RecordBytes& RecordBytes::SetTime(const std::string& path, const DateTimeRecord& time) {
   const Found found = Find(table_, 0, 0, path);
-  if (found.field == nullptr || found.field->rows != kDateTimeRows.rows) Fail("no time at " + path);
+  if (found.field == nullptr || !IsDateTime(*found.field)) Fail("no time at " + path);
   Store(bytes_.data() + found.offset, time);
   return *this;
 }

@@ -37,7 +37,7 @@ constexpr Field DateTime(const char* name, uint32_t at, const char* meaning = ""
   return Group(name, at, kDateTimeRows, meaning);
 }
 constexpr bool IsDateTime(const Field& f) {
-  return f.kind == Kind::kGroup && f.rows == kDateTimeRows.rows;
+  return f.kind == Kind::kGroup && f.rows == kDateTimeRows.rows.data();
 }
 
 // Where a record's fixed part has a date-time of this name; -1 for none.

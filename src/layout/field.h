@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 namespace quorvex {
 
@@ -107,96 +108,46 @@ struct Field {
   bool own_line = false;  // its value is written on a line of its own
   bool endless = false;   // `count` is no bound: rendered that many at a time
 
-  // Written in these cases only.
-  constexpr Field In(Cases in) const {
+  // The row with another value in a column.
+  template <typename T>
+  constexpr Field With(T Field::*column, std::type_identity_t<T> value) const {
     Field f = *this;
-    f.cases = in;
+    f.*column = value;
     return f;
   }
+  // Written in these cases only.
+  constexpr Field In(Cases in) const { return With(&Field::cases, in); }
   // A value element a repetition.
   constexpr Field Times(uint32_t times) const {
-    Field f = *this;
-    f.count = times;
-    f.repeated = true;
-    f.claims = f.size * times;
-    return f;
+    return With(&Field::count, times).With(&Field::repeated, true).RunsOn(size * times);
   }
   // As many repetitions as a signed word of the record says, none below 1.
   constexpr Field CountAt(uint32_t at) const {
-    Field f = *this;
-    f.count_from = CountFrom::kRecord;
-    f.count_ref = at;
-    return f;
+    return With(&Field::count_from, CountFrom::kRecord).With(&Field::count_ref, at);
   }
   constexpr Field CountInput(uint32_t index, const char* from) const {
-    Field f = *this;
-    f.count_from = CountFrom::kInput;
-    f.count_ref = index;
-    f.counted_by = from;
-    return f;
+    return With(&Field::count_from, CountFrom::kInput)
+        .With(&Field::count_ref, index)
+        .With(&Field::counted_by, from);
   }
   // Of any length: the writer of the record type renders it in pieces of `count`.
-  constexpr Field InPieces() const {
-    Field f = *this;
-    f.endless = true;
-    return f;
-  }
+  constexpr Field InPieces() const { return With(&Field::endless, true); }
   // A part of a record of varying length. What places it is the writer of the record type.
-  constexpr Field Behind() const {
-    Field f = *this;
-    f.behind = true;
-    return f;
-  }
+  constexpr Field Behind() const { return With(&Field::behind, true); }
   // A row of a repeated group that repeats at its own distance (arrays side by side).
-  constexpr Field Every(uint32_t bytes) const {
-    Field f = *this;
-    f.every = bytes;
-    return f;
-  }
-  constexpr Field OnOwnLine() const {
-    Field f = *this;
-    f.own_line = true;
-    return f;
-  }
-  constexpr Field Unit(const char* name_of_unit) const {
-    Field f = *this;
-    f.unit = name_of_unit;
-    return f;
-  }
-  constexpr Field OneOf(const Codes& known) const {
-    Field f = *this;
-    f.codes = &known;
-    return f;
-  }
-  constexpr Field AtMost(int32_t value) const {
-    Field f = *this;
-    f.most = value;
-    return f;
-  }
+  constexpr Field Every(uint32_t bytes) const { return With(&Field::every, bytes); }
+  constexpr Field OnOwnLine() const { return With(&Field::own_line, true); }
+  constexpr Field Unit(const char* name_of_unit) const { return With(&Field::unit, name_of_unit); }
+  constexpr Field OneOf(const Codes& known) const { return With(&Field::codes, &known); }
+  constexpr Field AtMost(int32_t value) const { return With(&Field::most, value); }
   // The word counts something in the record that there is room for so many of.
-  constexpr Field Counts(uint32_t room) const {
-    Field f = *this;
-    f.counts_up_to = room;
-    return f;
-  }
+  constexpr Field Counts(uint32_t room) const { return With(&Field::counts_up_to, room); }
   // Reads bytes that other rows claim.
   constexpr Field Again() const { return RunsOn(0); }
   // Only the first bytes are its own; it reads on into its neighbour.
-  constexpr Field RunsOn(uint32_t own) const {
-    Field f = *this;
-    f.claims = own;
-    return f;
-  }
-  constexpr Field FromOrder(uint16_t order) const {
-    Field f = *this;
-    f.first_order = order;
-    return f;
-  }
-  constexpr Field Phase(const char* label) const {
-    Field f = *this;
-    f.phase = label;
-    return f;
-  }
+  constexpr Field RunsOn(uint32_t own) const { return With(&Field::claims, own); }
+  constexpr Field FromOrder(uint16_t order) const { return With(&Field::first_order, order); }
+  constexpr Field Phase(const char* label) const { return With(&Field::phase, label); }
 };
 
 // Bytes between a row's repetitions: its own distance or, where it has none, its group's.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <iterator>
 
 #include "layout/field.h"
 
@@ -43,15 +44,11 @@ constexpr Field F64(const char* name, uint32_t at, const char* meaning = "",
 // Raw samples, multiplied by scale `scale_ref` of the inputs in single precision.
 constexpr Field ScaledI16(const char* name, uint32_t at, uint8_t scale_ref, const char* meaning,
                           const char* unit) {
-  Field f = Leaf(Kind::kScaledI16, name, at, 2, meaning, unit);
-  f.scale_ref = scale_ref;
-  return f;
+  return Leaf(Kind::kScaledI16, name, at, 2, meaning, unit).With(&Field::scale_ref, scale_ref);
 }
 constexpr Field ScaledF32(const char* name, uint32_t at, uint8_t scale_ref, const char* meaning,
                           const char* unit) {
-  Field f = Leaf(Kind::kScaledF32, name, at, 4, meaning, unit);
-  f.scale_ref = scale_ref;
-  return f;
+  return Leaf(Kind::kScaledF32, name, at, 4, meaning, unit).With(&Field::scale_ref, scale_ref);
 }
 constexpr Field Text(const char* name, uint32_t at, uint32_t width, const char* meaning = "") {
   return Leaf(Kind::kText, name, at, width, meaning, "");
@@ -86,41 +83,27 @@ constexpr Field Gap(uint32_t at, uint32_t size, const char* meaning = "") {
 template <size_t N>
 struct Structure {
   StructureInfo info;
-  Field rows[N];
+  std::array<Field, N> rows;
 };
 template <size_t N>
-constexpr Structure<N> Shared(const StructureInfo& info, const Field (&rows)[N]) {
-  Structure<N> s{info, {}};
-  for (size_t i = 0; i < N; ++i) s.rows[i] = rows[i];
-  return s;
+constexpr Structure<N> Shared(const StructureInfo& info, const std::array<Field, N>& rows) {
+  return {info, rows};
 }
 template <size_t N>
-constexpr Structure<N> Shared(const StructureInfo& info, const std::array<Field, N>& rows) {
-  Structure<N> s{info, {}};
-  for (size_t i = 0; i < N; ++i) s.rows[i] = rows[i];
-  return s;
+constexpr Structure<N> Shared(const StructureInfo& info, const Field (&rows)[N]) {
+  return {info, std::to_array(rows)};
 }
 
-template <size_t N>
-constexpr Field Around(const Field (&rows)[N]) {
+template <typename Table>
+constexpr Field Around(const Table& rows) {
   Field f;
-  f.rows = rows;
-  f.row_count = N;
-  return f;
-}
-// Rows that a function makes.
-template <size_t N>
-constexpr Field Around(const std::array<Field, N>& rows) {
-  Field f;
-  f.rows = rows.data();
-  f.row_count = N;
+  f.rows = std::data(rows);
+  f.row_count = static_cast<uint32_t>(std::size(rows));
   return f;
 }
 template <size_t N>
 constexpr Field Around(const Structure<N>& structure) {
-  Field f = Around(structure.rows);
-  f.structure = &structure.info;
-  return f;
+  return Around(structure.rows).With(&Field::structure, &structure.info);
 }
 
 // A table is an array of rows or a structure.
@@ -157,9 +140,7 @@ constexpr Field Each(const char* name, uint32_t at, uint32_t count, uint32_t ste
 template <typename Table>
 constexpr Field Record(const char* name, uint32_t size, const Table& table,
                        const char* meaning = "") {
-  Field f = Group(name, 0, table, meaning);
-  f.size = size;
-  return f;
+  return Group(name, 0, table, meaning).With(&Field::size, size);
 }
 
 }  // namespace quorvex

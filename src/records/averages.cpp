@@ -75,29 +75,24 @@ constexpr auto kLineWithoutSpectraRows =
            });
 
 constexpr uint32_t kSummarySize = 7688;
-constexpr Field kAverageRows[] = {
+template <const auto& kLine>
+constexpr Field kSummaryRows[] = {
     I32("NUM", 0, "values summed up"),
     Gap(4, 4),
-    Group("L1", 8 + 0 * kLineSize, kLineRows, "phase 1"),
-    Group("L2", 8 + 1 * kLineSize, kLineRows, "phase 2"),
-    Group("L3", 8 + 2 * kLineSize, kLineRows, "phase 3"),
-    Group("TN", 8 + 3 * kLineSize, kLineRows, "total and neutral"),
-};
-constexpr Field kExtremeRows[] = {
-    I32("NUM", 0, "values summed up"),
-    Gap(4, 4),
-    Group("L1", 8 + 0 * kLineSize, kLineWithoutSpectraRows, "phase 1"),
-    Group("L2", 8 + 1 * kLineSize, kLineWithoutSpectraRows, "phase 2"),
-    Group("L3", 8 + 2 * kLineSize, kLineWithoutSpectraRows, "phase 3"),
-    Group("TN", 8 + 3 * kLineSize, kLineWithoutSpectraRows, "total and neutral"),
+    Group("L1", 8 + 0 * kLineSize, kLine, "phase 1"),
+    Group("L2", 8 + 1 * kLineSize, kLine, "phase 2"),
+    Group("L3", 8 + 2 * kLineSize, kLine, "phase 3"),
+    Group("TN", 8 + 3 * kLineSize, kLine, "total and neutral"),
 };
 
 // The three summaries as one record: there is one of each in a file.
 constexpr uint32_t kSummaries = 3;
 constexpr Field kSummariesRows[] = {
-    Group("REC_AVG", 0 * kSummarySize, kAverageRows, "averages of the recording"),
-    Group("REC_AVG_MAX", 1 * kSummarySize, kExtremeRows, "maxima of the recording"),
-    Group("REC_AVG_LAST", 2 * kSummarySize, kExtremeRows, "last values of the recording"),
+    Group("REC_AVG", 0 * kSummarySize, kSummaryRows<kLineRows>, "averages of the recording"),
+    Group("REC_AVG_MAX", 1 * kSummarySize, kSummaryRows<kLineWithoutSpectraRows>,
+          "maxima of the recording"),
+    Group("REC_AVG_LAST", 2 * kSummarySize, kSummaryRows<kLineWithoutSpectraRows>,
+          "last values of the recording"),
 };
 constexpr Field kSummariesRecord = Record("", kSummaries* kSummarySize, kSummariesRows);
 static_assert(Tiles<WrongByte(kSummariesRecord)>);

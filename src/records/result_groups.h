@@ -15,9 +15,7 @@ namespace quorvex::intervals {
 template <typename Table>
 constexpr Field Quantity(const char* name, uint32_t at, const Table& table, const char* meaning,
                          const char* unit = "") {
-  Field f = Group(name, at, table, meaning);
-  f.unit = unit;
-  return f;
+  return Group(name, at, table, meaning).Unit(unit);
 }
 
 // Statistics over an interval. `avgA` and `rmsA` are kept by the instrument beside the plain mean.
