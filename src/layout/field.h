@@ -130,9 +130,9 @@ struct Field {
         .With(&Field::count_ref, index)
         .With(&Field::counted_by, from);
   }
-  // Of any length: the writer of the record type renders it in pieces of `count`.
-  constexpr Field InPieces() const { return With(&Field::endless, true); }
-  // A part of a record of varying length. What places it is the writer of the record type.
+  // Of any length: the walk of the record type tells it in parts of `count`.
+  constexpr Field InParts() const { return With(&Field::endless, true); }
+  // A part of a record of varying length. The walk of the record type places it.
   constexpr Field Behind() const { return With(&Field::behind, true); }
   // A row of a repeated group that repeats at its own distance (arrays side by side).
   constexpr Field Every(uint32_t bytes) const { return With(&Field::every, bytes); }

@@ -7,18 +7,18 @@ namespace {
 
 // By connection code: 1 and 6 have one phase, 5 two, 3 three with neutral; 2 and 4 know only
 // line-to-line voltages, and 7 adds the neutral to those but has no powers of single phases.
-constexpr Cases kPhase1 = Connections({1, 3, 5, 6});
-constexpr Cases kPhase2 = Connections({3, 5});
-constexpr Cases kPhase3 = Connections({3});
+constexpr Cases kVoltage1 = Connections({1, 3, 5, 6});
+constexpr Cases kVoltage2 = Connections({3, 5});
+constexpr Cases kVoltage3 = Connections({3});
 constexpr Cases kLineToLine = Connections({2, 4, 7});
-constexpr Cases kNeutral = Connections({1, 3, 5, 6, 7});
-constexpr Cases kLine1 = kPhase1 | kLineToLine;
-constexpr Cases kLine2 = kPhase2 | kLineToLine;
-constexpr Cases kLine3 = kPhase3 | kLineToLine;
-constexpr Cases kPower1 = kPhase1 | Connections({2, 4});
-constexpr Cases kPower2 = kPhase2 | Connections({2, 4});
-constexpr Cases kPower3 = kPhase3 | Connections({2, 4});
-constexpr Cases kTotal = kPhase2 | kLineToLine;  // a single phase is its own total
+constexpr Cases kWithNeutral = Connections({1, 3, 5, 6, 7});
+constexpr Cases kLine1 = kVoltage1 | kLineToLine;
+constexpr Cases kLine2 = kVoltage2 | kLineToLine;
+constexpr Cases kLine3 = kVoltage3 | kLineToLine;
+constexpr Cases kPower1 = kVoltage1 | Connections({2, 4});
+constexpr Cases kPower2 = kVoltage2 | Connections({2, 4});
+constexpr Cases kPower3 = kVoltage3 | Connections({2, 4});
+constexpr Cases kTotal = kVoltage2 | kLineToLine;  // a single phase is its own total
 
 constexpr uint32_t kStartAt = 0;
 constexpr uint32_t kEndAt = 16;
@@ -30,17 +30,17 @@ constexpr Field kResultRows[] = {
     F64("E_METER_ENERGY", 40, "energy that the meter counted"),
     F64("MEAS_Ep", 48, "active energy measured"),
     F64("MEAS_Eq", 56, "reactive energy measured"),
-    F32("U1", 64, "voltage of phase 1", "V").In(kPhase1),
-    F32("U2", 68, "voltage of phase 2", "V").In(kPhase2),
-    F32("U3", 72, "voltage of phase 3", "V").In(kPhase3),
+    F32("U1", 64, "voltage of phase 1", "V").In(kVoltage1),
+    F32("U2", 68, "voltage of phase 2", "V").In(kVoltage2),
+    F32("U3", 72, "voltage of phase 3", "V").In(kVoltage3),
     F32("U12", 64, "voltage between lines 1 and 2", "V").In(kLineToLine),
     F32("U23", 68, "voltage between lines 2 and 3", "V").In(kLineToLine),
     F32("U31", 72, "voltage between lines 3 and 1", "V").In(kLineToLine),
-    F32("Un", 76, "voltage of the neutral", "V").In(kNeutral),
+    F32("Un", 76, "voltage of the neutral", "V").In(kWithNeutral),
     F32("I1", 80, "current of phase 1", "A").In(kLine1),
     F32("I2", 84, "current of phase 2", "A").In(kLine2),
     F32("I3", 88, "current of phase 3", "A").In(kLine3),
-    F32("In", 92, "current of the neutral", "A").In(kNeutral),
+    F32("In", 92, "current of the neutral", "A").In(kWithNeutral),
     F32("P1p", 96, "active power of phase 1, consumed").In(kPower1),
     F32("P1m", 112, "active power of phase 1, generated").In(kPower1),
     F32("P2p", 100, "active power of phase 2, consumed").In(kPower2),

@@ -2,6 +2,8 @@
 // instrument keeps.
 #pragma once
 
+#include <array>
+
 #include "records/power_groups.h"
 #include "records/result_groups.h"
 
@@ -40,71 +42,50 @@ inline constexpr Field kThreePhasePowersRows[] = {
     PhasePower("p3", 2 * kPhasePowerSize),
 };
 
-// Phase voltages lie before currents, line-to-line voltages behind them; they are written in one
-// list.
-constexpr uint32_t VoltageSpectrum(uint32_t at, uint32_t index) {
-  return at + index * kVoltageSpectrumSize;
+// A spectrum for each label, side by side.
+template <size_t N>
+constexpr std::array<Field, N> Spectra(Field (*row)(const char* phase, uint32_t at), uint32_t size,
+                                       const char* const (&labels)[N]) {
+  std::array<Field, N> rows;
+  for (uint32_t i = 0; i < N; ++i) rows[i] = row(labels[i], i * size);
+  return rows;
 }
+
+// Phase voltages lie before currents, line-to-line voltages behind them; they are written in one
+// list. Unlike harmonics, interharmonics come with the line-to-line voltages inside each half.
+inline constexpr auto kPhaseHarmonics =
+    Spectra(VoltageHarmonics, kVoltageSpectrumSize,
+            {"u1h", "u2h", "u3h", "unh", "u1hPr", "u2hPr", "u3hPr", "unhPr"});
+inline constexpr auto kLineHarmonics = Spectra(
+    VoltageHarmonics, kVoltageSpectrumSize, {"u12h", "u23h", "u31h", "u12hPr", "u23hPr", "u31hPr"});
 inline constexpr Field kVoltageHarmonicsRows[] = {
-    VoltageHarmonics("u1h", VoltageSpectrum(12216, 0)),
-    VoltageHarmonics("u2h", VoltageSpectrum(12216, 1)),
-    VoltageHarmonics("u3h", VoltageSpectrum(12216, 2)),
-    VoltageHarmonics("unh", VoltageSpectrum(12216, 3)),
-    VoltageHarmonics("u1hPr", VoltageSpectrum(12216, 4)),
-    VoltageHarmonics("u2hPr", VoltageSpectrum(12216, 5)),
-    VoltageHarmonics("u3hPr", VoltageSpectrum(12216, 6)),
-    VoltageHarmonics("unhPr", VoltageSpectrum(12216, 7)),
-    VoltageHarmonics("u12h", VoltageSpectrum(22008, 0)),
-    VoltageHarmonics("u23h", VoltageSpectrum(22008, 1)),
-    VoltageHarmonics("u31h", VoltageSpectrum(22008, 2)),
-    VoltageHarmonics("u12hPr", VoltageSpectrum(22008, 3)),
-    VoltageHarmonics("u23hPr", VoltageSpectrum(22008, 4)),
-    VoltageHarmonics("u31hPr", VoltageSpectrum(22008, 5)),
+    Rows(12216, kPhaseHarmonics),
+    Rows(22008, kLineHarmonics),
 };
-// Unlike harmonics, interharmonics come with the line-to-line voltages inside each half.
+inline constexpr auto kPhaseInterharmonics =
+    Spectra(VoltageInterharmonics, kVoltageSpectrumSize, {"u1ih", "u2ih", "u3ih", "unih"});
+inline constexpr auto kPhaseInterharmonicsPr =
+    Spectra(VoltageInterharmonics, kVoltageSpectrumSize, {"u1ihPr", "u2ihPr", "u3ihPr", "unihPr"});
+inline constexpr auto kLineInterharmonics =
+    Spectra(VoltageInterharmonics, kVoltageSpectrumSize, {"u12ih", "u23ih", "u31ih"});
+inline constexpr auto kLineInterharmonicsPr =
+    Spectra(VoltageInterharmonics, kVoltageSpectrumSize, {"u12ihPr", "u23ihPr", "u31ihPr"});
 inline constexpr Field kVoltageInterharmonicsRows[] = {
-    VoltageInterharmonics("u1ih", VoltageSpectrum(24456, 0)),
-    VoltageInterharmonics("u2ih", VoltageSpectrum(24456, 1)),
-    VoltageInterharmonics("u3ih", VoltageSpectrum(24456, 2)),
-    VoltageInterharmonics("unih", VoltageSpectrum(24456, 3)),
-    VoltageInterharmonics("u12ih", VoltageSpectrum(34248, 0)),
-    VoltageInterharmonics("u23ih", VoltageSpectrum(34248, 1)),
-    VoltageInterharmonics("u31ih", VoltageSpectrum(34248, 2)),
-    VoltageInterharmonics("u1ihPr", VoltageSpectrum(24456, 4)),
-    VoltageInterharmonics("u2ihPr", VoltageSpectrum(24456, 5)),
-    VoltageInterharmonics("u3ihPr", VoltageSpectrum(24456, 6)),
-    VoltageInterharmonics("unihPr", VoltageSpectrum(24456, 7)),
-    VoltageInterharmonics("u12ihPr", VoltageSpectrum(34248, 3)),
-    VoltageInterharmonics("u23ihPr", VoltageSpectrum(34248, 4)),
-    VoltageInterharmonics("u31ihPr", VoltageSpectrum(34248, 5)),
+    Rows(24456, kPhaseInterharmonics),
+    Rows(34248, kLineInterharmonics),
+    Rows(24456 + 4 * kVoltageSpectrumSize, kPhaseInterharmonicsPr),
+    Rows(34248 + 3 * kVoltageSpectrumSize, kLineInterharmonicsPr),
 };
-inline constexpr Field kCurrentHarmonicsRows[] = {
-    CurrentHarmonics("i1h", 0 * kCurrentSpectrumSize),
-    CurrentHarmonics("i2h", 1 * kCurrentSpectrumSize),
-    CurrentHarmonics("i3h", 2 * kCurrentSpectrumSize),
-    CurrentHarmonics("inh", 3 * kCurrentSpectrumSize),
-    CurrentHarmonics("i1hPr", 4 * kCurrentSpectrumSize),
-    CurrentHarmonics("i2hPr", 5 * kCurrentSpectrumSize),
-    CurrentHarmonics("i3hPr", 6 * kCurrentSpectrumSize),
-    CurrentHarmonics("inhPr", 7 * kCurrentSpectrumSize),
-};
-inline constexpr Field kCurrentInterharmonicsRows[] = {
-    CurrentInterharmonics("i1ih", 0 * kCurrentSpectrumSize),
-    CurrentInterharmonics("i2ih", 1 * kCurrentSpectrumSize),
-    CurrentInterharmonics("i3ih", 2 * kCurrentSpectrumSize),
-    CurrentInterharmonics("inih", 3 * kCurrentSpectrumSize),
-    CurrentInterharmonics("i1ihPr", 4 * kCurrentSpectrumSize),
-    CurrentInterharmonics("i2ihPr", 5 * kCurrentSpectrumSize),
-    CurrentInterharmonics("i3ihPr", 6 * kCurrentSpectrumSize),
-    CurrentInterharmonics("inihPr", 7 * kCurrentSpectrumSize),
-};
+inline constexpr auto kCurrentHarmonicsRows =
+    Spectra(CurrentHarmonics, kCurrentSpectrumSize,
+            {"i1h", "i2h", "i3h", "inh", "i1hPr", "i2hPr", "i3hPr", "inhPr"});
+inline constexpr auto kCurrentInterharmonicsRows =
+    Spectra(CurrentInterharmonics, kCurrentSpectrumSize,
+            {"i1ih", "i2ih", "i3ih", "inih", "i1ihPr", "i2ihPr", "i3ihPr", "inihPr"});
 // Per line the positive array, then the negative one.
-inline constexpr Field kPowerHarmonicsRows[] = {
-    PowerHarmonics("powerHarmL1", 0 * kVoltageSpectrumSize),
-    PowerHarmonics("powerHarmL2", 2 * kVoltageSpectrumSize),
-    PowerHarmonics("powerHarmL3", 4 * kVoltageSpectrumSize),
-    PowerHarmonics("powerHarmN", 6 * kVoltageSpectrumSize),
-};
+inline constexpr auto kPowerHarmonicsRows =
+    Spectra(PowerHarmonics, 2 * kVoltageSpectrumSize,
+            {"powerHarmL1", "powerHarmL2", "powerHarmL3", "powerHarmN"});
 
 constexpr uint32_t kFullPhasePowersAt = 7944;
 inline constexpr Field kFullInverterRows[] = {
@@ -251,12 +232,8 @@ inline constexpr Field kStandardVoltageHarmonicsRows[] = {
     PlainVoltageHarmonics("u23h", 1 * kPlainSpectrumSize).In(kStandardLines),
     PlainVoltageHarmonics("u31h", 2 * kPlainSpectrumSize).In(kStandardLines),
 };
-inline constexpr Field kStandardCurrentHarmonicsRows[] = {
-    PlainCurrentHarmonics("i1h", 0 * kPlainSpectrumSize),
-    PlainCurrentHarmonics("i2h", 1 * kPlainSpectrumSize),
-    PlainCurrentHarmonics("i3h", 2 * kPlainSpectrumSize),
-    PlainCurrentHarmonics("inh", 3 * kPlainSpectrumSize),
-};
+inline constexpr auto kStandardCurrentHarmonicsRows =
+    Spectra(PlainCurrentHarmonics, kPlainSpectrumSize, {"i1h", "i2h", "i3h", "inh"});
 inline constexpr Field kStandardInverterRows[] = {
     Rows(4540, kInverterAveragesRows),
     Group("ENERGY", kStandardPhasePowersAt + kPhaseAveragesSize + kPhaseAveragesEnergyAt,

@@ -1,7 +1,8 @@
 #include "records/sample_scales.h"
 
 #include <cfloat>
-#include <numbers>
+
+#include "settings/validation.h"
 
 namespace quorvex {
 
@@ -35,17 +36,6 @@ float CurrentGain(const UifParams& settings, int clamp, uint8_t range) {
 
 }  // namespace
 
-float RatioKindFactor(const UifParams& settings) {
-  switch (settings.trikot_star_factor_id) {
-    case 1:
-      return static_cast<float>(std::numbers::sqrt3);
-    case 2:
-      return static_cast<float>(1.0 / std::numbers::sqrt3);
-    default:
-      return 1.0f;
-  }
-}
-
 float VoltageRatio(const UifParams& settings) {
   return static_cast<float>(static_cast<int32_t>(settings.voltage_ratio_prim)) /
          static_cast<float>(static_cast<int32_t>(settings.voltage_ratio_sec));
@@ -72,7 +62,7 @@ float TimesWires(const ClampParams& clamp, float scale) {
 float VoltageSampleScale(const UifParams& settings, int channel) {
   float ratio = VoltageRatio(settings);
   // Without a transformer there is nothing that star or delta could change.
-  if (ratio != 1.0f) ratio *= RatioKindFactor(settings);
+  if (ratio != 1.0f) ratio *= static_cast<float>(StarFactor(settings.trikot_star_factor_id));
   return static_cast<float>(static_cast<double>(ratio) * kVoltsPerStep *
                             static_cast<double>(VoltageGain(settings, channel)));
 }

@@ -22,9 +22,6 @@ float CurrentSampleScale(const UifParams& settings, int channel, NeutralRange ne
 void SampleScales(const UifParams& settings, NeutralRange neutral_range,
                   float (&pairs)[2 * kMeasuredChannels]);
 
-// Star or delta as a factor of the voltage ratio: the square root of 3, its inverse, or 1.
-float RatioKindFactor(const UifParams& settings);
-
 // Primary to secondary voltage of the transformer.
 float VoltageRatio(const UifParams& settings);
 

@@ -31,7 +31,7 @@ constexpr Field kSessionRows[] = {
     kSessionHeader,
     Each(kElement.name, 0, 1, kElement.size, kElementRows, kElement.meaning)
         .CountInput(0, "elementsNum")
-        .InPieces()
+        .InParts()
         .Behind(),
 };
 constexpr Field kSession = Record("SESSION", kSessionHeader.size, kSessionRows, "a session");

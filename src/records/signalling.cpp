@@ -28,19 +28,19 @@ constexpr Field kHeadRows[] = {
 constexpr Field kHead = Record("SIGNALLING_PARAMS", 48, kHeadRows, "head of a recording");
 static_assert(Tiles<WrongByte(kHead)>);
 
-constexpr uint32_t kPiecePackets = 1024;
+constexpr uint32_t kPartPackets = 1024;
 constexpr char kPerPacket[] = "PACKETS_NUM";
 
 constexpr Field kEndTimes[] = {
-    Each("END_TIME", 0, kPiecePackets, kDateTimeSize, kDateTimeRows, "end of a packet")
+    Each("END_TIME", 0, kPartPackets, kDateTimeSize, kDateTimeRows, "end of a packet")
         .CountInput(0, kPerPacket)
-        .InPieces(),
+        .InParts(),
 };
 constexpr Field kLevels[] = {
-    F32("U", 0, "level in a packet", "V").Times(kPiecePackets).CountInput(0, kPerPacket).InPieces(),
+    F32("U", 0, "level in a packet", "V").Times(kPartPackets).CountInput(0, kPerPacket).InParts(),
 };
 constexpr Field kFlags[] = {
-    I32("FLAG", 0, "flag of a packet").Times(kPiecePackets).CountInput(0, kPerPacket).InPieces(),
+    I32("FLAG", 0, "flag of a packet").Times(kPartPackets).CountInput(0, kPerPacket).InParts(),
 };
 
 // Behind the head, in this order on disk too: an array of an entry a packet each.
@@ -78,13 +78,13 @@ constexpr uint32_t PacketSize() {
 }
 static_assert(PacketSize() == 68);
 
-constexpr Field kEndTimesPiece = Rows(0, kEndTimes);
-constexpr Field kLevelsPiece = Rows(0, kLevels);
-constexpr Field kFlagsPiece = Rows(0, kFlags);
+constexpr Field kEndTimesPart = Rows(0, kEndTimes);
+constexpr Field kLevelsPart = Rows(0, kLevels);
+constexpr Field kFlagsPart = Rows(0, kFlags);
 
-const Field& LayoutOfPieces(const Field& array) {
-  if (array.rows == kLevels) return kLevelsPiece;
-  return array.rows == kEndTimes ? kEndTimesPiece : kFlagsPiece;
+const Field& LayoutOfParts(const Field& array) {
+  if (array.rows == kLevels) return kLevelsPart;
+  return array.rows == kEndTimes ? kEndTimesPart : kFlagsPart;
 }
 
 // A part of an array, to be read where the walk stands.
@@ -121,13 +121,13 @@ void TellArrays(Walk* w, uint32_t packets, uint8_t* buffer) {
     const uint32_t entry = EntrySize(array);
     const uint32_t earlier = array.rows == kLevels ? levels_before++ : 0;
     w->listener->BeginGroup(array, nullptr);
-    for (uint32_t done = 0; done < packets; done += kPiecePackets) {
-      const uint32_t count = std::min(kPiecePackets, packets - done);
+    for (uint32_t done = 0; done < packets; done += kPartPackets) {
+      const uint32_t count = std::min(kPartPackets, packets - done);
       const uint64_t at = w->position;
       const uint32_t own = ReadPart(w, {count * entry, uint64_t{packets} * entry, earlier}, buffer);
       Inputs inputs;
       inputs.number[0] = static_cast<int32_t>(count);
-      Tell(w, LayoutOfPieces(array), buffer, at, own, inputs, done);
+      Tell(w, LayoutOfParts(array), buffer, at, own, inputs, done);
     }
     w->listener->EndGroup();
   }
@@ -137,7 +137,7 @@ void TellArrays(Walk* w, uint32_t packets, uint8_t* buffer) {
 void WalkSignalling(Walk* w) {
   const uint64_t size = w->recording->size;
   if (size < w->type.records_at) return;
-  Tracked<uint8_t> buffer(kPiecePackets * kDateTimeSize);
+  Tracked<uint8_t> buffer(kPartPackets * kDateTimeSize);
   uint8_t head[kHead.size] = {};  // what a last head lacks is left from the one before
   const uint64_t end = kHeadSize + uint64_t{static_cast<uint32_t>(size) - kHeadSize};
   while (w->position < end) {

@@ -4,6 +4,7 @@
 #include "records/channels.h"
 #include "records/record_types.h"
 #include "records/walk.h"
+#include "settings/validation.h"
 #include "support/memory.h"
 
 namespace quorvex {
@@ -14,10 +15,10 @@ constexpr uint32_t kPartSamples = 4096;
 constexpr uint32_t kSampleSize = 4;
 constexpr char kLength[] = "TRANSIENTS_RECORD_PARAMS/NUM";
 constexpr Field kVoltageSamples[] = {
-    ScaledF32("v", 0, 0, "sample", "V").Times(kPartSamples).CountInput(0, kLength).InPieces(),
+    ScaledF32("v", 0, 0, "sample", "V").Times(kPartSamples).CountInput(0, kLength).InParts(),
 };
 constexpr Field kCurrentSamples[] = {
-    ScaledF32("v", 0, 0, "sample", "A").Times(kPartSamples).CountInput(0, kLength).InPieces(),
+    ScaledF32("v", 0, 0, "sample", "A").Times(kPartSamples).CountInput(0, kLength).InParts(),
 };
 constexpr Field kPart = Record("", kPartSamples* kSampleSize, kVoltageSamples);
 static_assert(Tiles<WrongByte(kPart)>);
@@ -29,7 +30,7 @@ constexpr Field Current(const char* label, Cases in) {
   return Group("I", kCurrentSamples, "current waveform").Phase(label).In(in).Behind();
 }
 constexpr Field FreeSlot(Cases in) {
-  return Gap(0, kSampleSize).Times(kPartSamples).CountInput(0, kLength).InPieces().In(in).Behind();
+  return Gap(0, kSampleSize).Times(kPartSamples).CountInput(0, kLength).InParts().In(in).Behind();
 }
 constexpr Field kVoltageSlots[] = {
     Voltage("u1", kPhase1),
@@ -96,7 +97,7 @@ uint32_t ReadPart(Walk* w, const Told& told, uint64_t from, uint32_t size, uint8
 // Captured samples are floats, calibrated by the instrument: what is left is the transformers. The
 // star or delta factor counts here even without a voltage transformer.
 float CaptureVoltageScale(const UifParams& settings) {
-  return VoltageRatio(settings) * RatioKindFactor(settings);
+  return VoltageRatio(settings) * static_cast<float>(StarFactor(settings.trikot_star_factor_id));
 }
 
 // Current samples are in thousandths. Clamps of type 2 know no multiplier.

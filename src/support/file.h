@@ -17,6 +17,7 @@ struct FileHandle {
 };
 static_assert(sizeof(FileHandle) == 8);
 
+// The instrument's own numbering. Nothing here appends or updates, but the numbers are kept.
 enum OpenMode : int32_t { kOpenRead = 1, kOpenCreate = 2, kOpenAppend = 3, kOpenUpdate = 4 };
 
 // Opens "wb", "ab" or "rb+" for modes 2, 3 and 4 and "rb" for every other. Null on failure, for a

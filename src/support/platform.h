@@ -23,13 +23,15 @@ using PlatformFileData = struct statx;
 using SearchHandle = void*;
 #endif
 
-// What a search by path tells of a file.
+// What a search by path tells of a file. The record is shared with the instrument's own software;
+// only the size is used here.
 struct FileInfo {
   char name[256];        // the found name without its directory
   uint32_t size;         // the low 32 bits of the size in bytes
   uint16_t in_progress;  // 0 starts a new search; callers set it before the query
   uint8_t spare;
-  uint16_t year;  // creation time, UTC
+  uint16_t
+      year;  // creation time, UTC; what the instrument's software keeps of a file, as is the rest
   uint8_t month, day, hour, minute, second;
   SearchHandle search;
   PlatformFileData found;  // the platform's own record

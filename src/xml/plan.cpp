@@ -30,14 +30,14 @@ namespace {
 
 // Texts are copied in pieces of this size, up to one piece too far; both sides have room for that.
 // Most texts are one piece.
-constexpr uint32_t kCopyPiece = 32;
+constexpr uint32_t kCopySize = 32;
 // A buffer is asked for room once for many steps.
 constexpr uint32_t kMostRoom = 16384;
 
 char* CopyText(const char* from, uint32_t size, char* to) {
-  std::memcpy(to, from, kCopyPiece);
-  if (size > kCopyPiece) [[unlikely]]
-    std::memcpy(to + kCopyPiece, from + kCopyPiece, size - kCopyPiece);
+  std::memcpy(to, from, kCopySize);
+  if (size > kCopySize) [[unlikely]]
+    std::memcpy(to + kCopySize, from + kCopySize, size - kCopySize);
   return to + size;
 }
 
@@ -132,8 +132,8 @@ void WriteFloats(XmlWriter* to, const Tags& tags, uint32_t count, Value value) {
   constexpr uint32_t kAtOnce = 256;
   for (uint32_t n = 0; n < count;) {
     const uint32_t end = std::min(count, n + kAtOnce);
-    char* out = Reserve(to, tags.open_size + kCopyPiece +
-                                (end - n) * (kLongestNumber + tags.between_size + kCopyPiece));
+    char* out = Reserve(to, tags.open_size + kCopySize +
+                                (end - n) * (kLongestNumber + tags.between_size + kCopySize));
     out = CopyText(tags.open, tags.open_size, out);
     for (; n < end; ++n) {
       out = FloatText(value(n), out);
@@ -202,7 +202,7 @@ Plan::Plan(const Field& table, Cases which) : which_(which), tags_(CreateWriter(
   AddStep(nullptr, 0, 0);
   assert(tags_->depth == 0);
   // What is kept is as large as it must be: a recording may need several plans.
-  text_ = static_cast<char*>(Allocate(tags_->position + kCopyPiece));
+  text_ = static_cast<char*>(Allocate(tags_->position + kCopySize));
   std::memcpy(text_, tags_->buffer, tags_->position);
   CloseWriter(tags_);
 }
@@ -216,7 +216,7 @@ Plan::~Plan() {
 // together, at the first of them.
 void Plan::AddStep(const Field* f, uint32_t offset, uint32_t step) {
   const uint32_t text_size = tags_->position - text_used_;
-  const uint32_t room = text_size + kCopyPiece + (f != nullptr ? LongestText(*f) : 0);
+  const uint32_t room = text_size + kCopySize + (f != nullptr ? LongestText(*f) : 0);
   if (gathering_ == nullptr || gathering_->room + room > kMostRoom) {
     gathering_ = &steps_[step_count_];
   }
