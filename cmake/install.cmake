@@ -24,7 +24,7 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/Quorvex64ConfigVersion.cmak
                                  COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_BINARY_DIR}/Quorvex64ConfigVersion.cmake DESTINATION ${cmake_dir})
 
-# Of the documents those that users need: docs/performance.md is about the source tree.
+# Of the documents those that users need: architecture and performance are about the source tree.
 install(FILES docs/command-line.md docs/formats.md docs/host.md docs/safety.md
         DESTINATION ${doc_dir}/docs)
 install(DIRECTORY examples DESTINATION ${doc_dir})
