@@ -11,6 +11,7 @@ RECORD_TYPES = {
     1: RecordType(
         name="general records",
         line=("start", "end", "interval",),
+        end_from="periods",
         records_at=3072,
         settings_at=8,
         companion=True,
@@ -28,6 +29,7 @@ RECORD_TYPES = {
     2: RecordType(
         name="snapshots",
         line=("start", "end", "trigger", "level", "slope", "duration", "pretrigger",),
+        end_from="settings",
         records_at=3072,
         settings_at=8,
         companion=True,
@@ -42,6 +44,7 @@ RECORD_TYPES = {
     3: RecordType(
         name="channel readings",
         line=(),
+        end_from="settings",
         records_at=3072,
         settings_at=8,
         companion=True,
@@ -56,6 +59,7 @@ RECORD_TYPES = {
     4: RecordType(
         name="settings",
         line=(),
+        end_from="settings",
         records_at=3072,
         settings_at=8,
         companion=False,
@@ -68,6 +72,7 @@ RECORD_TYPES = {
     5: RecordType(
         name="waveform capture",
         line=("start", "end", "trigger", "voltage level", "voltage envelope", "neutral level", "neutral envelope", "current level", "current envelope", "neutral I level", "neutral I envelope",),
+        end_from="settings",
         records_at=3072,
         settings_at=8,
         companion=True,
@@ -82,6 +87,7 @@ RECORD_TYPES = {
     6: RecordType(
         name="live results",
         line=("time",),
+        end_from="settings",
         records_at=3072,
         settings_at=8,
         companion=False,
@@ -96,6 +102,7 @@ RECORD_TYPES = {
     7: RecordType(
         name="alarms",
         line=(),
+        end_from="settings",
         records_at=3364,
         settings_at=128,
         companion=False,
@@ -110,6 +117,7 @@ RECORD_TYPES = {
     8: RecordType(
         name="voltage events",
         line=(),
+        end_from="settings",
         records_at=3224,
         settings_at=128,
         companion=False,
@@ -124,6 +132,7 @@ RECORD_TYPES = {
     9: RecordType(
         name="signalling",
         line=(),
+        end_from="settings",
         records_at=3072,
         settings_at=8,
         companion=False,
@@ -138,6 +147,7 @@ RECORD_TYPES = {
     10: RecordType(
         name="rapid voltage changes",
         line=(),
+        end_from="settings",
         records_at=3072,
         settings_at=8,
         companion=False,
@@ -152,6 +162,7 @@ RECORD_TYPES = {
     11: RecordType(
         name="averages",
         line=(),
+        end_from="settings",
         records_at=3072,
         settings_at=8,
         companion=False,
@@ -166,6 +177,7 @@ RECORD_TYPES = {
     12: RecordType(
         name="transients",
         line=(),
+        end_from="settings",
         records_at=3072,
         settings_at=8,
         companion=False,
@@ -180,6 +192,7 @@ RECORD_TYPES = {
     13: RecordType(
         name="inrush currents",
         line=(),
+        end_from="settings",
         records_at=3072,
         settings_at=8,
         companion=False,
@@ -194,6 +207,7 @@ RECORD_TYPES = {
     14: RecordType(
         name="channel readings (second list)",
         line=("start", "end", "level", "slope", "duration", "pretrigger", "mark",),
+        end_from="settings",
         records_at=3072,
         settings_at=8,
         companion=True,
@@ -208,6 +222,7 @@ RECORD_TYPES = {
     15: RecordType(
         name="sessions",
         line=(),
+        end_from="settings",
         records_at=8,
         settings_at=None,
         companion=False,
@@ -222,6 +237,7 @@ RECORD_TYPES = {
     16: RecordType(
         name="voltage quality",
         line=("start", "end", "interval",),
+        end_from="periods",
         records_at=3072,
         settings_at=8,
         companion=True,
@@ -238,6 +254,7 @@ RECORD_TYPES = {
     17: RecordType(
         name="waveform series",
         line=("start", "end", "trigger", "level", "duration", "pretrigger",),
+        end_from="settings",
         records_at=3072,
         settings_at=8,
         companion=True,
@@ -252,6 +269,7 @@ RECORD_TYPES = {
     18: RecordType(
         name="energy meter tests",
         line=("start", "end",),
+        end_from="records",
         records_at=3072,
         settings_at=8,
         companion=False,

@@ -19,6 +19,7 @@ class Layout(NamedTuple):
 class RecordType(NamedTuple):
     name: str
     line: tuple[str, ...]  # what the texts of its information line are; none where it has no line
+    end_from: str  # whose word its end is: "settings", "records", or "periods", counted ones
     records_at: int
     settings_at: Optional[int]
     companion: bool  # a setting file beside the recording replaces its settings

@@ -19,10 +19,6 @@ from ._library import LAST_RECORD, QuorvexError, StrPath, library, path_bytes
 from ._scratch import scratch_for
 from ._shapes import Shape, shape_of
 
-# Whose end is a record's: of every record an interval, and of energy meter tests.
-_PERIODIC = (1, 16)
-_METER_TESTS = 18
-
 _FIELD = re.compile(r" '([^']*)'| ([^ ]+)")
 _TIME = re.compile(r"(\d\d)\.(\w{3})\.(\d{4}) (\d\d):(\d\d):(\d\d)\.(\d{3})")
 _MONTHS = "Jan Feb Mar Apr May Jun Jul Aug Sep Oct Nov Dec".split()
@@ -100,8 +96,9 @@ def _interval(text: Optional[str]) -> Optional[timedelta]:
 def _end(told: Optional[datetime], kind: int, shape: Shape) -> tuple[Optional[datetime], str]:
     """The end of a recording, and what tells it. The line's is wrong for most layouts of periodic
     recordings as long as there is no setting file, and of a copied card that file is missing."""
-    if kind not in _PERIODIC:
-        return told, "records" if kind == _METER_TESTS else "settings"
+    end_from = RECORD_TYPES[kind].end_from
+    if end_from != "periods":
+        return told, end_from
     if shape.end is not None:
         return shape.end, "records"
     return told, "settings" if shape.setting_file else "estimate"

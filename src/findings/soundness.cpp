@@ -148,12 +148,12 @@ void Soundness::Bytes(const Piece& piece) {
   if (part && piece.layout.name[0] != '\0') around.path += std::string(piece.layout.name) + "/";
   const Places& places = PlacesIn(piece.layout);
   CheckPlaces(places, piece, around, &findings_);
-  if (ordered_ != piece.record) CheckOrder(places, piece);
+  if (ordered_ != piece.record) CheckOrder(places, piece, around.path);
   ordered_ = piece.record;
 }
 
 // Records follow each other in time, by the first time in the first piece of each.
-void Soundness::CheckOrder(const Places& places, const Piece& piece) {
+void Soundness::CheckOrder(const Places& places, const Piece& piece, const std::string& path) {
   if (places.time < 0) return;
   const Place& place = places.all[static_cast<size_t>(places.time)];
   if (place.offset + kDateTimeSize > piece.present) return;
@@ -161,7 +161,7 @@ void Soundness::CheckOrder(const Places& places, const Piece& piece) {
   if (!IsPointInTime(time)) return;
   if (last_record_ != 0 && IsBefore(time, last_)) {
     Add(Severity::kWarning, FindingKind::kTime, piece.at + place.offset, piece.record,
-        place.element,
+        path + place.element,
         "lies before that of record " + Number(last_record_) + ", " + TimeText(last_) + ": " +
             TimeText(time));
   }

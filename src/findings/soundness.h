@@ -37,7 +37,7 @@ class Soundness final : public Listener {
            const std::string& element, const std::string& text);
   void CheckSettingFile(bool named);
   void CheckSettings(const Piece& piece);
-  void CheckOrder(const Places& places, const Piece& piece);
+  void CheckOrder(const Places& places, const Piece& piece, const std::string& path);
   void BeginRecords();
   void TellBehind(uint64_t at, const std::string& what);
   const Places& PlacesIn(const Field& layout);
@@ -52,7 +52,7 @@ class Soundness final : public Listener {
   std::vector<std::string> groups_;  // around the current piece, from the document's list inward
   std::list<Places> places_;         // of the layouts met so far
   uint64_t ordered_ = 0;             // the record whose time was compared last
-  uint64_t last_record_ = 0;         // the one with the latest time so far, and that time
+  uint64_t last_record_ = 0;         // the last one with a point in time, and that
   DateTimeRecord last_{};
 };
 

@@ -92,8 +92,7 @@ struct Field {
   uint32_t every = 0;      // in a repeated group: its own distance between repetitions, if not step
   uint32_t claims = 0;     // bytes of the record that are this row's own
   uint32_t count_ref = 0;  // offset of a 32-bit count beside the row, or index into the inputs
-  uint32_t counts_up_to =
-      0;  // the word counts what there is room for so many of; 0: it counts nothing
+  uint32_t counts_up_to = 0;    // the word counts what there is room for so many of
   int32_t most = INT32_MAX;     // an integer shows this at the most
   uint16_t entry_floats = 0;    // spectrum: floats per entry on disk
   uint16_t written_floats = 0;  // spectrum: how many of them are written

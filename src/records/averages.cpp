@@ -116,7 +116,6 @@ const RecordType kAverages = {
     .name = "averages",
     .about =
         "A recording summed up three times, for each phase and in total. Energies are doubles.",
-    .list = nullptr,
     .record = &kSummariesRecord,
     .walk = WalkSummaries,
     .once = true,

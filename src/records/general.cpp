@@ -84,7 +84,6 @@ const RecordType kGeneral = {
         "stored. An array of a compact record holds the orders 1 to 25, yet 51 floats are written: "
         "each runs on into what lies behind it, and readers take the first 25.",
     .list = "RECORDS",
-    .record = nullptr,
     .walk = WalkIntervals,
     .companion = true,
     .state = true,

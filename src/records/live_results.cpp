@@ -105,7 +105,6 @@ const RecordType kLiveResults = {
         "of the channel that measures its input: in its tail and behind its first energies. "
         "Samples are raw steps of the converter, written in volts and amperes: times the step of "
         "the range, its calibration and the ratios of the transformers.",
-    .list = nullptr,
     .record = &kLiveResultsRecord,
     .walk = WalkLiveResults,
     .state = true,

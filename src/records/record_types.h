@@ -1,48 +1,48 @@
-// Every record type, one descriptor from each file of this folder.
+// Every record type. Each has a file of its own in this folder, and one line here.
 #pragma once
+
+#include <iterator>
 
 #include "records/recording.h"
 
 namespace quorvex {
 
-extern const RecordType kGeneral;
-extern const RecordType kSnapshots;
-extern const RecordType kChannelReadings;
-extern const RecordType kSettingsOnly;
-extern const RecordType kWaveformCapture;
-extern const RecordType kLiveResults;
-extern const RecordType kAlarms;
-extern const RecordType kVoltageEvents;
-extern const RecordType kSignalling;
-extern const RecordType kRapidVoltageChanges;
-extern const RecordType kAverages;
-extern const RecordType kTransients;
-extern const RecordType kInrushCurrents;
-extern const RecordType kMoreChannelReadings;
-extern const RecordType kSessions;
-extern const RecordType kVoltageQuality;
-extern const RecordType kWaveformSeries;
-extern const RecordType kEnergyMeter;
+// In the order of their numbers.
+#define QUORVEX_RECORD_TYPES(TYPE) \
+  TYPE(kGeneral)                   \
+  TYPE(kSnapshots)                 \
+  TYPE(kChannelReadings)           \
+  TYPE(kSettingsOnly)              \
+  TYPE(kWaveformCapture)           \
+  TYPE(kLiveResults)               \
+  TYPE(kAlarms)                    \
+  TYPE(kVoltageEvents)             \
+  TYPE(kSignalling)                \
+  TYPE(kRapidVoltageChanges)       \
+  TYPE(kAverages)                  \
+  TYPE(kTransients)                \
+  TYPE(kInrushCurrents)            \
+  TYPE(kMoreChannelReadings)       \
+  TYPE(kSessions)                  \
+  TYPE(kVoltageQuality)            \
+  TYPE(kWaveformSeries)            \
+  TYPE(kEnergyMeter)
 
-inline constexpr const RecordType* kRecordTypes[] = {
-    &kGeneral,              // 1
-    &kSnapshots,            // 2
-    &kChannelReadings,      // 3
-    &kSettingsOnly,         // 4
-    &kWaveformCapture,      // 5
-    &kLiveResults,          // 6
-    &kAlarms,               // 7
-    &kVoltageEvents,        // 8
-    &kSignalling,           // 9
-    &kRapidVoltageChanges,  // 10
-    &kAverages,             // 11
-    &kTransients,           // 12
-    &kInrushCurrents,       // 13
-    &kMoreChannelReadings,  // 14
-    &kSessions,             // 15
-    &kVoltageQuality,       // 16
-    &kWaveformSeries,       // 17
-    &kEnergyMeter,          // 18
-};
+#define QUORVEX_DECLARED(name) extern const RecordType name;
+QUORVEX_RECORD_TYPES(QUORVEX_DECLARED)
+#undef QUORVEX_DECLARED
+
+#define QUORVEX_ROW(name) &name,
+inline constexpr const RecordType* kRecordTypes[] = {QUORVEX_RECORD_TYPES(QUORVEX_ROW)};
+#undef QUORVEX_ROW
+constexpr uint32_t kRecordTypeCount = std::size(kRecordTypes);
+
+// The type with this number, or null.
+inline const RecordType* FindRecordType(uint32_t number) {
+  for (const RecordType* type : kRecordTypes) {
+    if (type->type == number) return type;
+  }
+  return nullptr;
+}
 
 }  // namespace quorvex

@@ -18,7 +18,7 @@ struct FileHeader {
 static_assert(sizeof(FileHeader) == kFileHeaderSize);
 inline constexpr Field kFileHeaderRows[] = {
     I32("FILE_VERSION", offsetof(FileHeader, version), "version of the file format"),
-    I32("FILE_TYPE", offsetof(FileHeader, type), "record type, 1 to 18"),
+    I32("FILE_TYPE", offsetof(FileHeader, type), "record type"),
 };
 inline constexpr Field kFileHeader = Record("FILE_HEADER", sizeof(FileHeader), kFileHeaderRows);
 static_assert(Tiles<WrongByte(kFileHeader)>);
@@ -45,13 +45,13 @@ struct LayoutChoice {
 // One row of the table of record types. The differences between types are its columns.
 struct RecordType {
   uint32_t type;
-  const char* name;   // in words
-  const char* about;  // what one must know about its files, for documentation
-  const char* list;   // element around the records, null for none
+  const char* name;            // in words
+  const char* about;           // what one must know about its files, for documentation
+  const char* list = nullptr;  // element around the records, null for none
   // A record with all its elements, where every record has the same layout. Where parts of varying
   // length lie behind it, the size covers the fixed part only.
-  const Field* record;
-  void (*walk)(Walk* walk);                // through the records; null where there are none
+  const Field* record = nullptr;
+  void (*walk)(Walk* walk) = nullptr;      // through the records; null where there are none
   uint32_t settings_at = kFileHeaderSize;  // 0: the file carries no settings
   uint32_t records_at = kHeadSize;
   bool companion = false;              // a setting file beside it replaces the settings
@@ -82,9 +82,6 @@ inline uint64_t RecordSize(const RecordType& type, const UifParams& settings) {
   const Field* layout = LayoutOf(type, settings);
   return layout != nullptr ? layout->size : 0;
 }
-
-// The type with this number, or null. The table of all types is behind it.
-const RecordType* FindRecordType(uint32_t type);
 
 // Event and alarm recordings have a longer head: bytes of the instrument's own stand between the
 // file header and the settings, and a block of information follows.

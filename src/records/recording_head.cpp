@@ -1,5 +1,6 @@
 #include "records/recording_head.h"
 
+#include "records/record_types.h"
 #include "settings/setting_file.h"
 
 namespace quorvex {

@@ -70,7 +70,6 @@ const RecordType kSessions = {
         "Sessions stand back to back, each a header and its elements. The file carries no settings "
         "and its document no list element; elements are named in lower camel case, unlike those of "
         "every other type.",
-    .list = nullptr,
     .record = &kSession,
     .walk = WalkSessions,
     .settings_at = 0,

@@ -7,9 +7,6 @@ const RecordType kSettingsOnly = {
     .type = 4,
     .name = "settings",
     .about = "The settings and nothing else: there is not even an empty list of records.",
-    .list = nullptr,
-    .record = nullptr,
-    .walk = nullptr,
     .state = true,
 };
 

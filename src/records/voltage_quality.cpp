@@ -141,7 +141,6 @@ const RecordType kVoltageQuality = {
         "recording interval chooses one of three layouts for the whole file. An inverter at a "
         "three-phase network (connection 7) counts as line-to-line, unlike in general recordings.",
     .list = "RECORDS",
-    .record = nullptr,
     .walk = WalkIntervals,
     .companion = true,
     .state = true,

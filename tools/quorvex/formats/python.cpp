@@ -124,11 +124,15 @@ std::string PythonFormats() {
     const auto put = [&text](const std::string& name, const std::string& value) {
       text += "        " + name + "=" + value + ",\n";
     };
-    std::string labels;
+    std::string labels, end_from = "settings";
     for (uint32_t i = 0; i < type->line.count; ++i) {
-      labels += (i == 0 ? "\"" : " \"") + std::string(type->line.fields[i].label) + "\",";
+      const InfoField& field = type->line.fields[i];
+      labels += (i == 0 ? "\"" : " \"") + std::string(field.label) + "\",";
+      if (field.from == InfoFrom::kPeriods) end_from = "periods";
+      if (field.from == InfoFrom::kLastRecord) end_from = "records";
     }
     put("line", "(" + labels + ")");
+    put("end_from", "\"" + end_from + "\"");
     put("records_at", Number(type->records_at));
     put("settings_at", type->settings_at != 0 ? Number(type->settings_at) : "None");
     put("companion", Truth(type->companion));

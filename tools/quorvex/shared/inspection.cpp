@@ -16,11 +16,6 @@
 namespace quorvex::tool {
 namespace {
 
-void Fail(Recording* recording, ExitCode code, const std::string& problem) {
-  recording->code = code;
-  recording->problem = problem;
-}
-
 std::optional<uint64_t> WholeRecords(const RecordingHead& head) {
   const RecordType& type = *head.type;
   if (type.walk == nullptr) return 0;
@@ -30,18 +25,25 @@ std::optional<uint64_t> WholeRecords(const RecordingHead& head) {
   return type.once ? std::min<uint64_t>(records, 1) : records;
 }
 
+// Why a recording could not be opened, just now.
+std::string WhyNotOpen(const std::string& path) {
+  const std::string reason = LastError();
+  if (path.size() > kMaxPath) return "the path is longer than 511 bytes";
+  if (IsFolder(path)) return "is a folder";
+  return IsSpecial(path) ? "is no regular file" : reason;
+}
+
 }  // namespace
 
 Recording Inspect(RecordingHead* head) {
   Recording recording;
-  if (!head->file) {
-    Fail(&recording, kNoInput, LastError());
+  const auto fail = [&](ExitCode code, const std::string& problem) {
+    recording.code = code;
+    recording.problem = problem;
     return recording;
-  }
-  if (std::ferror(head->file.get()->stream) != 0) {
-    Fail(&recording, kNoInput, "cannot be read");
-    return recording;
-  }
+  };
+  if (!head->file) return fail(kNoInput, WhyNotOpen(head->path));
+  if (std::ferror(head->file.get()->stream) != 0) return fail(kNoInput, "cannot be read");
   recording.size = head->size;
   if (head->size >= sizeof head->header) {
     recording.header = head->header;
@@ -49,8 +51,7 @@ Recording Inspect(RecordingHead* head) {
   }
   if (const std::optional<Finding> problem = HeadProblem(*head)) {
     const bool unknown = recording.header && head->type == nullptr;
-    Fail(&recording, unknown ? kUnknownType : kCutShort, problem->text);
-    return recording;
+    return fail(unknown ? kUnknownType : kCutShort, problem->text);
   }
   head->UseSettingFile();
   recording.setting_file = head->setting_file;
@@ -61,49 +62,23 @@ Recording Inspect(RecordingHead* head) {
   return recording;
 }
 
-namespace {
-
-// What stands at `path` where that is no file: empty for one, and for nothing.
-std::string NoFile(const std::string& path) {
-  if (path.size() > kMaxPath) return "the path is longer than 511 bytes";
-  if (IsFolder(path)) return "is a folder";
-  return IsSpecial(path) ? "is no regular file" : "";
-}
-
-}  // namespace
-
 Recording Inspect(const std::string& path) {
-  const std::string problem = NoFile(path);
-  if (problem.empty()) {
-    RecordingHead head(path.c_str());
-    return Inspect(&head);
-  }
-  Recording recording;
-  Fail(&recording, kNoInput, problem);
-  return recording;
+  RecordingHead head(path.c_str());
+  return Inspect(&head);
 }
 
 CheckResult CheckRecording(const std::string& path) {
-  CheckResult result;
-  const std::string problem = NoFile(path);
-  if (!problem.empty()) {
-    Fail(&result.recording, kNoInput, problem);
-    result.findings.Add({Severity::kError, FindingKind::kHead, std::nullopt, 0, "", problem});
-    return result;
-  }
   RecordingHead head(path.c_str());
-  result.recording = Inspect(&head);
-  if (result.recording.code != kDone) {
-    const std::optional<Finding> in_head = HeadProblem(head);
-    result.findings.Add(head.file && in_head
-                            ? *in_head
-                            : Finding{Severity::kError, FindingKind::kHead, std::nullopt, 0, "",
-                                      result.recording.problem});
+  CheckResult result = {Inspect(&head), {}};
+  if (result.recording.code == kDone) {
+    Soundness soundness(&head, !IsSpooled(path));
+    WalkRecording(&head, {}, &soundness);
+    result.findings = soundness.Result();
     return result;
   }
-  Soundness soundness(&head, !IsSpooled(path));
-  WalkRecording(&head, {}, &soundness);
-  result.findings = soundness.Result();
+  Finding finding = {Severity::kError, FindingKind::kHead, {}, 0, "", result.recording.problem};
+  if (result.recording.code != kNoInput) finding = *HeadProblem(head);
+  result.findings.Add(finding);
   return result;
 }
 
@@ -160,11 +135,6 @@ void ReadEnd(RecordingHead* head, Facts* facts) {
 Facts FactsOf(const std::string& path) {
   Facts facts;
   facts.path = path;
-  const std::string problem = NoFile(path);
-  if (!problem.empty()) {
-    Fail(&facts.recording, kNoInput, problem);
-    return facts;
-  }
   RecordingHead head(path.c_str());
   if (head.file) facts.values = FactsIn(&head);
   facts.recording = Inspect(&head);
