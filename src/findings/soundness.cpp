@@ -197,9 +197,10 @@ void Soundness::BeginRecords() {
 bool Soundness::EndRecord(const RecordEnd& end) {
   BeginRecords();
   end_ = end.at + end.size;
-  if (end.present >= end.size || recording_.size == type_.records_at) return true;
+  const uint64_t present = recording_.PresentAt(end.at, end.size);
+  if (present == end.size || recording_.size == type_.records_at) return true;
   Add(Severity::kError, FindingKind::kSize, end.at, end.record, "",
-      "ends after " + Number(end.present) + " of " + Number(end.size) + " bytes" +
+      "ends after " + Number(present) + " of " + Number(end.size) + " bytes" +
           (end.written ? std::string("; the document holds it: ") + type_.cut.rest
                        : "; the document leaves it out"));
   return true;

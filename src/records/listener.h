@@ -22,11 +22,10 @@ struct Piece {
 
 // A record that the walk is through with.
 struct RecordEnd {
-  uint64_t record;   // counted from 1
-  uint64_t at;       // its place in the file
-  uint64_t size;     // bytes that it should have, by its layout and its counts
-  uint64_t present;  // bytes of it that the file has
-  bool written;      // false for a short one that documents leave out: it was not told
+  uint64_t record;  // counted from 1
+  uint64_t at;      // its place in the file
+  uint64_t size;    // bytes that it should have, by its layout and its counts
+  bool written;     // false for a short one that documents leave out: it was not told
 };
 
 // Nothing is called for a single value: a listener compiles a layout once and runs over the bytes.

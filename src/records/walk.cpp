@@ -47,8 +47,9 @@ bool MoveTo(Walk* w, uint64_t position) {
 }
 
 bool LeaveOut(Walk* w, uint64_t size) {
-  const uint64_t present = w->position - w->record_at;
-  if (present != 0) w->listener->EndRecord({w->record, w->record_at, size, present, false});
+  if (w->position != w->record_at) {
+    w->listener->EndRecord({w->record, w->record_at, size, false});
+  }
   return false;
 }
 
@@ -61,12 +62,6 @@ __attribute__((noinline)) bool Report(const WalkOptions& options, float fraction
     SetOwnFloats();
   }
   return answer >= 0;
-}
-
-bool ReportPosition(const Walk& w) {
-  if (w.options.progress == nullptr) return true;
-  const auto size = static_cast<uint32_t>(w.recording->size);
-  return Report(w.options, static_cast<float>(w.position) / static_cast<float>(size));
 }
 
 uint32_t CountRecords(uint32_t file_size, uint32_t record_size) {

@@ -64,8 +64,7 @@ inline void Tell(Walk* w, const Field& layout, const void* bytes, uint64_t at, u
 
 // The current record is told; by its counts it has `size` bytes. False: nothing more is wanted.
 inline bool EndRecord(Walk* w, uint64_t size) {
-  const uint64_t present = w->recording->PresentAt(w->record_at, size);
-  return w->listener->EndRecord({w->record, w->record_at, size, present, true});
+  return w->listener->EndRecord({w->record, w->record_at, size, true});
 }
 
 // The current record is short and left out. False, for the walk ends with it.
@@ -88,7 +87,11 @@ inline bool TellRecord(Walk* w, const uint8_t* record, const Inputs& inputs = {}
 bool Report(const WalkOptions& options, float fraction);
 
 // Reports the position in the file as progress, where the host wants it. False: stop here.
-bool ReportPosition(const Walk& w);
+inline bool ReportPosition(const Walk& w) {
+  if (w.options.progress == nullptr) return true;
+  const auto size = static_cast<uint32_t>(w.recording->size);
+  return Report(w.options, static_cast<float>(w.position) / static_cast<float>(size));
+}
 
 // Number of records behind the head, a last partial one included, for the size of a file in 32-bit
 // arithmetic: a size below the head's wraps round to a huge count.
