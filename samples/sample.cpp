@@ -6,7 +6,6 @@
 #include <fstream>
 
 #include "support/loads.h"
-#include "xml/number_text.h"
 
 namespace quorvex::samples {
 namespace {

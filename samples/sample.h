@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "layout/rows.h"
+#include "layout/field.h"
 #include "settings/settings_record.h"
 
 namespace quorvex::samples {

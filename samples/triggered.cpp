@@ -3,7 +3,6 @@
 
 #include "records/record_types.h"
 #include "sample.h"
-#include "xml/float_text.h"
 
 namespace quorvex::samples {
 

@@ -5,7 +5,6 @@
 // record exactly once.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <type_traits>
 

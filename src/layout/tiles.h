@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "layout/rows.h"
+#include "layout/field.h"
 
 namespace quorvex {
 

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <iterator>
 #include <string_view>
 
 #include "records/result_groups.h"

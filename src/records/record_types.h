@@ -32,7 +32,7 @@ namespace quorvex {
 QUORVEX_RECORD_TYPES(QUORVEX_DECLARED)
 #undef QUORVEX_DECLARED
 
-#define QUORVEX_ROW(name) &name,
+#define QUORVEX_ROW(name) &(name),
 inline constexpr const RecordType* kRecordTypes[] = {QUORVEX_RECORD_TYPES(QUORVEX_ROW)};
 #undef QUORVEX_ROW
 constexpr uint32_t kRecordTypeCount = std::size(kRecordTypes);

@@ -5,7 +5,7 @@
 
 #include "layout/tiles.h"
 #include "records/information.h"
-#include "settings/cases.h"
+#include "settings/cases.h"  // IWYU pragma: export
 #include "settings/settings_record.h"
 
 namespace quorvex {

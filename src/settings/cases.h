@@ -3,7 +3,7 @@
 
 #include <initializer_list>
 
-#include "layout/rows.h"
+#include "layout/field.h"
 #include "settings/settings_record.h"
 
 namespace quorvex {

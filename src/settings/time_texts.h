@@ -1,7 +1,7 @@
 // Times as a file list shows them.
 #pragma once
 
-#include "settings/settings_record.h"
+#include "layout/date_time.h"
 #include "support/bounded_text.h"
 
 namespace quorvex {

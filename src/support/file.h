@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "support/platform.h"
+#include "support/platform.h"  // IWYU pragma: export
 
 namespace quorvex {
 

@@ -10,7 +10,7 @@
 #endif
 #include <windows.h>
 #else
-#include <sys/stat.h>
+#include <sys/stat.h>  // IWYU pragma: export
 #endif
 
 namespace quorvex {

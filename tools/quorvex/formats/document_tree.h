@@ -2,8 +2,6 @@
 // made from.
 #pragma once
 
-#include <array>
-#include <compare>
 #include <cstdint>
 #include <set>
 #include <string>

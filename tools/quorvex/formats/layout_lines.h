@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "layout/rows.h"
+#include "layout/field.h"
 
 namespace quorvex::tool {
 

@@ -8,7 +8,6 @@
 
 #include "generate.h"
 #include "records/record_types.h"
-#include "settings/settings_table.h"
 #include "support/loads.h"
 
 namespace quorvex::tool {
