@@ -73,10 +73,14 @@ struct Judge {
   const uint8_t* At(uint32_t offset) const {
     return static_cast<const uint8_t*>(piece.bytes) + offset;
   }
+  // A damaged file has as many faults as bytes: what `text` makes is asked for only where there is
+  // room for the finding.
+  template <typename Text>
   void Add(Severity severity, FindingKind kind, const Place& place, size_t behind,
-           const std::string& element, const std::string& text) const {
-    findings->Add({severity, kind, piece.at + place.offset + behind, piece.record,
-                   around.path + element, text + around.remark});
+           const std::string& element, Text text) const {
+    if (!findings->Take(severity, kind)) return;
+    findings->list.push_back({severity, kind, piece.at + place.offset + behind, piece.record,
+                              around.path + element, text() + around.remark});
   }
 
   void CheckText(const Place& place) const {
@@ -94,7 +98,8 @@ struct Judge {
     if (f.kind == Kind::kText) EscapeText(stored, shown.data(), static_cast<uint32_t>(size));
     const TextFault fault = FaultOf(shown);
     const auto add = [&](Severity severity, size_t at, const std::string& text) {
-      Add(severity, FindingKind::kText, place, is_made ? 0 : at, place.element, text);
+      Add(severity, FindingKind::kText, place, is_made ? 0 : at, place.element,
+          [&text] { return text; });
     };
     if (!fault.what.empty()) {
       return add(Severity::kError, fault.at, "has " + fault.what + "; the document is no XML");
@@ -111,14 +116,19 @@ struct Judge {
     if (!IsSet(time)) return;
     const bool valid = IsPointInTime(time);
     if (valid && place.start < 0) return;
-    std::string text = "is no point in time: ";
-    if (valid) {
-      const Place& start = places.all[static_cast<size_t>(place.start)];
-      const auto from = Load<DateTimeRecord>(At(start.offset));
-      if (!IsPointInTime(from) || !IsBefore(time, from)) return;
-      text = "lies before " + start.element + ", " + TimeText(from) + ": ";
-    }
-    Add(Severity::kWarning, FindingKind::kTime, place, 0, place.element, text + TimeText(time));
+    if (!valid) return AddNoTime(place, 0, place.element, time);
+    const Place& start = places.all[static_cast<size_t>(place.start)];
+    const auto from = Load<DateTimeRecord>(At(start.offset));
+    if (!IsPointInTime(from) || !IsBefore(time, from)) return;
+    Add(Severity::kWarning, FindingKind::kTime, place, 0, place.element, [&] {
+      return "lies before " + start.element + ", " + TimeText(from) + ": " + TimeText(time);
+    });
+  }
+
+  void AddNoTime(const Place& place, size_t behind, const std::string& element,
+                 const DateTimeRecord& time) const {
+    Add(Severity::kWarning, FindingKind::kTime, place, behind, element,
+        [&] { return "is no point in time: " + TimeText(time); });
   }
 
   // A list that comes in several pieces.
@@ -128,19 +138,20 @@ struct Judge {
     for (uint32_t i = 0; i < count && uint64_t{i} * step + kDateTimeSize <= piece.present; ++i) {
       const auto time = Load<DateTimeRecord>(At(place.offset + i * step));
       if (!IsSet(time) || IsPointInTime(time)) continue;
-      Add(Severity::kWarning, FindingKind::kTime, place, size_t{i} * step,
-          place.element + "[" + std::to_string(piece.first + i + 1) + "]",
-          "is no point in time: " + TimeText(time));
+      AddNoTime(place, size_t{i} * step,
+                place.element + "[" + std::to_string(piece.first + i + 1) + "]", time);
     }
   }
 
   void CheckCount(const Place& place) const {
     const auto count = Load<int32_t>(At(place.offset));
     if (place.room == 0 || (count >= 0 && static_cast<uint32_t>(count) <= place.room)) return;
-    const std::string outcome =
-        count < 0 ? ", which is none" : ", but there is room for " + std::to_string(place.room);
     Add(count < 0 ? Severity::kWarning : Severity::kError, FindingKind::kCount, place, 0,
-        place.element, "counts " + std::to_string(count) + outcome);
+        place.element, [&] {
+          return "counts " + std::to_string(count) +
+                 (count < 0 ? ", which is none"
+                            : ", but there is room for " + std::to_string(place.room));
+        });
   }
 };
 

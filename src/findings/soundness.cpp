@@ -144,8 +144,8 @@ void Soundness::Bytes(const Piece& piece) {
   for (size_t i = type_.list != nullptr ? 2 : 1; i < groups_.size(); ++i) {
     around.path += groups_[i] + "/";
   }
-  const bool part = groups_.size() > (type_.list != nullptr ? 1u : 0u);
-  if (part && piece.layout.name[0] != '\0') around.path += std::string(piece.layout.name) + "/";
+  if (groups_.size() > (type_.list != nullptr ? 1u : 0u) && piece.layout.name[0] != '\0')
+    around.path += std::string(piece.layout.name) + "/";
   const Places& places = PlacesIn(piece.layout);
   CheckPlaces(places, piece, around, &findings_);
   if (ordered_ != piece.record) CheckOrder(places, piece, around.path);
@@ -159,11 +159,12 @@ void Soundness::CheckOrder(const Places& places, const Piece& piece, const std::
   if (place.offset + kDateTimeSize > piece.present) return;
   const auto time = Load<DateTimeRecord>(static_cast<const uint8_t*>(piece.bytes) + place.offset);
   if (!IsPointInTime(time)) return;
-  if (last_record_ != 0 && IsBefore(time, last_)) {
-    Add(Severity::kWarning, FindingKind::kTime, piece.at + place.offset, piece.record,
-        path + place.element,
-        "lies before that of record " + Number(last_record_) + ", " + TimeText(last_) + ": " +
-            TimeText(time));
+  if (last_record_ != 0 && IsBefore(time, last_) &&
+      findings_.Take(Severity::kWarning, FindingKind::kTime)) {
+    findings_.list.push_back({Severity::kWarning, FindingKind::kTime, piece.at + place.offset,
+                              piece.record, path + place.element,
+                              "lies before that of record " + Number(last_record_) + ", " +
+                                  TimeText(last_) + ": " + TimeText(time)});
   }
   last_ = time;
   last_record_ = piece.record;

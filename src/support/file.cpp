@@ -44,25 +44,21 @@ bool CloseFile(FileHandle* file) {
   return closed;
 }
 
+#ifdef _WIN32
 uint32_t ReadBytes(FileHandle* file, void* to, uint32_t count) {
-#ifdef _WIN32
   return static_cast<uint32_t>(std::fread(to, 1, count, file->stream));
-#else
-  // A handle is one thread's own, and the lock of a stream costs as much as a small record.
-  return static_cast<uint32_t>(fread_unlocked(to, 1, count, file->stream));
-#endif
 }
-
-#ifdef _WIN32
 bool SeekTo(FileHandle* file, uint64_t position) {
   return _fseeki64(file->stream, static_cast<int64_t>(position), SEEK_SET) == 0;
 }
-uint64_t PositionOf(FileHandle* file) { return static_cast<uint64_t>(_ftelli64(file->stream)); }
 #else
+// A handle is one thread's own, and the lock of a stream costs as much as a small record.
+uint32_t ReadBytes(FileHandle* file, void* to, uint32_t count) {
+  return static_cast<uint32_t>(fread_unlocked(to, 1, count, file->stream));
+}
 bool SeekTo(FileHandle* file, uint64_t position) {
   return fseeko(file->stream, static_cast<off_t>(position), SEEK_SET) == 0;
 }
-uint64_t PositionOf(FileHandle* file) { return static_cast<uint64_t>(ftello(file->stream)); }
 #endif
 
 uint64_t SizeOf(FileHandle* file) { return SizeOfStream(file->stream); }

@@ -33,7 +33,6 @@ bool CloseFile(FileHandle* file);
 uint32_t ReadBytes(FileHandle* file, void* to, uint32_t count);
 
 bool SeekTo(FileHandle* file, uint64_t position);
-uint64_t PositionOf(FileHandle* file);
 // In bytes; 0 where it is not known.
 uint64_t SizeOf(FileHandle* file);
 
