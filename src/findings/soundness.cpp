@@ -1,8 +1,9 @@
 #include "findings/soundness.h"
 
+#include <sys/stat.h>
+
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 
 #include "layout/date_time.h"
 #include "settings/cases.h"
@@ -15,6 +16,11 @@ namespace quorvex {
 namespace {
 
 std::string Number(uint64_t number) { return std::to_string(number); }
+
+bool IsFolder(const char* path) {
+  struct stat status {};
+  return stat(path, &status) == 0 && S_ISDIR(status.st_mode);
+}
 
 // The path of the row at a place of a table; empty where there is none.
 std::string ElementAt(const Field& group, uint32_t place, uint32_t at) {
@@ -86,7 +92,7 @@ void Soundness::CheckSettingFile(bool named) {
     Add(severity, FindingKind::kSettingFile, std::nullopt, 0, "", text);
   };
   FileInfo info{};
-  if (QueryFileInfo(name, &info) != 0 || std::filesystem::is_directory(path)) {
+  if (QueryFileInfo(name, &info) != 0 || IsFolder(name)) {
     return add(Severity::kNote, "no setting file " + file + ": the settings are its own");
   }
   if (!recording_.setting_file) {

@@ -66,14 +66,11 @@ bool ConvertRecording(RecordingHead* recording, const Request& request) {
   if (writer == nullptr) return false;
   writer->go_on = request.go_on;
   WriteDocumentStart(writer);
-  bool there;
-  {
-    Document document(writer, CaseOf(recording->settings));
-    BothListen both(&document, request.also);
-    Listener* listener = &document;
-    if (request.also != nullptr) listener = &both;
-    there = WalkRecording(recording, request.walk, listener);
-  }
+  Document document(writer, CaseOf(recording->settings));
+  BothListen both(&document, request.also);
+  Listener* listener = &document;
+  if (request.also != nullptr) listener = &both;
+  const bool there = WalkRecording(recording, request.walk, listener);
   CloseElement(writer);
   return CloseDocument(writer) && there;
 }
