@@ -25,26 +25,26 @@ enum class Kind : uint8_t {
   kText,      // fixed-width text in the instrument's characters
   kRawText,   // fixed-width text that is shown as it stands
   kMade,      // a value that a function makes from the record
-  kNoValue,   // never a value, and no bytes of its own
+  kNoValue,   // stands for a value that is not kept; it has no bytes
   kSpectrum,  // an array of floats, in entries of several
 };
 
-// In which recordings a row is written: a set of up to sixteen cases, one bit each. What the bits
-// mean is the settings' matter.
+// A set of up to sixteen cases, one bit each: the recordings in which a row is written. settings/
+// says what each bit means.
 using Cases = uint16_t;
 constexpr Cases kAllCases = 0xFFFF;
 
-// A float that holds this has no value; a double has none that holds the same.
+// A float that holds this number has no value. A double that holds the same number has none either.
 constexpr float kNoValue = -1e37f;
 constexpr double kNoValueDouble = static_cast<double>(kNoValue);
 
-// What a table may need beyond the record's own bytes; rows refer to them by index.
+// Numbers that a table needs beyond the bytes of the record. Rows refer to them by index.
 struct Inputs {
   int32_t number[2] = {};
   float scale[8] = {};
 };
 
-// The value of a kMade row, in the member that suits what the row reads as.
+// The value of a kMade row. `made_as` of the row says which member holds it.
 constexpr uint32_t kLongestMadeText = 128;
 struct MadeValue {
   int64_t integer = 0;
@@ -77,7 +77,7 @@ struct Field {
   const char* phase = nullptr;  // value of the attribute `phase`
   const char* meaning = "";     // for documentation and schema
   const char* unit = "";        // of a group: of the values inside that have none
-  // Where a count of the inputs comes from: the end of an element's path, or words.
+  // Says where a count of the inputs comes from: the end of an element's path, or words.
   const char* counted_by = "";
   const Codes* codes = nullptr;  // the words of an integer's values, where they are known
   const StructureInfo* structure = nullptr;
@@ -88,7 +88,7 @@ struct Field {
   uint32_t size = 0;       // bytes of one repetition
   uint32_t count = 1;      // repetitions; the most there can be where the count is not the table's
   uint32_t step = 0;       // bytes from one repetition to the next
-  uint32_t every = 0;      // in a repeated group: its own distance between repetitions, if not step
+  uint32_t every = 0;      // distance between repetitions where it is not the group's
   uint32_t claims = 0;     // bytes of the record that are this row's own
   uint32_t count_ref = 0;  // offset of a 32-bit count beside the row, or index into the inputs
   uint32_t counts_up_to = 0;    // the word counts what there is room for so many of
@@ -104,7 +104,7 @@ struct Field {
   bool repeated = false;
   bool behind = false;    // of no fixed place: it lies behind the row before it that is written
   bool own_line = false;  // its value is written on a line of its own
-  bool endless = false;   // `count` is no bound: rendered that many at a time
+  bool endless = false;   // it has any length and is told in parts of `count`
 
   // The row with another value in a column.
   template <typename T>
@@ -115,7 +115,7 @@ struct Field {
   }
   // Written in these cases only.
   constexpr Field In(Cases in) const { return With(&Field::cases, in); }
-  // A value element a repetition.
+  // The value is repeated, each time as an element.
   constexpr Field Times(uint32_t times) const {
     return With(&Field::count, times).With(&Field::repeated, true).RunsOn(size * times);
   }
@@ -128,7 +128,7 @@ struct Field {
         .With(&Field::count_ref, index)
         .With(&Field::counted_by, from);
   }
-  // Of any length: the walk of the record type tells it in parts of `count`.
+  // The list has any length. The walk of the record type tells it in parts of `count`.
   constexpr Field InParts() const { return With(&Field::endless, true); }
   // A part of a record of varying length. The walk of the record type places it.
   constexpr Field Behind() const { return With(&Field::behind, true); }

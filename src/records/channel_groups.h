@@ -243,8 +243,7 @@ inline constexpr auto kLiveChannelRows =
                Gap(9580, 20),
            });
 
-// The start of a record with waveforms. Which word counts their samples is the record type's
-// matter.
+// The start of a record with waveforms. The record type knows which word counts their samples.
 constexpr uint32_t kScopeCountAt = 20;
 constexpr uint32_t kUsedSamplesAt = 24;
 constexpr uint32_t kRecordStartSize = 32;

@@ -6,14 +6,14 @@
 
 namespace quorvex {
 
-// The channel that a label means, by the character behind its first: of a pair of phases the first
-// phase, of everything that is no phase the neutral.
+// The channel that a label means. The second character decides: a pair of phases means its first
+// phase, and what is no phase means the neutral.
 constexpr int ChannelOf(const char* label) {
   return label[1] >= '1' && label[1] <= '3' ? label[1] - '1' : kNeutral;
 }
 
-// By connection code: 2, 4 and 7 have line-to-line voltages, 6 and 7 an inverter in the place of
-// the neutral, 5 two phases, 3 three; other codes are as 1, a phase and the neutral.
+// Connections 2, 4 and 7 have line-to-line voltages. 6 and 7 have an inverter in the place of the
+// neutral, 5 has two phases, 3 has three. Other codes are like 1: a phase and the neutral.
 constexpr Cases kLineToLine = Connections({2, 4, 7});
 constexpr Cases kPhase1 = NotConnections({2, 4, 7});
 constexpr Cases kPhase2 = Connections({3, 5});

@@ -11,32 +11,31 @@ namespace quorvex {
 
 // Bytes of a recording under a layout.
 struct Piece {
-  const Field& layout;  // the same object for every piece of its kind, so that it can be compiled
+  const Field& layout;  // the same object for all pieces of this kind; it can be compiled once
   const void* bytes;    // as many as the layout speaks of
   uint64_t at;          // their place in the file
-  uint64_t present;     // how many of them the file has; the rest stands in for what it lacks
+  uint64_t present;     // how many of them the file has; the walk made up the others
   uint64_t record;      // counted from 1; 0 in the head
   const Inputs& inputs;
   uint32_t first = 0;  // entries in front of this piece, in a list that comes in several
 };
 
-// A record that the walk is through with.
+// A record that has been told.
 struct RecordEnd {
   uint64_t record;  // counted from 1
   uint64_t at;      // its place in the file
   uint64_t size;    // bytes that it should have, by its layout and its counts
-  bool written;     // false for a short one that documents leave out: it was not told
+  bool written;     // false for a short record that documents leave out; no piece of it was told
 };
 
 // Nothing is called for a single value: a listener compiles a layout once and runs over the bytes.
 // Without an override a listener hears nothing.
 class Listener {
  public:
-  // What follows up to EndGroup is inside the element of `group`. `phase` is its label where it has
-  // one: usually the row's own.
+  // What follows up to EndGroup is inside the element of `group`. `phase` is its label, or null.
   virtual void BeginGroup(const Field& /*group*/, const char* /*phase*/) {}
   virtual void EndGroup() {}
-  // The group of the piece's layout with all that is in it.
+  // The layout of the piece is a group, which is told here with all that is in it.
   virtual void Bytes(const Piece& /*piece*/) {}
   // False: nothing more is wanted of this recording.
   virtual bool EndRecord(const RecordEnd& /*end*/) { return true; }

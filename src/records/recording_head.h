@@ -1,4 +1,4 @@
-// What every use of a recording begins with: its head, read once, and the file left open behind it.
+// The head of a recording, which every use of it begins with. The file stays open for more.
 #pragma once
 
 #include "records/recording.h"

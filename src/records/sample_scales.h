@@ -11,8 +11,8 @@ namespace quorvex {
 constexpr int kMeasuredChannels = 4;
 constexpr int kNeutral = 3;
 
-// Which range byte chooses the calibration of the neutral's own current: snapshots look at the
-// phases' range, everything else at the neutral's.
+// The range byte that chooses the calibration of the neutral's own current. Snapshots take the
+// range of the phases, everything else takes the neutral's.
 enum class NeutralRange : uint8_t { kOfPhases, kOwn };
 
 float VoltageSampleScale(const UifParams& settings, int channel);

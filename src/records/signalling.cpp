@@ -43,7 +43,7 @@ constexpr Field kFlags[] = {
     I32("FLAG", 0, "flag of a packet").Times(kPartPackets).CountInput(0, kPerPacket).InParts(),
 };
 
-// Behind the head, in this order on disk too: an array of an entry a packet each.
+// Fourteen arrays follow the head, on disk in this order too. Each has an entry for each packet.
 constexpr Field kArrays[] = {
     Group("END_TIMES", kEndTimes, "end of each packet").Behind(),
     Group("U1_SIG1", kLevels, "phase 1, first frequency").Behind(),
@@ -94,9 +94,9 @@ struct ArrayPart {
   uint32_t earlier;     // arrays of this size in front of it
 };
 
-// The arrays of levels share one block, each read over the one before. Where the file ends early,
-// the block still holds what the array before left there, which the file has one array earlier.
-// Where nothing was, there are zeros. Returns how many bytes were the array's own.
+// The instrument reads the arrays of levels into one block, each over the one before. Where the
+// file ends early, the block still holds the bytes of the array before, which stand one array
+// earlier in the file. Otherwise there are zeros. Returns how many bytes were the array's own.
 uint32_t ReadPart(Walk* w, const ArrayPart& part, uint8_t* to) {
   const uint64_t begin = w->position;
   const uint32_t own = Read(w, to, part.size);

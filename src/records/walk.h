@@ -67,7 +67,7 @@ inline bool EndRecord(Walk* w, uint64_t size) {
   return w->listener->EndRecord({w->record, w->record_at, size, true});
 }
 
-// The current record is short and left out. False, for the walk ends with it.
+// The current record is short, and documents leave it out. Gives false, because the walk ends here.
 bool LeaveOut(Walk* w, uint64_t size);
 
 // Begins a record of the walk's layout and reads it, whole or not at all.
@@ -97,10 +97,9 @@ inline bool ReportPosition(const Walk& w) {
 // arithmetic: a size below the head's wraps round to a huge count.
 uint32_t CountRecords(uint32_t file_size, uint32_t record_size);
 
-// Walks for types without anything special.
-
-// Tells the counted records. What a last partial record lacks is left from the one before (settings
-// of its own start as the file's). A file that ends before its first record has none.
+// Walks for types without anything special. The first tells the counted records. What a last
+// partial record lacks is left from the one before (settings of its own start as the file's). A
+// file that ends before its first record has none.
 void WalkCountedRecords(Walk* w);
 
 // Tells the whole records up to the end of the file, with progress by position.
