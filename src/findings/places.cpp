@@ -47,7 +47,7 @@ struct Gatherer {
     for (uint32_t r = 0; r < group.row_count; ++r) {
       const Field& f = group.rows[r];
       if ((f.cases & which) == 0 || f.behind) continue;
-      const uint32_t base = place + index * (f.every != 0 ? f.every : step);
+      const uint32_t base = place + index * StepOf(f, step);
       const uint32_t offset = base + f.offset;
       const std::string name = path + f.name;
       Gatherer inner = *this;
