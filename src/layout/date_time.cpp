@@ -1,5 +1,7 @@
 #include "layout/date_time.h"
 
+#include <array>
+#include <bit>
 #include <cstring>
 #include <tuple>
 
@@ -31,8 +33,8 @@ int32_t DateTimeAt(const Field& group, const char* name, uint32_t place) {
 }
 
 bool IsSet(const DateTimeRecord& time) {
-  constexpr DateTimeRecord kNever{};
-  return std::memcmp(&time, &kNever, sizeof time) != 0 && time.seconds != kNoValueDouble;
+  using Bytes = std::array<uint8_t, sizeof time>;
+  return std::bit_cast<Bytes>(time) != Bytes{} && time.seconds != kNoValueDouble;
 }
 
 bool IsPointInTime(const DateTimeRecord& time) {

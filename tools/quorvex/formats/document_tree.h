@@ -20,7 +20,7 @@ struct ValueForm {
   uint32_t size = 0;
   int32_t most = INT32_MAX;
   bool own_line = false;
-  auto operator<=>(const ValueForm&) const = default;
+  auto operator<=>(const ValueForm&) const = default;  // NOLINT(modernize-use-nullptr): no pointer
 };
 
 // An element, or, without a name, a sequence of elements.
