@@ -6,6 +6,7 @@ import dataclasses
 import doctest
 import importlib.util
 import json
+import math
 import os
 import re
 import shutil
@@ -102,11 +103,14 @@ class Package(unittest.TestCase):
         data = bytearray((self.folder / "R0201GEN.REC").read_bytes())
         data[3072 + 24 : 3072 + 40] = bytes(16)  # a date-time that was never set
         data[3072 + 3104 + 4 * 5 : 3072 + 3104 + 4 * 6] = MARKER  # a fifth harmonic
+        data[3072 + 72 : 3072 + 84] = struct.pack("<3f", math.nan, -math.nan, -math.inf)
         (self.folder / "missing.bin").write_bytes(data)
         record = q.read(q.convert(self.folder / "missing.bin", records=(1, 1)))[0]
         orders = record["HARMONICS_U"]["HARM_U[u1h]"]
         self.assertEqual((5, 1), (orders.index(None), orders.count(None)))
         self.assertIsNone(record["START_TIME"])
+        self.assertEqual([None] * 3, [*record["VOLTAGES"]["U[u1]"]["rms"].values()])
+        self.assertEqual("nan", str(_documents._row(record, "", {})["VOLTAGES/U[u1]/rms/max"]))
         settings = q.head(self.folder / "R0004SET.xml")["UIF_PARAMS"]
         self.assertEqual("Flexible clamp 1000 A", settings["CLAMP_N"]["NAME"])
         cut = (self.folder / "R0010RVC.xml").read_text()[:40000]
@@ -206,6 +210,7 @@ class Package(unittest.TestCase):
         with mock.patch.object(_library.library(), "convert", lambda path, *_: os.remove(path)):
             self.assertRaises(FileNotFoundError, q.convert, self.folder / "vanishing")
         self.assertRaisesRegex(OSError, "longer than 511", _library.path_bytes, Path("a" * 512))
+        self.assertEqual(511, len(_library.path_bytes(Path("a" * 511))))
         self.assertEqual(before - {self.folder / "vanishing"}, {*self.folder.iterdir()})
 
     def test_ranges(self) -> None:
@@ -213,7 +218,7 @@ class Package(unittest.TestCase):
         for records, hour, count in ((144, 23, 1), ((139, None), 23, 6), ((7, 900), 1, 138)):
             part = q.read(convert(self.folder / "R0001GEN.REC", records=records))
             self.assertEqual((count, hour), (len(part), part[0]["START_TIME"].hour))
-        wrong = {0: "no range", (5, 3): "no range", (1, 1 << 32): "no range", 145: "144 records"}
+        wrong = {0: "no range", (0, 3): "no range", (5, 3): "no range", (1, 1 << 32): "no range", 145: "144 records"}
         for records, reason in wrong.items():
             with self.assertRaisesRegex(ValueError, reason):
                 convert(self.folder / "R0001GEN.REC", records=records)

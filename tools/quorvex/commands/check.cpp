@@ -8,7 +8,7 @@
 namespace quorvex::tool {
 namespace {
 
-struct Options {
+struct CheckOptions {
   std::vector<std::string> inputs;
   bool json = false;
 };
@@ -47,7 +47,7 @@ void PrintResult(const std::string& path, const CheckResult& result) {
   if (CodeOf(result) == kDone) Print(Shown(CalledName(path)) + ": sound\n");
 }
 
-ExitCode Check(const Options& options) {
+ExitCode Check(const CheckOptions& options) {
   std::vector<std::string> paths;
   ExitCode code = GatherRecordings(options.inputs, &paths) ? kDone : kNoInput;
   size_t sound = 0, doubtful = 0;
@@ -78,7 +78,7 @@ ExitCode Check(const Options& options) {
 }  // namespace
 
 Command AddCheck(CLI::App& app) {
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<CheckOptions>();
   CLI::App* line =
       app.add_subcommand("check", "Say whether recordings are sound, before they are converted");
   TakePaths(line, &options->inputs);

@@ -17,7 +17,7 @@
 namespace quorvex::tool {
 namespace {
 
-struct Options {
+struct ConvertOptions {
   std::vector<std::string> inputs;
   std::string output, records;  // empty: beside each recording; all of them
   unsigned jobs = 0;            // as many as there are cores
@@ -76,7 +76,7 @@ bool TakeRange(const Range& range, Job* job) {
 
 class Preparation {
  public:
-  Preparation(const Options& options, const Range& range, bool into_folder)
+  Preparation(const ConvertOptions& options, const Range& range, bool into_folder)
       : options_(options), range_(range), into_folder_(into_folder) {}
 
   void Prepare(Job* job) {
@@ -131,7 +131,7 @@ class Preparation {
     if (cleaned_.insert(folder).second) RemoveLeftovers(folder);
   }
 
-  const Options& options_;
+  const ConvertOptions& options_;
   Range range_;
   bool into_folder_;
   std::map<std::string, std::string> taken_;
@@ -164,7 +164,7 @@ void TellSummary(const std::deque<Job>& jobs) {
       " with errors, " + number(warnings) + " with warnings");
 }
 
-ExitCode Convert(const Options& options) {
+ExitCode Convert(const ConvertOptions& options) {
   Range range;
   if (!options.records.empty() && !ParseRange(options.records, &range)) {
     Complain("--records " + options.records, "is no range of records such as 3-5, 5- or 5");
@@ -214,7 +214,7 @@ ExitCode Convert(const Options& options) {
 }  // namespace
 
 Command AddConvert(CLI::App& app) {
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<ConvertOptions>();
   CLI::App* line = app.add_subcommand("convert", "Write the XML documents of recordings");
   TakePaths(line, &options->inputs);
   line->add_option("-o,--output", options->output,

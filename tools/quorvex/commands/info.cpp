@@ -17,7 +17,7 @@
 namespace quorvex::tool {
 namespace {
 
-struct Options {
+struct InfoOptions {
   std::vector<std::string> inputs;
   bool raw = false;  // the record information lines are printed as the library gives them
   bool json = false;
@@ -186,7 +186,7 @@ ExitCode PrintRaw(const std::string& path) {
   return kDone;
 }
 
-ExitCode Info(const Options& options) {
+ExitCode Info(const InfoOptions& options) {
   std::vector<std::string> paths;
   ExitCode code = GatherRecordings(options.inputs, &paths) ? kDone : kNoInput;
   const bool alone = paths.size() == 1 && (paths == options.inputs || IsSpooled(paths.front()));
@@ -220,7 +220,7 @@ ExitCode Info(const Options& options) {
 }  // namespace
 
 Command AddInfo(CLI::App& app) {
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<InfoOptions>();
   CLI::App* line = app.add_subcommand("info", "Say what recordings are");
   TakePaths(line, &options->inputs);
   auto* raw =
