@@ -33,7 +33,6 @@ class Document final : public Listener {
     const Field* layout = nullptr;
     std::optional<Plan> plan;
   };
-  // Where there is a layout there is its plan. NOLINTBEGIN(bugprone-unchecked-optional-access)
   const Plan& PlanOf(const Field& layout) {
     Known* known = known_;
     if (known->layout == &layout) [[likely]]
@@ -48,7 +47,6 @@ class Document final : public Listener {
     }
     return *known->plan;
   }
-  // NOLINTEND(bugprone-unchecked-optional-access)
 
   XmlWriter* to_;
   Cases which_;

@@ -161,7 +161,7 @@ class Schema {
   // The name of an element's type, none where it is of no use elsewhere.
   std::optional<std::string> TypeOf(const Node& node) {
     if (!node.structures.empty()) {
-      const std::string name = TypeName(node.structures);
+      std::string name = TypeName(node.structures);
       if (named_.emplace(name, "").second) {
         std::string outside;
         std::swap(outside, text_);

@@ -96,11 +96,12 @@ void CopyToOutput(const std::string& path, Job* job) {
   std::FILE* from = std::fopen(path.c_str(), "rb");
   if (from == nullptr) return job->Fail(kNoOutput, path, LastError());
   UseBytes(stdout);
-  std::string piece;
-  do {
-    piece.resize(1 << 16);
-    piece.resize(std::fread(piece.data(), 1, piece.size(), from));
-  } while (!piece.empty() && Print(piece) && !Interrupted());
+  constexpr size_t kPiece = 1 << 16;
+  std::string piece(kPiece, '\0');
+  while (piece.size() == kPiece && !Interrupted()) {
+    piece.resize(std::fread(piece.data(), 1, kPiece, from));
+    if (!Print(piece)) break;
+  }
   std::fclose(from);
   if (Interrupted()) job->Fail(kCancelled, job->input, "cancelled");
 }
@@ -199,6 +200,7 @@ bool RunJobs(std::deque<Job>* jobs, const Placing& placing, unsigned workers, Pr
     }
   };
   std::vector<std::thread> threads;
+  threads.reserve(workers);
   for (unsigned i = 0; i < workers; ++i) threads.emplace_back(work, i);
 
   // What happened is told in the order of the jobs, whichever ends first.
