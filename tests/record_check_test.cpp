@@ -135,6 +135,33 @@ TEST(RecordCheck, DamagedRecordings) {
            .PadTo(kRecords + 144),
        "warning: offset 3088, record 1, END_TIME: lies before START_TIME, 2024-03-01 00:00:01.000: "
        "2024-02-29 00:00:00.000\n"},
+      {Sound(10)
+           .PutTime(kRecords + 24, 2024, 3, 1, 0, 1, 0)
+           .PutTime(kRecords + 40, 2024, 3, 1, 0, 0, 59)
+           .PadTo(kRecords + 4088),
+       "warning: offset 3112, record 1, RVC_STOP_TIME: lies before RVC_START_TIME, 2024-03-01 "
+       "00:01:00.000: 2024-03-01 00:00:59.000\n"},
+      {Sound(1)
+           .Put<uint32_t>(kSettings + 976, 1)
+           .PutTime(kRecords + 24, 2024, 3, 1, 1, 0, 0)
+           .PutTime(kRecords + 56, 2024, 3, 1, 0, 59, 0)
+           .PadTo(kRecords + 1536),
+       "warning: offset 3128, record 1, LAST_TIME: lies before START_TIME, 2024-03-01 "
+       "01:00:00.000: "
+       "2024-03-01 00:59:00.000\n"},
+      {Bytes()
+           .Put(0, 3)
+           .Put(4, 15)
+           .PutTime(8, 2024, 3, 2, 0, 0, 0)
+           .PutTime(24, 2024, 3, 1, 9, 9, 9)
+           .PadTo(48),
+       "warning: offset 24, record 1, SESSION_HEADER/endTime: lies before startTime, "
+       "2024-03-02 00:00:00.000: 2024-03-01 09:09:09.000\n"},
+      {Sound(13)
+           .PutTime(kSettings + 888, 2025, 1, 1, 0, 0, 0)
+           .PutTime(kSettings + 904, 2024, 12, 31, 0, 0, 0),
+       "warning: offset 912, UIF_PARAMS/RECORD_PARAMS/TIME_LAST_PACKET: lies before "
+       "RECORD_PARAMS/TIME_FIRST_PACKET, 2025-01-01 00:00:00.000: 2024-12-31 00:00:00.000\n"},
       {Sound(10).PutTime(kRecords + 856 + 16, 2023, 2, 29, 0, 0, 0).PadTo(kRecords + 4088),
        "warning: offset 3944, record 1, RMS12_VALUES/RMS12[2]/TIME_STAMP: is no point in time: "
        "2023-02-29 00:00:00.000\n"},
