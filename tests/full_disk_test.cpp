@@ -90,7 +90,6 @@ decltype(&FullDisk) __imp_WriteFile = FullDisk;
 }
 STANDS_IN(kRead, size_t, fread, (void* to, size_t size, size_t count, std::FILE* file),
           (to, size, count, file), 0)
-STANDS_IN(kSeek, int, _fseeki64, (std::FILE * file, int64_t to, int from), (file, to, from), -1)
 #else
 extern "C" ssize_t write(int file, const void* bytes, size_t count) {
   const size_t piece = Fails(kWrite) ? 0 : Taken(count);
@@ -202,7 +201,7 @@ TEST(Faults, AnyOneCallThatFails) {
       }
     }
   }
-  for (const Call call : {kOpen, kRead, kSeek, kWrite, kClose, kHeap}) EXPECT_LE(17, faults[call]);
+  for (const Call call : {kOpen, kRead, kWrite, kClose, kHeap}) EXPECT_LE(17, faults[call]) << call;
 }
 
 }  // namespace

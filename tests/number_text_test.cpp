@@ -123,6 +123,7 @@ TEST(NumberText, Seconds) {
                {0.000001, "0.000001"},
                {10.5, "10.5"},
                {-1.5, "-1.-5"},  // the sign of the rest is inside its width
+               {-0.1, "0.-1"},
                {-0.000001, "0.-00001"},
                {kNoValueDouble, "-"},
                {NAN, "0.0"},

@@ -122,9 +122,9 @@ TEST(Recordings, ProgressOfVoltageQuality) {
     fractions.clear();
     stop_after = stop;
     EXPECT_EQ(std::min<size_t>(stop, 3), CountOf(Converted(file, OnProgress), "<RECORD_RESULTS>"));
-    const std::vector<float> expected = {0.25f, 0.5f, 0.75f};
-    EXPECT_EQ(std::vector<float>(expected.begin(), expected.begin() + std::min<long>(stop, 3)),
-              fractions);
+    std::vector<float> expected = {0.25f, 0.5f, 0.75f};
+    expected.resize(std::min<size_t>(stop, 3));
+    EXPECT_EQ(expected, fractions);
   }
   stop_after = SIZE_MAX;
 }

@@ -101,7 +101,10 @@ TEST(SettingFile, Names) {
     EXPECT_STREQ(c.name, name);
   }
   char name[kMaxPath + 1];
-  EXPECT_FALSE(BuildSettingFileName((std::string(509, 'a') + "1").c_str(), name, "PAR", 0));
+  for (const size_t size : {504, 505}) {  // "0000PAR" is added
+    const std::string path(size, 'a');
+    EXPECT_EQ(size == 504, BuildSettingFileName(path.c_str(), name, "PAR", 0));
+  }
 }
 
 TEST(SettingFile, ReplacesTheSettingsAsFarAsItGoes) {
