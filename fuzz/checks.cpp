@@ -34,12 +34,6 @@ const fs::path& Folder() {
   return folder;
 }
 
-size_t OpenFiles() {
-  std::error_code none;
-  const fs::directory_iterator open("/proc/self/fd", none);
-  return none ? 0 : static_cast<size_t>(std::distance(begin(open), fs::directory_iterator()));
-}
-
 int32_t calls_left;
 
 int32_t QUORVEX_CALL StopAfterSome(float) { return --calls_left > 0 ? 0 : -1; }
@@ -66,6 +60,12 @@ void WriteFile(const std::string& path, const std::vector<uint8_t>& bytes) {
 std::string ReadFile(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
+}
+
+size_t OpenFiles() {
+  std::error_code none;
+  const fs::directory_iterator open("/proc/self/fd", none);
+  return none ? 0 : static_cast<size_t>(std::distance(begin(open), fs::directory_iterator()));
 }
 
 std::string StructureProblem(std::string text) {

@@ -18,6 +18,9 @@ void WriteFile(const std::string& path, const std::vector<uint8_t>& bytes);
 // Empty where there is no such file.
 std::string ReadFile(const std::string& path);
 
+// How many files this process has open; 0 where the system does not say.
+size_t OpenFiles();
+
 // Says where a document opens or closes an element out of turn; empty where it does not.
 std::string StructureProblem(std::string document);
 

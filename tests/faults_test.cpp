@@ -88,7 +88,7 @@ TEST(Faults, AnInputThatShrinksOrGrowsMeanwhile) {
 class DamagedFields : public testing::TestWithParam<const RecordType*> {};
 
 TEST_P(DamagedFields, AreHarmless) {
-  constexpr int kMutations = 1000;
+  constexpr int kMutations = 500;
   constexpr size_t kMost = 48 * 1024;
   const RecordType& type = *GetParam();
   const std::string folder = InFolder("samples");

@@ -49,21 +49,23 @@ TEST(NumberText, FloatsOfEveryExponent) {
 
 // A float lies halfway between two texts where its eighth digit is a 5 and nothing follows: with k
 // the decimal exponent these are the odd multiples of 2^(k-7), and of 5 where k is 7. There are no
-// others, as larger floats are multiples of too many twos.
+// others, as larger floats are multiples of too many twos. Some thousands of each will do.
 TEST(NumberText, Ties) {
   wrong = 0;
   uint64_t ties = 0;
   for (int k = -6; k <= 7; ++k) {
     const double step = k == 7 ? 5 : std::ldexp(1, k - 7);
     const double first = std::floor(std::pow(10.0, k) / step / 2) * 2 + 1;
-    for (double odd = first; odd * step < std::pow(10.0, k + 1); odd += 2) {
+    const double past = std::pow(10.0, k + 1) / step;
+    const double stride = 2 * std::ceil((past - first) / 2 / 8000);
+    for (double odd = first; odd < past; odd += stride) {
       const auto value = static_cast<float>(odd * step);
       if (static_cast<double>(value) != odd * step) break;  // more digits than a float has
       Check(std::bit_cast<uint32_t>(value));
       ++ties;
     }
   }
-  EXPECT_GT(ties, 10000000u);
+  EXPECT_GT(ties, 40000u);
   EXPECT_EQ(0u, wrong);
 }
 
@@ -79,7 +81,7 @@ TEST(NumberText, DISABLED_EveryFloat) {
 TEST(NumberText, RandomFloatsAndDoubles) {
   wrong = 0;
   std::mt19937_64 random(20240307);
-  for (int i = 0; i < 3000000; ++i) Check(static_cast<uint32_t>(random()));
+  for (int i = 0; i < 300000; ++i) Check(static_cast<uint32_t>(random()));
   EXPECT_EQ(0u, wrong);
   char text[kLongestNumber];
   const auto check = [&](double value) {
@@ -92,7 +94,7 @@ TEST(NumberText, RandomFloatsAndDoubles) {
       ASSERT_STREQ(want, got);
     }
   };
-  for (int i = 0; i < 30000; ++i) {
+  for (int i = 0; i < 2000; ++i) {
     check(std::bit_cast<double>(random()));
     check(std::bit_cast<double>(random() >> 12 >> random() % 52));  // denormals
     check(std::ldexp(static_cast<double>(random() >> 11), -static_cast<int>(random() % 110)));
@@ -121,6 +123,7 @@ TEST(NumberText, Seconds) {
                {0.000001, "0.000001"},
                {10.5, "10.5"},
                {-1.5, "-1.-5"},  // the sign of the rest is inside its width
+               {-0.1, "0.-1"},
                {-0.000001, "0.-00001"},
                {kNoValueDouble, "-"},
                {NAN, "0.0"},

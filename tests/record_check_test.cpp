@@ -58,6 +58,8 @@ TEST(RecordCheck, DamagedRecordings) {
     std::string found;
   } cases[] = {
       // Heads.
+      {Sound(4).Put<int32_t>(0, -1),
+       "warning: offset 0, FILE_VERSION: is -1, which is no version\n"},
       {{}, "error: offset 0: ends inside its head (0 of 8 bytes)\n"},
       {HeadOf(25), "error: offset 4: is of the unknown record type 25\n"},
       {Bytes(HeadOf(13)).Put<uint32_t>(0, 0),
@@ -80,7 +82,10 @@ TEST(RecordCheck, DamagedRecordings) {
       {Sound(1).Put<uint32_t>(kSettings + 976, 1).PadTo(kRecords + 1536 + 1535),
        "error: offset 4608, record 2: ends after 1535 of 1536 bytes" + left_out},
       // A snapshot with four channels, the long list of readings; a series of eight waveforms.
-      {Sound(2).Put<uint8_t>(kSettings + 2560, 1).PadTo(kRecords + 32 + 832 + 10564 + 4 * 9600),
+      {Sound(2)
+           .Put<uint8_t>(kSettings + 2560, 1)
+           .Put(kRecords + 864, 330)
+           .PadTo(kRecords + 32 + 832 + 10564 + 4 * 9600),
        ""},
       {Sound(2).PadTo(kRecords + 32 + 832 + 2884 + 4 * 9600 - 1),
        "error: offset 3072, record 1: ends after 42147 of 42148 bytes" + left_over +
@@ -93,6 +98,9 @@ TEST(RecordCheck, DamagedRecordings) {
       {Sound(5).Put<int32_t>(1448, 10).PadTo(kRecords + 8 * 40 - 5),
        "error: offset 3072, record 1: ends after 315 of 320 bytes" + left_over +
            "the waveform before" + zeros},
+      {Sound(5).PadTo(kRecords + 4),
+       "warning: offset 3072: 4 bytes behind the record are not converted\n"},
+      {Sound(6), ""},
       {Sound(5).Put<int32_t>(1448, -1).PadTo(kRecords + 8),
        "error: UIF_PARAMS/TRANSIENTS_RECORD_PARAMS/NUM: counts -1, which is none\n"
        "warning: offset 3072: 8 bytes behind the record are not converted\n"},
@@ -125,6 +133,15 @@ TEST(RecordCheck, DamagedRecordings) {
            holds + "elements that are not whole are left out\n"},
       // Times.
       {Inrush({9, 9, 12}), ""},
+      {Inrush({9, 12, 10}),
+       "warning: offset 3120, record 3, START_TIME: lies before that of record 2, "
+       "2024-03-07 12:00:00.000: 2024-03-07 10:00:00.000\n"},
+      {Sound(18)
+           .PutTime(kRecords, 2024, 13, 1, 0, 0, 1)
+           .PutTime(kRecords + 16, 2024, 2, 29, 0, 0, 0)
+           .PadTo(kRecords + 144),
+       "warning: offset 3072, record 1, START_TIME: is no point in time: 2024-13-01 "
+       "00:00:01.000\n"},
       {Inrush({9, 25, 8}),
        "warning: offset 3096, record 2, START_TIME: is no point in time: 2024-03-07 25:00:00.000\n"
        "warning: offset 3120, record 3, START_TIME: lies before that of record 1, "
@@ -135,6 +152,33 @@ TEST(RecordCheck, DamagedRecordings) {
            .PadTo(kRecords + 144),
        "warning: offset 3088, record 1, END_TIME: lies before START_TIME, 2024-03-01 00:00:01.000: "
        "2024-02-29 00:00:00.000\n"},
+      {Sound(10)
+           .PutTime(kRecords + 24, 2024, 3, 1, 0, 1, 0)
+           .PutTime(kRecords + 40, 2024, 3, 1, 0, 0, 59)
+           .PadTo(kRecords + 4088),
+       "warning: offset 3112, record 1, RVC_STOP_TIME: lies before RVC_START_TIME, 2024-03-01 "
+       "00:01:00.000: 2024-03-01 00:00:59.000\n"},
+      {Sound(1)
+           .Put<uint32_t>(kSettings + 976, 1)
+           .PutTime(kRecords + 24, 2024, 3, 1, 1, 0, 0)
+           .PutTime(kRecords + 56, 2024, 3, 1, 0, 59, 0)
+           .PadTo(kRecords + 1536),
+       "warning: offset 3128, record 1, LAST_TIME: lies before START_TIME, 2024-03-01 "
+       "01:00:00.000: "
+       "2024-03-01 00:59:00.000\n"},
+      {Bytes()
+           .Put(0, 3)
+           .Put(4, 15)
+           .PutTime(8, 2024, 3, 2, 0, 0, 0)
+           .PutTime(24, 2024, 3, 1, 9, 9, 9)
+           .PadTo(48),
+       "warning: offset 24, record 1, SESSION_HEADER/endTime: lies before startTime, "
+       "2024-03-02 00:00:00.000: 2024-03-01 09:09:09.000\n"},
+      {Sound(13)
+           .PutTime(kSettings + 888, 2025, 1, 1, 0, 0, 0)
+           .PutTime(kSettings + 904, 2024, 12, 31, 0, 0, 0),
+       "warning: offset 912, UIF_PARAMS/RECORD_PARAMS/TIME_LAST_PACKET: lies before "
+       "RECORD_PARAMS/TIME_FIRST_PACKET, 2025-01-01 00:00:00.000: 2024-12-31 00:00:00.000\n"},
       {Sound(10).PutTime(kRecords + 856 + 16, 2023, 2, 29, 0, 0, 0).PadTo(kRecords + 4088),
        "warning: offset 3944, record 1, RMS12_VALUES/RMS12[2]/TIME_STAMP: is no point in time: "
        "2023-02-29 00:00:00.000\n"},
@@ -280,6 +324,14 @@ TEST(RecordCheck, NotesAndSettingFiles) {
           "C0002PAR.REC)\n",
       FoundIn(file, Severity::kNote, "C0002X.REC"));
   EXPECT_EQ("note: offset 3072: there are no records\n", FoundIn(Sound(13), Severity::kNote));
+#ifndef _WIN32  // where this takes no room
+  WriteFile(InFolder("C0004X.REC"), Sound(6));
+  std::filesystem::resize_file(InFolder("C0004X.REC"), (uint64_t{1} << 32) + 1);
+  EXPECT_EQ(
+      "warning: offset 4294967295: records are counted in files of up to 4 GiB; what lies "
+      "behind may not be converted",
+      TextOf(CheckRecording(InFolder("C0004X.REC")).findings.list.at(0)));
+#endif
 }
 
 TEST(RecordCheck, FindingsAreBounded) {
@@ -289,6 +341,7 @@ TEST(RecordCheck, FindingsAreBounded) {
   const std::string found = FoundIn(file);
   EXPECT_EQ(21, std::count(found.begin(), found.end(), '\n'));
   EXPECT_NE(std::string::npos, found.find("warning: 980 more of the kind 'time'\n")) << found;
+  EXPECT_EQ("", FoundIn(file, Severity::kError));
 }
 
 // Samples of all types are sound, and damaged ones are judged without harm.

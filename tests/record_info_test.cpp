@@ -152,6 +152,18 @@ TEST(TimeTexts, CalendarAndParts) {
     const auto text = [&](BoundedText* to) { DateTimeText(moved, TimeDetail::kMilliseconds, to); };
     EXPECT_EQ(c.text + std::string(" 23:59:59.500"), TextOf(text));
   }
+  for (const auto& [seconds, text] : {std::pair{-0.5, "-0.500"},
+                                      {-0.0001, "00.000"},
+                                      {-1.25, "-1.250"},
+                                      {9.0, "09.000"},
+                                      {1e300, "2147483647.000"},
+                                      {-1e300, "-2147483648.000"},
+                                      {double{NAN}, "00.000"}}) {
+    DateTimeRecord time{};
+    time.month = 13, time.seconds = seconds;
+    EXPECT_EQ(std::string("00.Jan.0000 00:00:") + text,
+              TextOf([&](BoundedText* to) { DateTimeText(time, TimeDetail::kMilliseconds, to); }));
+  }
   for (const auto& [duration, text] : {std::pair{59u, "59 s"},
                                        {3605u, "01 hours 5 s"},
                                        {10 * 86400u, "10 days "},
@@ -164,8 +176,8 @@ TEST(ValueTexts, EngineeringFormatAndLevels) {
   const struct {
     double value;
     int decimals, exponent;
-  } formats[] = {{230, 1, 0},  {99.9, 2, 0}, {9.9, 3, 0},  {1.0, 1, -3}, {0.02, 2, -3},
-                 {1000, 1, 0}, {20e3, 2, 3}, {1e12, 1, 9}, {0, 3, -9},   {-5, 3, -9}};
+  } formats[] = {{10, 2, 0},    {100, 1, 0},  {230, 1, 0},  {99.9, 2, 0}, {9.9, 3, 0}, {1.0, 1, -3},
+                 {0.02, 2, -3}, {1000, 1, 0}, {20e3, 2, 3}, {1e12, 1, 9}, {0, 3, -9},  {-5, 3, -9}};
   for (const auto& f : formats) {
     const EngineeringChoice choice = EngineeringFormat(f.value);
     EXPECT_EQ(f.decimals, choice.decimals) << f.value;
@@ -216,13 +228,26 @@ TEST(ValueTexts, RoundingAndDescribedValues) {
     RoundToDigits(r.value, r.decimals, &integer);
     EXPECT_EQ(r.integer, integer) << r.value;
   }
-  const std::pair<double, const char*> values[] = {
-      {0, "0.00mV"},         {0.00123, "1.23mV"}, {0.0999949, "99.99mV"},
-      {0.099995, "100.0mV"}, {-0.05, "-50.00mV"}, {0.99996, "1.000V"},
-      {9.9994, "9.999V"},    {230, "230.0V"},     {999.96, "1.000kV"},
-      {-20000, "-20.00kV"},  {999940, "999.9kV"}, {999951, ">999.9kV"},
-      {-1e30, "<-999.9kV"},  {kNone, "-"},        {NAN, "-"},
-      {HUGE_VAL, "-"}};
+  const std::pair<double, const char*> values[] = {{0, "0.00mV"},
+                                                   {0.00123, "1.23mV"},
+                                                   {0.0999949, "99.99mV"},
+                                                   {0.099995, "100.0mV"},
+                                                   {-0.05, "-50.00mV"},
+                                                   {0.99996, "1.000V"},
+                                                   {9.9994, "9.999V"},
+                                                   {9.9996, "10.00V"},
+                                                   {10, "10.00V"},
+                                                   {99.996, "100.0V"},
+                                                   {100, "100.0V"},
+                                                   {230, "230.0V"},
+                                                   {999.96, "1.000kV"},
+                                                   {-20000, "-20.00kV"},
+                                                   {999940, "999.9kV"},
+                                                   {999951, ">999.9kV"},
+                                                   {-1e30, "<-999.9kV"},
+                                                   {kNone, "-"},
+                                                   {NAN, "-"},
+                                                   {HUGE_VAL, "-"}};
   for (const auto& [value, text] : values) {
     EXPECT_EQ(text, TextOf([v = value](BoundedText* to) {
                 to->Put(UnitText(DescribedValueText(v, kVoltageDescriptor, to).code));

@@ -13,24 +13,6 @@
 namespace quorvex::test {
 namespace fs = std::filesystem;
 
-namespace {
-
-// Documents are left for a schema to judge in the folder that the environment names. Of cut off
-// recordings a few are enough.
-bool cutting = false;
-void Leave(const std::string& document) {
-  const char* folder = std::getenv("QUORVEX_DOCUMENTS");
-  if (folder == nullptr || cutting || document.empty()) return;
-  static int number = 0;
-  const char* shard = std::getenv("GTEST_SHARD_INDEX");
-  fs::create_directories(folder);
-  const std::string name =
-      std::string(shard != nullptr ? shard : "") + "-" + std::to_string(++number);
-  WriteFile((fs::path(folder) / (name + ".xml")).string(), Bytes(document.begin(), document.end()));
-}
-
-}  // namespace
-
 Bytes& Bytes::PutTime(size_t at, int year, int month, int day, int hour, int minute,
                       double seconds) {
   const auto byte = [](int value) { return static_cast<uint8_t>(value); };
@@ -82,6 +64,18 @@ Bytes ScaledHead(uint32_t type, uint8_t connection) {
   return head.Put(2312, 262144.0f);
 }
 
+Bytes Filled(uint32_t size, uint32_t first) {
+  Bytes record;
+  for (uint32_t at = 0; at < size; at += 4) {
+    const uint32_t mixed = (first + at / 4 + 1) * 2654435761u;
+    const uint32_t sign = mixed >> 29 == 0 ? 0x80000000 : 0;
+    record.Put(at, sign | ((0x3E + (mixed >> 24) % 4) << 24) | (mixed & 0xFFFFFF));
+    if (at % 172 == 0) record.Put(at, kNone);
+  }
+  record.resize(size);
+  return record;
+}
+
 bool Exists(const std::string& path) { return fs::exists(path); }
 
 std::string Converted(const Bytes& recording, QuorvexProgress progress, const std::string& name) {
@@ -94,9 +88,15 @@ std::string Converted(const Bytes& recording, QuorvexProgress progress, const st
   EXPECT_EQ(before, TrackedBytes());
   const std::string document = ReadFile(output);
   EXPECT_EQ("", document.empty() ? "" : fuzz::StructureProblem(document));
-  Leave(document);
   fs::remove(input);
   return document;
+}
+
+void LeaveForSchema(const std::string& document, const std::string& name) {
+  const char* folder = std::getenv("QUORVEX_DOCUMENTS");
+  if (folder == nullptr) return;
+  fs::create_directories(folder);
+  WriteFile((fs::path(folder) / (name + ".xml")).string(), {document.begin(), document.end()});
 }
 
 std::string BodyOf(const std::string& document) {
@@ -110,10 +110,26 @@ std::string BodyOf(const std::string& document) {
   return "";
 }
 
-std::string InElement(const std::string& name, const std::string& lines) {
-  return "<" + name + ">\r\n" + lines + "</" + name + ">\r\n";
+std::string Line(const std::string& element, const std::string& value) {
+  return "<" + element + ">" + value + "</" + element + ">\r\n";
 }
-std::string InRecords(const std::string& records) { return InElement("RECORDS", records); }
+
+std::string ValuesOf(const std::string& document, const std::string& element) {
+  std::string values;
+  const std::string tag = "<" + element + ">";
+  for (size_t at = 0; (at = document.find(tag, at)) != std::string::npos;) {
+    at += tag.size();
+    const size_t end = document.find('<', at);
+    if (document[at] != '\r') values += (values.empty() ? "" : " ") + document.substr(at, end - at);
+  }
+  return values;
+}
+
+size_t CountOf(const std::string& text, const std::string& part) {
+  size_t count = 0;
+  for (size_t at = 0; (at = text.find(part, at)) != std::string::npos; ++at) ++count;
+  return count;
+}
 
 void ExpectSame(const std::string& expected, const std::string& document) {
   if (expected == document) return;
@@ -124,24 +140,6 @@ void ExpectSame(const std::string& expected, const std::string& document) {
   const auto around = [&](const std::string& text) { return text.substr(line, at - line + 60); };
   ADD_FAILURE() << "at byte " << at << "\nexpected " << around(expected) << "\nfound "
                 << around(document);
-}
-
-void ExpectTruncationIsHarmless(const Bytes& recording) {
-#ifdef _WIN32
-  constexpr size_t kEvery = 16;  // a file costs more there, and the code is the same
-  constexpr size_t kStride = 61;
-#else
-  constexpr size_t kEvery = 8192;
-  constexpr size_t kStride = 257;
-#endif
-  unsigned cuts = 0;
-  for (size_t size = 0; size < recording.size(); size += size < kEvery ? 1 : kStride) {
-    cutting = ++cuts % 509 != 0;
-    Bytes cut(recording.begin(), recording.begin() + static_cast<std::ptrdiff_t>(size));
-    Converted(cut);
-    if (testing::Test::HasFailure()) FAIL() << "cut at " << size;
-  }
-  cutting = false;
 }
 
 }  // namespace quorvex::test
