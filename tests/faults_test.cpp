@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <fstream>
 #include <random>
 #include <set>
 
@@ -26,6 +27,8 @@ TEST(Faults, InputsThatAreNoFiles) {
   const std::string pipe = InFolder("pipe.REC");
   const std::string output = InFolder("from-no-file.xml");
   ASSERT_EQ(0, mkfifo(pipe.c_str(), 0600));
+  std::fstream into(pipe);  // a recording could be read from it
+  into << std::string("\3\0\0\0\4\0\0\0", 8) << std::string(3064, '\0') << std::flush;
   char text[512];
   for (const std::string& input : {pipe, InFolder(""), std::string("/dev/zero"), std::string()}) {
     QuorvexConvert(input.c_str(), output.c_str(), nullptr);

@@ -84,7 +84,7 @@ TEST(RecordInfo, TriggeredRecordings) {
       {2, 1280, 1312, wave + "5", " 'Level U' '110.0% (253.0V)' 'Fall'" + durations},
       {2, 1280, 1312, wave + "6", " 'Level I' '110.0% (5.500A)' 'Fall'" + durations},
       {2, 1280, 1312, wave + "7", " 'Envelope' '-' '-'" + durations},
-      {2, 1280, 1312, wave + "99", " '' '-' '-'" + durations},
+      {2, 1280, 1312, wave + "37", " '' '-' '-'" + durations},
       {14, 1032, 1064, inrush, " '10.0% (500.0mA)' '' '02 hours ' '1 Min ' -1"},
       {17, 1472, 1488, series + "7", " 'Envelope' '12.50V' '10 periods' '2 periods'"},
       {17, 1472, 1488, series + "5", " 'Level U' '-' '10 periods' '2 periods'"},

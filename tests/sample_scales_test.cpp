@@ -72,7 +72,7 @@ TEST(SampleScales, OfCurrents) {
       {"transformer, then wires", 1, 1, 10, 10, 0, 0, 0, {70 * step, 70 * step}},
       {"phase 3", 0, 0, 100, 10, 0, 0, 2, {60 * step, 60 * step}},
       {"neutral", 0, 0, 10, 100, 0, 0, 3, {160 * step, 320 * step}},
-      {"neutral, own range unknown", 0, 0, 10, 9, 0, 0, 3, {160 * step, 40 * step}},
+      {"neutral, own range unknown", 0, 0, 10, 101, 0, 0, 3, {160 * step, 40 * step}},
       {"neutral as phase 1", 0, 0, 10, 100, 0, 5, 3, {10 * step, 10 * step}},
       {"both of type 5", 0, 0, 10, 100, 5, 5, 3, {160 * step, 320 * step}},
       {"neutral of type 2", 0, 0, 10, 100, 0, 2, 3, {160 * step, 320 * step}},
