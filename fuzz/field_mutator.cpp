@@ -6,7 +6,6 @@
 
 #include "settings/settings_table.h"
 #include "support/loads.h"
-#include "xml/number_text.h"
 
 namespace quorvex::fuzz {
 namespace {

@@ -97,10 +97,11 @@ void CopyToOutput(const std::string& path, Job* job) {
   if (from == nullptr) return job->Fail(kNoOutput, path, LastError());
   UseBytes(stdout);
   constexpr size_t kPiece = 1 << 16;
-  std::string piece(kPiece, '\0');
-  while (piece.size() == kPiece && !Interrupted()) {
+  std::string piece;
+  for (bool more = true; more && !Interrupted();) {
+    piece.resize(kPiece);
     piece.resize(std::fread(piece.data(), 1, kPiece, from));
-    if (!Print(piece)) break;
+    more = Print(piece) && std::feof(from) == 0 && std::ferror(from) == 0;
   }
   std::fclose(from);
   if (Interrupted()) job->Fail(kCancelled, job->input, "cancelled");
