@@ -63,9 +63,13 @@ std::string ReadFile(const std::string& path) {
 }
 
 size_t OpenFiles() {
+#ifdef _WIN32
+  return 0;  // Wine shows what it has open itself, now more and now less
+#else
   std::error_code none;
   const fs::directory_iterator open("/proc/self/fd", none);
   return none ? 0 : static_cast<size_t>(std::distance(begin(open), fs::directory_iterator()));
+#endif
 }
 
 std::string StructureProblem(std::string text) {
