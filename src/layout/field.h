@@ -81,6 +81,7 @@ struct Field {
   const char* counted_by = "";
   const Codes* codes = nullptr;  // the words of an integer's values, where they are known
   const StructureInfo* structure = nullptr;
+  const char* table = "";  // of the lists inside, where that is not named by the path to them
   Make make = nullptr;
   const Field* rows = nullptr;
   uint32_t row_count = 0;
@@ -102,9 +103,11 @@ struct Field {
   Kind made_as = Kind::kText;  // what a kMade row reads as
   uint8_t scale_ref = 0;
   bool repeated = false;
-  bool behind = false;    // of no fixed place: it lies behind the row before it that is written
-  bool own_line = false;  // its value is written on a line of its own
-  bool endless = false;   // it has any length and is told in parts of `count`
+  bool behind = false;     // of no fixed place: it lies behind the row before it that is written
+  bool own_line = false;   // its value is written on a line of its own
+  bool endless = false;    // it has any length and is told in parts of `count`
+  bool by_order = false;   // its repetitions are harmonic orders
+  bool time_step = false;  // seconds from one sample of the record to the next
 
   // The row with another value in a column.
   template <typename T>
@@ -146,6 +149,10 @@ struct Field {
   constexpr Field RunsOn(uint32_t own) const { return With(&Field::claims, own); }
   constexpr Field FromOrder(uint16_t order) const { return With(&Field::first_order, order); }
   constexpr Field Phase(const char* label) const { return With(&Field::phase, label); }
+  constexpr Field ByOrder() const { return With(&Field::by_order, true); }
+  constexpr Field IsTimeStep() const { return With(&Field::time_step, true); }
+  // Lists inside stand in the table of this name, side by side with the others of that table.
+  constexpr Field InTable(const char* of_name) const { return With(&Field::table, of_name); }
 };
 
 // Bytes between a row's repetitions: its own distance or, where it has none, its group's.

@@ -40,7 +40,8 @@ constexpr Field kStatisticRows[] = {
 };
 
 constexpr Field kTransitionRows[] = {
-    Group("STATISTIC", 0, kStatisticRows, "running serial numbers, this transition included"),
+    Group("STATISTIC", 0, kStatisticRows, "running serial numbers, this transition included")
+        .InTable("STATISTIC"),
     Group("SETTING", 796, kAlarmSettingRows, "the alarm setting that fired"),
     I32("STATE_ID", 820, "state of the alarm"),
     I32("ALARM_GROUP_ID", 824, "group of the alarm"),

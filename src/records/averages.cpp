@@ -31,26 +31,35 @@ constexpr auto kPowerRows = Shared(
         Group("MAX_POWER_3", 88, kPeakRows, "third largest peak"),
     });
 
-constexpr auto kHarmonicRows = Shared(
-    {"average harmonics"}, {
-                               F32("thd", 0, "total harmonic distortion"),
-                               F32("avg", 4, "average of an order, 0 to 50").Times(kOrderCount),
-                           });
+constexpr auto kHarmonicRows =
+    Shared({"average harmonics"},
+           {
+               F32("thd", 0, "total harmonic distortion"),
+               F32("avg", 4, "average of an order, 0 to 50").Times(kOrderCount).ByOrder(),
+           });
 constexpr auto kInterharmonicRows = Shared(
     {"average interharmonics", "Stored like harmonics, but their distortion is not written."},
     {
         Gap(0, 4),
-        F32("avg", 4, "average of an order, 0 to 50").Times(kOrderCount),
+        F32("avg", 4, "average of an order, 0 to 50").Times(kOrderCount).ByOrder(),
     });
 constexpr Field kSpectraRows[] = {
-    Group("uh", 256, kHarmonicRows, "voltage harmonics").Unit("V"),
-    Group("uhPr", 464, kHarmonicRows, "voltage harmonics").Unit("%"),
-    Group("uih", 1088, kInterharmonicRows, "voltage interharmonics").Unit("V"),
-    Group("uihPr", 1296, kInterharmonicRows, "voltage interharmonics").Unit("%"),
-    Group("ih", 672, kHarmonicRows, "current harmonics").Unit("A"),
-    Group("ihPr", 880, kHarmonicRows, "current harmonics").Unit("%"),
-    Group("iih", 1504, kInterharmonicRows, "current interharmonics").Unit("A"),
-    Group("iihPr", 1712, kInterharmonicRows, "current interharmonics").Unit("%"),
+    Group("uh", 256, kHarmonicRows, "voltage harmonics").Unit("V").InTable("HARMONICS/uh"),
+    Group("uhPr", 464, kHarmonicRows, "voltage harmonics").Unit("%").InTable("HARMONICS/uhPr"),
+    Group("uih", 1088, kInterharmonicRows, "voltage interharmonics")
+        .Unit("V")
+        .InTable("HARMONICS/uih"),
+    Group("uihPr", 1296, kInterharmonicRows, "voltage interharmonics")
+        .Unit("%")
+        .InTable("HARMONICS/uihPr"),
+    Group("ih", 672, kHarmonicRows, "current harmonics").Unit("A").InTable("HARMONICS/ih"),
+    Group("ihPr", 880, kHarmonicRows, "current harmonics").Unit("%").InTable("HARMONICS/ihPr"),
+    Group("iih", 1504, kInterharmonicRows, "current interharmonics")
+        .Unit("A")
+        .InTable("HARMONICS/iih"),
+    Group("iihPr", 1712, kInterharmonicRows, "current interharmonics")
+        .Unit("%")
+        .InTable("HARMONICS/iihPr"),
 };
 
 constexpr uint32_t kLineSize = 1920;

@@ -193,13 +193,17 @@ inline constexpr Field kChannelPowersRows[] = {
           kMomentaryPhasePowerRows, "powers and energies of the last period"),
 };
 
-inline constexpr auto kSpectrumRows =
-    Shared({"spectrum of 51 orders"}, {F32("v", 0, "an order, 0 to 50").Times(kSpectrumOrders)});
+inline constexpr auto kSpectrumRows = Shared(
+    {"spectrum of 51 orders"}, {F32("v", 0, "an order, 0 to 50").Times(kSpectrumOrders).ByOrder()});
 inline constexpr Field kChannelSpectraRows[] = {
-    Group("HARM_U", 8704, kSpectrumRows, "voltage harmonics").Unit("V"),
-    Group("HARM_I", 8908, kSpectrumRows, "current harmonics").Unit("A"),
-    Group("INTER_HARM_U", 9112, kSpectrumRows, "voltage interharmonics").Unit("V"),
-    Group("INTER_HARM_I", 9316, kSpectrumRows, "current interharmonics").Unit("A"),
+    Group("HARM_U", 8704, kSpectrumRows, "voltage harmonics").Unit("V").InTable("HARM_U"),
+    Group("HARM_I", 8908, kSpectrumRows, "current harmonics").Unit("A").InTable("HARM_I"),
+    Group("INTER_HARM_U", 9112, kSpectrumRows, "voltage interharmonics")
+        .Unit("V")
+        .InTable("INTER_HARM_U"),
+    Group("INTER_HARM_I", 9316, kSpectrumRows, "current interharmonics")
+        .Unit("A")
+        .InTable("INTER_HARM_I"),
 };
 
 inline constexpr Field kFlickerRows[] = {
@@ -250,7 +254,7 @@ constexpr uint32_t kRecordStartSize = 32;
 template <uint32_t count_at, uint32_t room>
 inline constexpr Field kRecordStartRows[] = {
     DateTime("timeStart", 0, "time of the first sample"),
-    F32("timeStep", 16, "time between samples", "s"),
+    F32("timeStep", 16, "time between samples", "s").IsTimeStep(),
     count_at == kScopeCountAt
         ? Gap(kScopeCountAt, 4, "number of samples of each waveform").Counts(room)
         : Gap(kScopeCountAt, 4),

@@ -49,12 +49,12 @@ void WalkIntervals(Walk* w) {
   const uint32_t record_size = w->layout != nullptr ? w->layout->size : options.last;
   // The distance is 32 bits wide, so record 0 lies far behind every end.
   const uint32_t distance = (options.first - 1) * record_size;
-  const bool found = MoveTo(w, uint64_t{kHeadSize} + distance);
+  const bool found = options.from.at != 0 || MoveTo(w, uint64_t{kHeadSize} + distance);
   const uint32_t expected = ExpectedRecords(*w, record_size);
 
   Tracked<uint8_t> record(w->layout != nullptr ? record_size : 0);
   uint32_t index = options.first;
-  w->record = options.first - 1;
+  if (options.from.at == 0) w->record = options.first - 1;
   do {
     if (w->layout != nullptr) {
       if (!found || !ReadWhole(w, record.get()) || !TellRecord(w, record.get())) return;

@@ -28,6 +28,13 @@ struct RecordEnd {
   bool written;     // false for a short record that documents leave out; no piece of it was told
 };
 
+// A part of every list of a record has been told.
+struct PartEnd {
+  uint64_t record;
+  uint64_t at;    // the record's place in the file
+  uint32_t next;  // the entry that the next part begins with
+};
+
 // Nothing is called for a single value: a listener compiles a layout once and runs over the bytes.
 // Without an override a listener hears nothing.
 class Listener {
@@ -37,6 +44,8 @@ class Listener {
   virtual void EndGroup() {}
   // The layout of the piece is a group, which is told here with all that is in it.
   virtual void Bytes(const Piece& /*piece*/) {}
+  // Only where lists are told side by side. False: nothing more is wanted of this recording.
+  virtual bool EndPart(const PartEnd& /*end*/) { return true; }
   // False: nothing more is wanted of this recording.
   virtual bool EndRecord(const RecordEnd& /*end*/) { return true; }
 

@@ -66,7 +66,7 @@ constexpr Field kLiveResultsRows[] = {
     Group("SYM", 67832, kMomentarySymmetryRows, "symmetrical components"),
     Group("RMS12", 67900, kRms12ListRows, "latest half-cycle readings"),
     DateTime("TIME_START", kStartAt, "time of the first sample"),
-    F32("TIME_STEP", 78548, "time between samples", "s"),
+    F32("TIME_STEP", 78548, "time between samples", "s").IsTimeStep(),
     I32("numUsedSamples", 0, "number of used samples").Counts(kScopeRoom),
     F32("TEMP", 67896, "instrument temperature", "degC"),
     I32("FLAG", 78584, "flags"),

@@ -69,6 +69,11 @@ struct RecordType {
   InfoLine line{};  // the information line; without fields where there is none
   // The word of the settings that counts the entries of every part of a record; -1 for none.
   int32_t counted_at = -1;
+  // The float of the settings that is the time between samples, in seconds where it can be; -1
+  // where records have their own, and where there are no samples.
+  int32_t step_at = -1;
+  // What a phase of the layout is called under these settings, where that is not its label.
+  const char* (*phase_label)(const UifParams& settings, const char* label) = nullptr;
 };
 
 // The layout of a type's records under these settings; null where there is none.

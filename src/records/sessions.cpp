@@ -36,6 +36,24 @@ constexpr Field kSessionRows[] = {
 };
 constexpr Field kSession = Record("SESSION", kSessionHeader.size, kSessionRows, "a session");
 
+constexpr uint32_t kPartElements = 1024;
+
+// Tells the elements of a session that begin where the walk stands. False: nothing more is wanted.
+bool TellElements(Walk* w, int32_t elements) {
+  const uint32_t first = FirstEntry(*w);
+  if (first != 0) MoveTo(w, w->position + uint64_t{first} * kElement.size);
+  for (auto i = static_cast<int32_t>(first); i < elements; ++i) {
+    uint8_t element[kElement.size];
+    const uint64_t at = w->position;
+    if (Read(w, element, sizeof element) != sizeof element) break;
+    const auto number = static_cast<uint32_t>(i);
+    Tell(w, kElement, element, at, sizeof element, {}, number);
+    const bool part = w->options.side_by_side && (number + 1) % kPartElements == 0;
+    if (part && !EndPart(w, number + 1)) return false;
+  }
+  return true;
+}
+
 // Sessions stand back to back, each a header and its elements, up to the first that is cut short.
 void WalkSessions(Walk* w) {
   uint8_t header[kSessionHeader.size];
@@ -49,13 +67,9 @@ void WalkSessions(Walk* w) {
     w->listener->BeginGroup(kSession, nullptr);
     Tell(w, kSessionHeader, header, w->record_at, got);
     const auto elements = Load<int32_t>(header + kElementsNumAt);
-    for (int32_t i = 0; i < elements; ++i) {
-      uint8_t element[kElement.size];
-      const uint64_t at = w->position;
-      if (Read(w, element, sizeof element) != sizeof element) break;
-      Tell(w, kElement, element, at, sizeof element, {}, static_cast<uint32_t>(i));
-    }
+    const bool wanted = TellElements(w, elements);
     w->listener->EndGroup();
+    if (!wanted) return;
     const uint64_t count = elements > 0 ? static_cast<uint64_t>(elements) : 0;
     if (!EndRecord(w, sizeof header + count * kElement.size)) return;
   }

@@ -63,7 +63,7 @@ constexpr Field kArrays[] = {
 
 constexpr Field kRecordingRows[] = {
     kHead,
-    Group("SIGNALLING_DATA", kArrays, "the packets"),
+    Group("SIGNALLING_DATA", kArrays, "the packets").InTable("SIGNALLING_DATA"),
 };
 constexpr Field kData = kRecordingRows[1];
 constexpr Field kRecording =
@@ -113,25 +113,46 @@ uint32_t ReadPart(Walk* w, const ArrayPart& part, uint8_t* to) {
   return own;
 }
 
-// Tells the arrays of `packets` entries that begin where the walk stands.
-void TellArrays(Walk* w, uint32_t packets, uint8_t* buffer) {
+// Tells entries `from` to `end` of each array of `packets` entries. The arrays begin at `at`.
+void TellArrays(Walk* w, uint64_t at, uint32_t packets, uint32_t from, uint32_t end,
+                uint8_t* buffer) {
   w->listener->BeginGroup(kData, nullptr);
   uint32_t levels_before = 0;
   for (const Field& array : kArrays) {
     const uint32_t entry = EntrySize(array);
     const uint32_t earlier = array.rows == kLevels ? levels_before++ : 0;
     w->listener->BeginGroup(array, nullptr);
-    for (uint32_t done = 0; done < packets; done += kPartPackets) {
-      const uint32_t count = std::min(kPartPackets, packets - done);
-      const uint64_t at = w->position;
+    for (uint32_t done = from; done < end; done += kPartPackets) {
+      const uint32_t count = std::min(kPartPackets, end - done);
+      const uint64_t place = at + uint64_t{done} * entry;
+      if (w->position != place) MoveTo(w, place);
       const uint32_t own = ReadPart(w, {count * entry, uint64_t{packets} * entry, earlier}, buffer);
       Inputs inputs;
       inputs.number[0] = static_cast<int32_t>(count);
-      Tell(w, LayoutOfParts(array), buffer, at, own, inputs, done);
+      Tell(w, LayoutOfParts(array), buffer, place, own, inputs, done);
     }
     w->listener->EndGroup();
+    at += uint64_t{packets} * entry;
   }
   w->listener->EndGroup();
+}
+
+// Tells the packets that begin where the walk stands, and leaves it behind them. False: nothing
+// more is wanted.
+bool TellPackets(Walk* w, uint32_t packets, uint8_t* buffer) {
+  const uint64_t at = w->position;
+  const uint32_t strip = w->options.side_by_side ? kPartPackets : packets;
+  uint32_t from = std::min(FirstEntry(*w), packets);
+  do {
+    const uint32_t end = packets - from > strip ? from + strip : packets;
+    TellArrays(w, at, packets, from, end, buffer);
+    from = end;
+    if (from < packets && !EndPart(w, from)) return false;
+  } while (from < packets);
+  if (const uint64_t end = at + uint64_t{packets} * PacketSize(); w->position != end) {
+    MoveTo(w, end);
+  }
+  return true;
 }
 
 void WalkSignalling(Walk* w) {
@@ -149,8 +170,10 @@ void WalkSignalling(Walk* w) {
     w->listener->BeginGroup(kRecording, nullptr);
     Tell(w, kHead, head, w->record_at, own);
     if (own != sizeof head) MoveTo(w, w->record_at + sizeof head);
-    TellArrays(w, plausible ? static_cast<uint32_t>(announced) : 0, buffer.get());
+    const bool wanted =
+        TellPackets(w, plausible ? static_cast<uint32_t>(announced) : 0, buffer.get());
     w->listener->EndGroup();
+    if (!wanted) return;
     const uint64_t record_size = sizeof head + static_cast<uint64_t>(announced) * PacketSize();
     if (!EndRecord(w, record_size) || !plausible) return;
   }

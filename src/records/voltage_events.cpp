@@ -68,7 +68,8 @@ constexpr Field kDataRows[] = {
 constexpr Field kTransitionRows[] = {
     I32("PHASE_NUMBER", 0, "phase"),
     F32("RMS_12_AT_TRANSITION", 4, "half-cycle RMS voltage at the transition", "V"),
-    Group("STATISTIC", 8, kCounterRows, "running counts, this transition included"),
+    Group("STATISTIC", 8, kCounterRows, "running counts, this transition included")
+        .InTable("STATISTIC"),
     I32("TRANSITION_FROM_EVENT_TYPE_ID", 180, "kind of event before"),
     I32("TRANSITION_TO_EVENT_TYPE_ID", 184, "kind of event after"),
     I32("IS_TRANSITION_TO_GLOBAL_DIP", 188, "a polyphase dip begins"),

@@ -114,7 +114,7 @@ void WalkIntervals(Walk* w) {
   const float behind_head = static_cast<float>(static_cast<int64_t>(size) - kHeadSize);
   const int32_t expected = TruncateToInt(behind_head / static_cast<float>(w->layout->size) + 0.5f);
   Tracked<uint8_t> record(w->layout->size);
-  int32_t done = 0;
+  auto done = static_cast<int32_t>(w->record);
   do {
     if (!ReadWhole(w, record.get()) || !TellRecord(w, record.get())) return;
     ++done;

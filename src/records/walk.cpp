@@ -35,7 +35,8 @@ bool WalkRecording(RecordingHead* recording, const WalkOptions& options, Listene
   list.kind = Kind::kGroup;
   list.name = type.list != nullptr ? type.list : "";
   if (type.list != nullptr) listener->BeginGroup(list, nullptr);
-  const bool there = MoveTo(&w, type.records_at);
+  w.record = options.from.record - 1;
+  const bool there = MoveTo(&w, options.from.at != 0 ? options.from.at : type.records_at);
   if (there) type.walk(&w);
   if (type.list != nullptr) listener->EndGroup();
   return there;
@@ -77,7 +78,7 @@ void WalkCountedRecords(Walk* w) {
     Store(record.get() + w->type.record_settings_at, w->settings);
   }
   const uint32_t count = CountRecords(static_cast<uint32_t>(w->recording->size), record_size);
-  for (uint32_t i = 0; i < count; ++i) {
+  while (w->record < count) {
     BeginRecord(w);
     Read(w, record.get(), record_size);
     if (!TellRecord(w, record.get())) return;

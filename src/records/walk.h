@@ -13,11 +13,22 @@ namespace quorvex {
 // Takes the fraction done; a negative result ends the walk after the record just told.
 using ProgressCallback = int32_t (*)(float fraction);
 
+// Where a walk begins: at a record, and of its lists that come in parts at an entry.
+struct WalkFrom {
+  uint64_t record = 1;
+  uint64_t at = 0;  // its place in the file; 0 for the first record's
+  uint32_t entry = 0;
+};
+
 struct WalkOptions {
   uint32_t first = 1;  // record numbers from 1, inclusive; general recordings only
   uint32_t last = 0xFFFFFFFF;
   ProgressCallback progress = nullptr;      // for the types that report
   FloatEnvironment* host_floats = nullptr;  // what the callback works under; null: as it is
+  WalkFrom from{};
+  // The lists of a record that come in parts are told in turn, a part of each, and not one whole
+  // after the other. Then a walk can end, and begin, behind any part.
+  bool side_by_side = false;
 };
 
 // Tells a recording of a known type. False where its records cannot be read.
@@ -65,6 +76,16 @@ inline void Tell(Walk* w, const Field& layout, const void* bytes, uint64_t at, u
 // The current record is told; by its counts it has `size` bytes. False: nothing more is wanted.
 inline bool EndRecord(Walk* w, uint64_t size) {
   return w->listener->EndRecord({w->record, w->record_at, size, true});
+}
+
+// A part of every list of the current record is told. False: nothing more is wanted.
+inline bool EndPart(Walk* w, uint32_t next) {
+  return w->listener->EndPart({w->record, w->record_at, next});
+}
+
+// The entry that the lists of the current record begin with.
+inline uint32_t FirstEntry(const Walk& w) {
+  return w.record == w.options.from.record ? w.options.from.entry : 0;
 }
 
 // The current record is short, and documents leave it out. Gives false, because the walk ends here.

@@ -109,25 +109,27 @@ float CaptureCurrentScale(const UifParams& settings, int channel) {
 }
 
 // The selection of neutral or earth also decides whether a delta's voltages go by their phase.
-const char* VoltageLabel(const UifParams& settings, const char* label) {
+const char* PhaseLabel(const UifParams& settings, const char* label) {
   static constexpr const char* kPhases[] = {"u1", "u2", "u3"};
   const bool delta = settings.connection == 2 || settings.connection == 4;
   const bool by_phase = static_cast<uint8_t>(settings.transients.select_n_gnd) == 1;
   const int channel = ChannelOf(label);
-  return delta && by_phase && channel < kNeutral ? kPhases[channel] : label;
+  return label[0] == 'u' && delta && by_phase && channel < kNeutral ? kPhases[channel] : label;
 }
 
-void TellWaveform(Walk* w, const Field& row, uint64_t size, Told* told, uint8_t* buffer) {
+// Tells bytes `from` to `end` of the newest waveform.
+void TellWaveform(Walk* w, const Field& row, uint64_t from, uint64_t end, const Told& told,
+                  uint8_t* buffer) {
   const bool voltage = row.rows == kVoltageSamples;
-  const char* label = voltage ? VoltageLabel(w->settings, row.phase) : row.phase;
+  const char* label = PhaseLabel(w->settings, row.phase);
   Inputs inputs;
   inputs.scale[0] = voltage ? CaptureVoltageScale(w->settings)
                             : CaptureCurrentScale(w->settings, ChannelOf(row.phase));
   w->listener->BeginGroup(row, label);
-  const uint64_t at = told->from[told->count - 1];
-  for (uint64_t from = 0; from < size; from += kPart.size) {
-    const auto part = static_cast<uint32_t>(std::min<uint64_t>(kPart.size, size - from));
-    const uint32_t own = ReadPart(w, *told, from, part, buffer);
+  const uint64_t at = told.from[told.count - 1];
+  for (; from < end; from += kPart.size) {
+    const auto part = static_cast<uint32_t>(std::min<uint64_t>(kPart.size, end - from));
+    const uint32_t own = ReadPart(w, told, from, part, buffer);
     inputs.number[0] = static_cast<int32_t>(part / kSampleSize);
     Tell(w, kPart, buffer, at + from, own, inputs, static_cast<uint32_t>(from / kSampleSize));
   }
@@ -139,13 +141,8 @@ uint64_t SizeOfCapture(const UifParams& settings) {
   return samples < 0 ? 0 : static_cast<uint64_t>(samples) * kSampleSize * (2 * kSlots);
 }
 
-void WalkCapture(Walk* w) {
-  BeginRecord(w);
-  const uint64_t size = SizeOfCapture(w->settings);
-  // More samples than the file has bytes are no length but damage.
-  const bool plausible = size / (kSampleSize * 2 * kSlots) <= w->recording->size;
-  const uint64_t waveform_size = plausible ? size / (2 * kSlots) : 0;
-  Tracked<uint8_t> buffer(kPart.size);
+// Tells bytes `from` to `end` of every waveform of `waveform_size` bytes.
+void TellWaveforms(Walk* w, uint64_t waveform_size, uint64_t from, uint64_t end, uint8_t* buffer) {
   Told told{};
   uint64_t slot_at = kHeadSize;
   w->listener->BeginGroup(kRecord, nullptr);
@@ -156,13 +153,30 @@ void WalkCapture(Walk* w) {
       if ((row.cases & w->which) == 0) continue;
       if (row.kind != Kind::kGap) {
         told.from[told.count++] = slot_at;
-        TellWaveform(w, row, waveform_size, &told, buffer.get());
+        TellWaveform(w, row, from, end, told, buffer);
       }
       slot_at += waveform_size;
     }
     w->listener->EndGroup();
   }
   w->listener->EndGroup();
+}
+
+void WalkCapture(Walk* w) {
+  BeginRecord(w);
+  const uint64_t size = SizeOfCapture(w->settings);
+  // More samples than the file has bytes are no length but damage.
+  const bool plausible = size / (kSampleSize * 2 * kSlots) <= w->recording->size;
+  const uint64_t waveform_size = plausible ? size / (2 * kSlots) : 0;
+  const uint64_t strip = w->options.side_by_side ? kPart.size : waveform_size;
+  Tracked<uint8_t> buffer(kPart.size);
+  uint64_t from = uint64_t{FirstEntry(*w)} * kSampleSize;
+  do {
+    const uint64_t end = std::min(from + strip, waveform_size);
+    TellWaveforms(w, waveform_size, from, end, buffer.get());
+    from = end;
+    if (from < waveform_size && !EndPart(w, static_cast<uint32_t>(from / kSampleSize))) return;
+  } while (from < waveform_size);
   EndRecord(w, size);
 }
 
@@ -203,6 +217,8 @@ const RecordType kWaveformCapture = {
     .size = SizeOfCapture,
     .line = kInfo,
     .counted_at = offsetof(UifParams, transients.num),
+    .step_at = offsetof(UifParams, transients.step),
+    .phase_label = PhaseLabel,
 };
 
 }  // namespace quorvex
