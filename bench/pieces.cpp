@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "records/record_types.h"
+#include "texts/number_text.h"
 #include "xml/base64.h"
-#include "xml/number_text.h"
 #include "xml/plan.h"
 
 namespace {

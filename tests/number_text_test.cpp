@@ -1,5 +1,5 @@
 // Texts of numbers against the C library, which is slower but has been right for longer.
-#include "xml/number_text.h"
+#include "texts/number_text.h"
 
 #include <gtest/gtest.h>
 

@@ -7,7 +7,7 @@
 #include "contender.h"
 #include "support/escape_text.h"
 #include "support/loads.h"
-#include "xml/number_text.h"
+#include "texts/number_text.h"
 #include "xml/plan.h"
 
 namespace quorvex {

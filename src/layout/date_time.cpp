@@ -44,6 +44,19 @@ bool IsPointInTime(const DateTimeRecord& time) {
          time.seconds >= 0 && time.seconds < kLeapSecond + 1;
 }
 
+int64_t MicrosecondsOf(const DateTimeRecord& time) {
+  if (!IsPointInTime(time)) return kNoTime;
+  // Years that begin in March have their odd day at their end.
+  const int year = time.month > 2 ? time.year : time.year - 1;
+  const int month = (time.month + 9) % 12;
+  const int day_of_year = (153 * month + 2) / 5 + time.day - 1;
+  constexpr int kDaysTo1970 = 719468;  // from March of the year 0
+  const int64_t day = int64_t{year} * 365 + year / 4 - year / 100 + year / 400 + day_of_year;
+  const int64_t minutes = ((day - kDaysTo1970) * 24 + time.hour) * 60 + time.minute;
+  constexpr int64_t kSecond = 1000000;
+  return minutes * 60 * kSecond + static_cast<int64_t>(time.seconds * static_cast<double>(kSecond));
+}
+
 bool IsBefore(const DateTimeRecord& a, const DateTimeRecord& b) {
   const auto key = [](const DateTimeRecord& t) {
     return std::tuple(int{t.year}, int{t.month}, int{t.day}, int{t.hour}, int{t.minute},

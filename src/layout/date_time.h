@@ -49,6 +49,11 @@ bool IsSet(const DateTimeRecord& time);
 // Whether this is a date and a time of day, in the years that an instrument can have seen.
 bool IsPointInTime(const DateTimeRecord& time);
 
+// Whole microseconds since 1970 began, on the clock that the time was taken from; the rest is cut,
+// as in documents. kNoTime where it is no point in time.
+constexpr int64_t kNoTime = INT64_MIN;
+int64_t MicrosecondsOf(const DateTimeRecord& time);
+
 bool IsBefore(const DateTimeRecord& a, const DateTimeRecord& b);
 
 // Moves a time forward, through the calendar. A month that is none counts as January.

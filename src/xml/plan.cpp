@@ -5,11 +5,11 @@
 #include <cassert>
 #include <cstring>
 
-#include "support/escape_text.h"
+#include "layout/count_of.h"
 #include "support/loads.h"
 #include "support/memory.h"
+#include "texts/value_text.h"
 #include "xml/base64.h"
-#include "xml/number_text.h"
 
 namespace quorvex {
 
@@ -63,7 +63,7 @@ uint32_t LongestText(const Field& f) {
     case Kind::kScaledF32:
     case Kind::kSeconds:
     case Kind::kNoValue:
-      return 32;
+      return kValueRoom;
     case Kind::kGap:
     case Kind::kGroup:
       break;
@@ -75,23 +75,6 @@ uint32_t MostSteps(const Field& f) {
   uint32_t steps = 3;  // a loop, its body or value, its closing text
   for (uint32_t r = 0; r < f.row_count; ++r) steps += MostSteps(f.rows[r]);
   return steps;
-}
-
-uint32_t CountOf(const Field& f, const uint8_t* place, const Inputs& inputs) {
-  if (f.count_from == CountFrom::kTable) return f.count;
-  const int32_t count = f.count_from == CountFrom::kRecord ? Load<int32_t>(place + f.count_ref)
-                                                           : inputs.number[f.count_ref];
-#ifdef QUORVEX_BREAK_COUNTS
-  return static_cast<uint32_t>(count);  // the fault that the fuzzers must find
-#endif
-  return count < 0 ? 0 : std::min(static_cast<uint32_t>(count), f.count);
-}
-
-char* RawTextOf(const uint8_t* at, uint32_t width, char* to) {
-  const void* end = std::memchr(at, '\0', width);
-  const size_t size = end != nullptr ? static_cast<const uint8_t*>(end) - at : width;
-  std::memcpy(to, at, size);
-  return to + size;
 }
 
 // The first floats of every entry, side by side.
@@ -150,47 +133,8 @@ bool IsFloatRun(const PlanStep& loop, const PlanStep& value, const PlanStep& clo
   return is_float && value.text_size + close.text_size <= 48;
 }
 
-char* MadeText(Kind as, const MadeValue& value, char* to) {
-  if (as == Kind::kText) return EscapeText(value.text, to, kLongestMadeText);
-  return as == Kind::kF32 ? FloatText(value.number, to) : IntegerText(value.integer, to);
-}
-
-char* ValueText(const Field& f, const uint8_t* at, const Inputs& inputs, char* to) {
-  switch (f.kind) {
-    case Kind::kU8:
-      return IntegerText(*at, to);
-    case Kind::kU16:
-      return IntegerText(Load<uint16_t>(at), to);
-    case Kind::kI32:
-      return IntegerText(std::min(Load<int32_t>(at), f.most), to);
-    case Kind::kI64:
-      return IntegerText(Load<int64_t>(at), to);
-    case Kind::kF32:
-      return FloatText(Load<float>(at), to);
-    case Kind::kF64:
-      return DoubleText(Load<double>(at), to);
-    case Kind::kScaledI16:
-      return FloatText(static_cast<float>(Load<int16_t>(at)) * inputs.scale[f.scale_ref], to);
-    case Kind::kScaledF32:
-      return FloatText(Load<float>(at) * inputs.scale[f.scale_ref], to);
-    case Kind::kSeconds:
-      return SecondsText(Load<double>(at), to);
-    case Kind::kText:
-      return EscapeText(reinterpret_cast<const char*>(at), to, f.size);
-    case Kind::kRawText:
-      return RawTextOf(at, f.size, to);
-    case Kind::kMade:
-      return MadeText(f.made_as, f.make(at - f.offset, inputs), to);
-    case Kind::kSpectrum:
-      return SpectrumText(f, at, to);
-    case Kind::kNoValue:
-      *to = '-';
-      return to + 1;
-    case Kind::kGap:
-    case Kind::kGroup:
-      break;
-  }
-  return to;
+char* TextOf(const Field& f, const uint8_t* at, const Inputs& inputs, char* to) {
+  return f.kind == Kind::kSpectrum ? SpectrumText(f, at, to) : ValueText(f, at, inputs, to);
 }
 
 }  // namespace
@@ -288,7 +232,7 @@ void Plan::Run(XmlWriter* to, uint32_t from, uint32_t end, const uint8_t* base, 
     const uint8_t* at = base + s.offset + static_cast<size_t>(repetition) * s.step;
     if (s.loop_end == 0) {
       out = s.kind == Kind::kF32 ? FloatText(Load<float>(at), out)
-                                 : ValueText(*s.field, at, inputs, out);
+                                 : TextOf(*s.field, at, inputs, out);
       continue;
     }
     Advance(to, out);

@@ -1,9 +1,6 @@
 // quorvex info says what recordings are, to people and to programs.
 #include <algorithm>
-#include <cctype>
-#include <cmath>
 #include <cstdio>
-#include <cstdlib>
 
 #include "commands/commands.h"
 #include "quorvex64.h"
@@ -23,67 +20,19 @@ struct InfoOptions {
   bool json = false;
 };
 
-// "2024-03-07T14:05:09.123"; nothing for what is no point in time.
-std::string IsoTime(const DateTimeRecord& time) {
-  if (!IsPointInTime(time)) return "";
-  char text[40];
-  const int milliseconds = static_cast<int>(time.seconds * 1000);
-  std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d.%03d", time.year, time.month,
-                time.day, time.hour, time.minute, milliseconds / 1000, milliseconds % 1000);
-  return text;
-}
-
-// An amount to the digits that a stored float has; nothing where it is no number.
-Json Amount(double amount) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.7g", amount);
-  if (!std::isfinite(amount) || amount == kNoValueDouble) return nullptr;
-  return std::strtod(text, nullptr);
-}
-
-std::string KeyOf(const InfoField& field) {
-  std::string key = field.label;
-  std::transform(key.begin(), key.end(), key.begin(), [](unsigned char c) {
-    return c == ' ' ? '_' : static_cast<char>(std::tolower(c));
-  });
-  return field.form == InfoForm::kPeriods ? key + "_periods" : key;
-}
-
 void PutValue(const Fact& fact, Json* to) {
-  const InfoValue& value = fact.value;
-  const std::string key = KeyOf(*value.field);
-  if (!value.shown) return;
-  switch (value.field->form) {
-    case InfoForm::kTime:
-      if (const std::string time = IsoTime(value.time); !time.empty()) (*to)[key] = time;
-      break;
-    case InfoForm::kInterval:
-      if (value.number != 0) (*to)[key] = value.number;
-      break;
-    case InfoForm::kDuration:
-      (*to)[key] = value.number;
-      break;
-    case InfoForm::kPeriods:
-    case InfoForm::kNumber:
-      (*to)[key] = static_cast<int32_t>(value.number);
-      break;
-    case InfoForm::kLevel:
-      (*to)[key + "_percent"] = Amount(static_cast<double>(value.level));
-      [[fallthrough]];
-    case InfoForm::kVolts:
-    case InfoForm::kAmperes:
-      (*to)[key] = Amount(value.amount);
-      break;
-    case InfoForm::kTrigger:
-    case InfoForm::kSlope:
-      if (!fact.text.empty()) (*to)[key] = fact.text;
-      break;
+  for (const PlainFact& value : PlainFacts(fact)) {
+    if (value.text.empty()) continue;
+    (*to)[value.key] = value.is == PlainFact::Is::kText   ? Json(value.text)
+                       : value.is == PlainFact::Is::kReal ? Json(std::stod(value.text))
+                                                          : Json(std::stoll(value.text));
   }
 }
 
-Json ToJson(const Facts& facts) {
-  const Recording& r = facts.recording;
-  Json entry = JsonOf(facts.path, r, r.records);
+Json ToJson(const RecordingFacts& of) {
+  const Recording& r = of.recording;
+  const Facts& facts = of.facts;
+  Json entry = JsonOf(of.path, r, r.records);
   // Every field that some type has, so that all entries have the same.
   for (const RecordType* type : kRecordTypes) {
     for (uint32_t i = 0; i < type->line.count; ++i) {
@@ -107,23 +56,23 @@ Json ToJson(const Facts& facts) {
 using Row = std::vector<std::string>;
 
 // The table has times to the minute: seconds would take the room that names need.
-std::string ShortTime(const DateTimeRecord& stored) {
-  std::string time = IsoTime(stored).substr(0, 16);
+std::string ShortTime(const Fact& fact) {
+  std::string time = PlainFacts(fact)[0].text.substr(0, 16);
   if (!time.empty()) time[10] = ' ';
   return time;
 }
 
 // `folder` is where all files lie; the table leaves it out.
-Row ToRow(const Facts& facts, const std::string& folder) {
-  const Recording& r = facts.recording;
+Row ToRow(const RecordingFacts& of, const std::string& folder) {
+  const Recording& r = of.recording;
   std::string start, end, interval;
-  for (const Fact& fact : facts.values) {
+  for (const Fact& fact : of.facts.values) {
     const std::string label = fact.value.field->label;
-    if (label == "start" || label == "time") start = ShortTime(fact.value.time);
-    if (label == "end") end = ShortTime(fact.value.time);
+    if (label == "start" || label == "time") start = ShortTime(fact);
+    if (label == "end") end = ShortTime(fact);
     if (label == "interval") interval = fact.text;
   }
-  return {Shown(CalledName(facts.path).substr(folder.size())),
+  return {Shown(CalledName(of.path).substr(folder.size())),
           r.type != nullptr ? r.type->name : "-",
           start,
           end,
@@ -160,16 +109,16 @@ void PrintLabelled(const std::string& label, const std::string& value) {
   Print(head + std::string(20 - head.size(), ' ') + Shown(value) + "\n");
 }
 
-void PrintLabelled(const Facts& facts) {
-  const Recording& r = facts.recording;
-  PrintLabelled("file", CalledName(facts.path));
+void PrintLabelled(const RecordingFacts& of) {
+  const Recording& r = of.recording;
+  PrintLabelled("file", CalledName(of.path));
   PrintLabelled("type", std::to_string(r.type->type) + ", " + r.type->name);
   PrintLabelled("version", std::to_string(static_cast<int32_t>(r.header->version)));
   PrintLabelled("size", std::to_string(r.size) + " bytes");
   if (r.records) PrintLabelled("records", std::to_string(*r.records));
-  for (const Fact& fact : facts.values) {
+  for (const Fact& fact : of.facts.values) {
     const std::string label = fact.value.field->label;
-    const bool estimate = label == "end" && facts.end_from == std::string("estimate");
+    const bool estimate = label == "end" && of.facts.end_from == std::string("estimate");
     PrintLabelled(label, fact.text + (estimate ? " (estimated)" : ""));
   }
 }
@@ -200,7 +149,7 @@ ExitCode Info(const InfoOptions& options) {
       if (code == kDone) code = outcome;
       continue;
     }
-    const Facts facts = FactsOf(path);
+    const RecordingFacts facts = FactsOf(path);
     if (code == kDone) code = facts.recording.code;
     if (options.json) {
       array.Add(ToJson(facts));

@@ -1,29 +1,15 @@
 #include "shared/inspection.h"
 
-#include <algorithm>
 #include <cstdio>
-#include <cstring>
+#include <utility>
 
 #include "findings/soundness.h"
-#include "records/information.h"
 #include "records/walk.h"
-#include "settings/codes.h"
-#include "settings/settings_table.h"
 #include "shared/scratch.h"
-#include "support/escape_text.h"
 #include "support/file.h"
 
 namespace quorvex::tool {
 namespace {
-
-std::optional<uint64_t> WholeRecords(const RecordingHead& head) {
-  const RecordType& type = *head.type;
-  if (type.walk == nullptr) return 0;
-  const uint64_t size = RecordSize(type, head.settings);
-  if (size == 0) return std::nullopt;
-  const uint64_t records = (head.size - type.records_at) / size;
-  return type.once ? std::min<uint64_t>(records, 1) : records;
-}
 
 // Why a recording could not be opened, just now.
 std::string WhyNotOpen(const std::string& path) {
@@ -82,78 +68,16 @@ CheckResult CheckRecording(const std::string& path) {
   return result;
 }
 
-namespace {
-
-// Before a setting file is taken: of most types the line is of the recording's own settings.
-std::vector<Fact> FactsIn(RecordingHead* head) {
-  InfoValue values[kMostInfoFields];
-  bool estimated = false;
-  const uint32_t count = InfoValues(head, values, &estimated);
-  std::vector<Fact> facts;
-  for (uint32_t i = 0; i < count; ++i) {
-    char text[128];
-    BoundedText to(text, sizeof text);
-    InfoText(values[i], head->settings, &to);
-    facts.push_back({values[i], text});
-    std::string& kept = facts.back().text;
-    kept.erase(kept.find_last_not_of(' ') + 1);
-  }
-  return facts;
-}
-
-// Of records that follow each other in time the information line has an estimate; the last whole
-// record knows better.
-void ReadEnd(RecordingHead* head, Facts* facts) {
-  const Recording& r = facts->recording;
-  const auto end = std::find_if(facts->values.begin(), facts->values.end(), [](const Fact& fact) {
-    return std::strcmp(fact.value.field->label, "end") == 0;
-  });
-  if (end == facts->values.end()) return;
-  const InfoFrom from = end->value.field->from;
-  facts->end_from = from == InfoFrom::kSettings || r.setting_file ? "settings" : "records";
-  if (from != InfoFrom::kPeriods) return;
-  if (!r.setting_file) facts->end_from = "estimate";
-  const Field* layout = LayoutOf(*r.type, head->settings);
-  if (r.records.value_or(0) == 0 || layout == nullptr) return;
-  const int32_t place = DateTimeAt(*layout, "LAST_TIME");
-  const uint64_t last = r.type->records_at + (*r.records - 1) * layout->size;
-  DateTimeRecord time{};
-  if (place < 0 || !SeekTo(head->file.get(), last + static_cast<uint32_t>(place)) ||
-      ReadBytes(head->file.get(), &time, sizeof time) != sizeof time || !IsPointInTime(time)) {
-    return;
-  }
-  char text[48];
-  BoundedText to(text, sizeof text);
-  end->value.time = time;
-  InfoText(end->value, head->settings, &to);
-  end->text = text;
-  facts->end_from = "records";
-}
-
-}  // namespace
-
-Facts FactsOf(const std::string& path) {
-  Facts facts;
-  facts.path = path;
+RecordingFacts FactsOf(const std::string& path) {
+  RecordingFacts found;
+  found.path = path;
   RecordingHead head(path.c_str());
-  if (head.file) facts.values = FactsIn(&head);
-  facts.recording = Inspect(&head);
-  const UifParams& settings = head.settings;
-  if (facts.recording.code != kDone) {
-    facts.values.clear();
-    return facts;
-  }
-  const RecordType& type = *facts.recording.type;
-  ReadEnd(&head, &facts);
-  if (type.settings_at == 0) return facts;
-  char text[kLongestMadeText];
-  const auto* place = reinterpret_cast<const uint8_t*>(&settings);
-  facts.instrument = ModelName(place, {}).text;
-  facts.serial = std::string(
-      text, EscapeText(settings.ee_serial_number, text, sizeof settings.ee_serial_number));
-  const char* connection = WordOf(kWirings, settings.connection);
-  if (connection[0] != '\0') facts.connection = connection;
-  return facts;
+  // The facts come first: of most types they are of the recording's own settings.
+  Facts facts;
+  if (head.file && !HeadProblem(head)) facts = quorvex::FactsOf(&head);
+  found.recording = Inspect(&head);
+  if (found.recording.code == kDone) found.facts = std::move(facts);
+  return found;
 }
 
 }  // namespace quorvex::tool

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "findings/findings.h"
+#include "inspection/facts.h"
 #include "records/recording_head.h"
 #include "shared/system.h"
 
@@ -35,20 +36,12 @@ struct CheckResult {
 };
 CheckResult CheckRecording(const std::string& path);
 
-// A field of the information line, with its text as the line has it.
-struct Fact {
-  InfoValue value;
-  std::string text;
-};
-
 // Everything that a file list shows of a recording.
-struct Facts {
+struct RecordingFacts {
   std::string path;
   Recording recording;
-  std::vector<Fact> values;
-  const char* end_from = nullptr;  // where the end comes from; null where there is none
-  std::optional<std::string> instrument, serial, connection;
+  Facts facts;
 };
-Facts FactsOf(const std::string& path);
+RecordingFacts FactsOf(const std::string& path);
 
 }  // namespace quorvex::tool

@@ -1,4 +1,4 @@
-#include "xml/number_text.h"
+#include "texts/number_text.h"
 
 #include <array>
 #include <bit>
@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "support/exact_decimal.h"
-#include "xml/float_text.h"
+#include "texts/float_text.h"
 
 namespace quorvex {
 namespace {

@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "layout/field.h"
-#include "xml/float_table.h"
+#include "texts/float_table.h"
 
 namespace quorvex {
 

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "xml/float_text.h"  // IWYU pragma: export
+#include "texts/float_text.h"  // IWYU pragma: export
 
 namespace quorvex {
 

@@ -1,0 +1,458 @@
+#include "tables/cursor.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <new>
+
+#include "layout/date_time.h"
+#include "support/loads.h"
+#include "texts/value_text.h"
+
+namespace quorvex {
+namespace {
+
+constexpr size_t kBatchBytes = 1 << 20;
+constexpr uint32_t kMostRows = 1 << 16;
+constexpr size_t kAlignment = 64;
+
+size_t WidthOf(ValueType type) {
+  return type == ValueType::kInt32 || type == ValueType::kFloat || type == ValueType::kText ? 4 : 8;
+}
+
+Block NewBlock(size_t size) {
+  size = (size + kAlignment - 1) / kAlignment * kAlignment;
+  void* block = nullptr;
+#ifdef _WIN32
+  block = std::malloc(size);
+#else
+  block = std::aligned_alloc(kAlignment, size);
+#endif
+  if (block == nullptr) throw std::bad_alloc();
+  return Block(static_cast<uint8_t*>(block));
+}
+
+// Columns that begin an odd number of lines apart do not fall on each other in the cache.
+size_t OddLines(size_t bytes) {
+  const size_t lines = (bytes + kAlignment - 1) / kAlignment;
+  return (lines | 1) * kAlignment;
+}
+
+// A step from sample to sample that the instrument can have had.
+bool IsBelievable(float step) { return step >= 1e-6f && step <= 1e-2f; }
+
+int64_t IntegerOf(const Field& f, const uint8_t* at, const Inputs& inputs) {
+  switch (f.kind) {
+    case Kind::kU8:
+      return *at;
+    case Kind::kU16:
+      return Load<uint16_t>(at);
+    case Kind::kI64:
+      return Load<int64_t>(at);
+    case Kind::kMade:
+      return f.make(at - f.offset, inputs).integer;
+    default:
+      return std::min(Load<int32_t>(at), f.most);
+  }
+}
+
+// The marker where there is no value.
+float FloatOf(const Field& f, const uint8_t* at, const Inputs& inputs) {
+  switch (f.kind) {
+    case Kind::kNoValue:
+      return kNoValue;
+    case Kind::kScaledI16:
+      return static_cast<float>(Load<int16_t>(at)) * inputs.scale[f.scale_ref];
+    case Kind::kScaledF32: {
+      const auto raw = Load<float>(at);
+      return raw == kNoValue ? kNoValue : raw * inputs.scale[f.scale_ref];
+    }
+    case Kind::kMade:
+      return f.make(at - f.offset, inputs).number;
+    default:
+      return Load<float>(at);
+  }
+}
+
+// Marks what is there, and gives NaN to what is not. How many are missing.
+template <typename T>
+uint32_t MarkFloats(T* values, uint32_t rows, T marker, uint8_t* valid) {
+  uint32_t nulls = 0;
+  for (uint32_t from = 0; from < rows; from += 8) {
+    const uint32_t end = std::min(rows, from + 8);
+    unsigned bits = 0;
+    for (uint32_t i = from; i < end; ++i) bits |= (values[i] != marker ? 1u : 0u) << (i - from);
+    valid[from / 8] = static_cast<uint8_t>(bits);
+    const auto there = static_cast<uint32_t>(std::popcount(bits));
+    if (there == end - from) continue;
+    nulls += end - from - there;
+    for (uint32_t i = from; i < end; ++i) {
+      if (values[i] == marker) values[i] = std::numeric_limits<T>::quiet_NaN();
+    }
+  }
+  return nulls;
+}
+
+}  // namespace
+
+Cursor::Cursor(RecordingHead* head, const TableSet& set, const Table& table,
+               const std::vector<uint32_t>& columns, const ReadOptions& options)
+    : head_(head),
+      set_(set),
+      table_(table),
+      options_(options),
+      wiring_(WiringOf(*head->type, head->settings)) {
+  size_t row_size = 1;
+  for (const uint32_t c : columns) row_size += WidthOf(table.columns[c].type);
+  const size_t most_rows = std::max<size_t>(table.most_rows, 1);
+  capacity_ = static_cast<uint32_t>(
+      std::clamp(kBatchBytes / row_size, most_rows, std::max<size_t>(most_rows, kMostRows)));
+  for (const uint32_t c : columns) {
+    const Column& column = table.columns[c];
+    slots_of_[column.path].push_back(static_cast<uint32_t>(slots_.size()));
+    slots_.push_back({&column, block_size_, 0});
+    block_size_ += OddLines((capacity_ + size_t{1}) * WidthOf(column.type));
+  }
+  valid_at_ = block_size_;
+  for (Slot& slot : slots_) {
+    slot.valid_at = block_size_;
+    block_size_ += (capacity_ + 7) / 8;
+  }
+  texts_.resize(slots_.size());
+  if (head->type->walk == nullptr) return;
+  record_size_ = RecordSize(*head->type, head->settings);
+  const uint64_t elements = set.elements.size();
+  end_element_ = static_cast<uint32_t>(std::min(options.last, elements));
+  first_element_ = static_cast<uint32_t>(std::min<uint64_t>(options.first - 1, end_element_));
+  if (!head->type->once && record_size_ != 0 && options.first > 1) {
+    const uint64_t before = std::min(options.first - 2, UINT64_MAX / 4 / record_size_);
+    before_ = {before + 1, head->type->records_at + before * record_size_};
+    next_ = {before + 2, before_.at + record_size_};
+  }
+}
+
+// A record that is cut takes what it lacks from the one in front of it, which is read again then.
+WalkFrom Cursor::WhereToBegin() const {
+  if (next_.record == 1) return next_;
+  const Field* layout = LayoutOf(*head_->type, head_->settings);
+  const uint64_t size = std::max<uint64_t>(record_size_, layout != nullptr ? layout->size : 0);
+  const bool whole = next_.at <= head_->size && size <= head_->size - next_.at;
+  return whole ? next_ : before_;
+}
+
+bool Cursor::Next(Batch* batch) {
+  *batch = {};
+  while (!done_) {
+    if (NextRows(batch)) return true;
+  }
+  return false;
+}
+
+bool Cursor::NextRows(Batch* batch) {
+  Begin();
+  if (table_.from == Table::From::kFile || table_.from == Table::From::kSettings) {
+    done_ = true;
+    const std::vector<HeadRow> rows = table_.from == Table::From::kFile
+                                          ? FileRows(head_, options_.utc_offset)
+                                          : SettingsRows(*head_, options_.utc_offset);
+    rows_ = static_cast<uint32_t>(rows.size());
+    for (size_t s = 0; s < slots_.size(); ++s) {
+      uint8_t* valid = block_.get() + slots_[s].valid_at;
+      for (uint32_t row = 0; row < rows_; ++row) {
+        const auto& column = slots_[s].column->name;
+        if (column == "value" && !rows[row].value) continue;
+        texts_[s][row] = column == "path"    ? rows[row].path
+                         : column == "value" ? *rows[row].value
+                                             : rows[row].unit;
+        valid[row / 8] = static_cast<uint8_t>(valid[row / 8] | 1u << (row % 8));
+      }
+    }
+  } else {
+    stopped_ = false;
+    groups_.clear();
+    WalkOptions options;
+    options.from = WhereToBegin();
+    options.side_by_side = true;
+    WalkRecording(head_, options, this);
+    done_ = !stopped_;
+  }
+  if (rows_ == 0) return false;
+  Finish(batch);
+  return true;
+}
+
+void Cursor::Begin() {
+  rows_ = part_rows_ = 0;
+  block_ = NewBlock(block_size_);
+  std::memset(block_.get() + valid_at_, 0, block_size_ - valid_at_);
+  const bool sparse = table_.from == Table::From::kLists || !set_.elements.empty();
+  for (size_t s = 0; s < slots_.size(); ++s) {
+    const Slot& slot = slots_[s];
+    switch (slot.column->type) {
+      case ValueType::kFloat:
+        if (sparse) std::fill_n(ValuesOf<float>(slot), capacity_, kNoValue);
+        break;
+      case ValueType::kDouble:
+        std::fill_n(ValuesOf<double>(slot), capacity_, kNoValueDouble);
+        break;
+      case ValueType::kTime:
+        std::fill_n(ValuesOf<int64_t>(slot), capacity_, kNoTime);
+        break;
+      case ValueType::kInt32:
+        std::fill_n(ValuesOf<int32_t>(slot), capacity_, 0);
+        break;
+      case ValueType::kInt64:
+        std::fill_n(ValuesOf<int64_t>(slot), capacity_, 0);
+        break;
+      case ValueType::kText:
+        texts_[s].assign(capacity_, {});
+        break;
+    }
+  }
+}
+
+void Cursor::BeginGroup(const Field& group, const char* phase) {
+  groups_.push_back({&group, phase});
+}
+
+const Cursor::Binding& Cursor::BindingOf(const Field& layout) {
+  const Group around = groups_.empty() ? Group{} : groups_.back();
+  const auto fits = [&](const Binding& b) {
+    return b.layout == &layout && b.group == around.field && b.phase == around.phase;
+  };
+  if (last_ != nullptr && fits(*last_)) return *last_;
+  for (const Binding& known : bindings_) {
+    if (fits(known)) return *(last_ = &known);
+  }
+  Binding binding = {&layout, around.field, around.phase, {}, {}};
+  // What stands inside the record's element has a path from there.
+  const size_t lists = head_->type->list != nullptr ? 1 : 0;
+  std::string path;
+  for (size_t g = lists + 1; g < groups_.size(); ++g) {
+    path += std::string(groups_[g].field->name);
+    if (groups_[g].phase != nullptr) path += std::string("[") + groups_[g].phase + "]";
+    path += "/";
+  }
+  if (groups_.size() > lists && layout.name[0] != '\0') path += std::string(layout.name) + "/";
+  for (const Value& value : quorvex::ValuesOf(layout, wiring_)) {
+    std::string name = path + value.path;
+    uint32_t element = 0;
+    if (!set_.elements.empty()) {
+      const std::string of = name.substr(0, name.find('/'));
+      element = static_cast<uint32_t>(std::find(set_.elements.begin(), set_.elements.end(), of) -
+                                      set_.elements.begin());
+      name.erase(0, of.size() + 1);
+    }
+    if (value.field->time_step) binding.time_step_at = value.offset;
+    const auto found = slots_of_.find(name);
+    if (found == slots_of_.end()) continue;
+    for (const uint32_t slot : found->second) {
+      const Step step = {
+          value.field, value.offset, value.step,   slot, slots_[slot].column->part * 4,
+          element,     value.list,   value.only_if};
+      const bool plain = value.field->kind == Kind::kF32 && set_.elements.empty() &&
+                         table_.from == Table::From::kRecords && value.only_if.row == nullptr;
+      if (plain) {
+        binding.floats.push_back({value.offset, slots_[slot].values_at});
+      } else {
+        binding.others.push_back(step);
+      }
+    }
+  }
+  bindings_.push_back(std::move(binding));
+  return *(last_ = &bindings_.back());
+}
+
+void Cursor::Bytes(const Piece& piece) {
+  if (piece.record == 0 || !IsWanted(piece.record)) return;
+  const Binding& binding = BindingOf(piece.layout);
+  const auto* bytes = static_cast<const uint8_t*>(piece.bytes);
+  if (binding.time_step_at >= 0) {
+    const auto step = Load<float>(bytes + binding.time_step_at);
+    time_step_ = IsBelievable(step) ? static_cast<double>(step) : 0;
+  }
+  uint8_t* const to = block_.get() + size_t{rows_} * 4;
+  for (const Copy& copy : binding.floats) std::memcpy(to + copy.to, bytes + copy.offset, 4);
+  for (const Step& step : binding.others) Run(step, piece);
+}
+
+void Cursor::Run(const Step& step, const Piece& piece) {
+  const auto* bytes = static_cast<const uint8_t*>(piece.bytes);
+  const bool elements = !set_.elements.empty();
+  if (elements && (step.element < first_element_ || step.element >= end_element_)) return;
+  if (table_.from == Table::From::kRecords) {
+    const uint32_t row = rows_ + step.element - first_element_;
+    if (CountOf(step.only_if, bytes, piece.inputs) == 0) return PutNull(step, row);
+    return Put(step, bytes + step.offset, piece.inputs, row);
+  }
+  const uint32_t count = CountOf(step.list, bytes, piece.inputs);
+  if (piece.first < part_first_) return;
+  const uint32_t first = piece.first - part_first_;
+  const uint32_t room = capacity_ - rows_;
+  const uint32_t end = std::min(first + count, room);
+  for (uint32_t i = first; i < end; ++i) {
+    const uint8_t* at = bytes + step.offset + size_t{i - first} * step.step + step.part_at;
+    Put(step, at, piece.inputs, rows_ + i);
+  }
+  part_rows_ = std::max(part_rows_, end);
+}
+
+void Cursor::PutNull(const Step& step, uint32_t row) {
+  const Slot& slot = slots_[step.slot];
+  if (slot.column->type == ValueType::kFloat) ValuesOf<float>(slot)[row] = kNoValue;
+}
+
+void Cursor::Put(const Step& step, const uint8_t* at, const Inputs& inputs, uint32_t row) {
+  const Slot& slot = slots_[step.slot];
+  const Field& f = *step.field;
+  switch (slot.column->type) {
+    case ValueType::kFloat:
+      ValuesOf<float>(slot)[row] = FloatOf(f, at, inputs);
+      return;
+    case ValueType::kDouble:
+      ValuesOf<double>(slot)[row] = Load<double>(at);
+      return;
+    case ValueType::kTime:
+      ValuesOf<int64_t>(slot)[row] = MicrosecondsOf(Load<DateTimeRecord>(at));
+      return;
+    case ValueType::kInt32:
+      ValuesOf<int32_t>(slot)[row] = static_cast<int32_t>(IntegerOf(f, at, inputs));
+      break;
+    case ValueType::kInt64:
+      ValuesOf<int64_t>(slot)[row] = IntegerOf(f, at, inputs);
+      break;
+    case ValueType::kText: {
+      std::string text(std::max<size_t>(f.size, kLongestMadeText), '\0');
+      text.resize(static_cast<size_t>(ValueText(f, at, inputs, text.data()) - text.data()));
+      texts_[step.slot][row] = AsUtf8(text);
+      break;
+    }
+  }
+  uint8_t& valid = block_.get()[slot.valid_at + row / 8];
+  valid = static_cast<uint8_t>(valid | 1u << (row % 8));
+}
+
+// The rows of a part are complete but for the keys. False: stop here.
+bool Cursor::EndRows(uint64_t record) {
+  for (size_t s = 0; s < slots_.size(); ++s) {
+    const Slot& slot = slots_[s];
+    const Key key = slot.column->key;
+    if (key == Key::kNone) continue;
+    for (uint32_t i = 0; i < part_rows_; ++i) {
+      const uint32_t row = rows_ + i;
+      const uint64_t entry = uint64_t{part_first_} + i;
+      const bool by_element = table_.from == Table::From::kRecords && !set_.elements.empty();
+      if (key == Key::kRecord) {
+        const uint64_t number = by_element ? uint64_t{first_element_} + i + 1 : record;
+        ValuesOf<int64_t>(slot)[row] = static_cast<int64_t>(number);
+      } else if (key == Key::kIndex) {
+        ValuesOf<int64_t>(slot)[row] = static_cast<int64_t>(entry + 1);
+      } else if (key == Key::kOrder) {
+        ValuesOf<int32_t>(slot)[row] =
+            static_cast<int32_t>(entry) + static_cast<int32_t>(table_.first_order);
+      } else if (key == Key::kTime) {
+        if (time_step_ > 0) ValuesOf<double>(slot)[row] = static_cast<double>(entry) * time_step_;
+        continue;
+      } else {
+        texts_[s][row] = set_.elements[first_element_ + i];
+      }
+      uint8_t& valid = block_.get()[slot.valid_at + row / 8];
+      valid = static_cast<uint8_t>(valid | 1u << (row % 8));
+    }
+  }
+  rows_ += part_rows_;
+  part_rows_ = 0;
+  stopped_ = capacity_ - rows_ < table_.most_rows;
+  return !stopped_;
+}
+
+bool Cursor::EndPart(const PartEnd& end) {
+  if (end.record < next_.record || (end.record == next_.record && end.next <= next_.entry)) {
+    return true;
+  }
+  const bool wanted = !IsWanted(end.record) || EndRows(end.record);
+  part_first_ = end.next;
+  if (!wanted) next_ = {end.record, end.at, end.next};
+  return wanted;
+}
+
+bool Cursor::EndRecord(const RecordEnd& end) {
+  if (end.record < next_.record) return true;
+  bool wanted = true;
+  if (!end.written || !IsWanted(end.record)) {
+    part_rows_ = 0;
+  } else {
+    if (table_.from == Table::From::kRecords) {
+      part_rows_ = set_.elements.empty() ? 1 : end_element_ - first_element_;
+    }
+    wanted = EndRows(end.record);
+  }
+  part_first_ = 0;
+  before_ = {end.record, end.at};
+  next_ = {end.record + 1, end.at + end.size};
+  if (head_->type->once || end.record >= options_.last) {
+    stopped_ = false;
+    return false;
+  }
+  return wanted;
+}
+
+void Cursor::Finish(Batch* batch) {
+  batch->rows = rows_;
+  for (const Slot& slot : slots_) {
+    ColumnData data = {slot.column};
+    FinishColumn(slot, &data, &batch->memory);
+    batch->columns.push_back(data);
+  }
+  batch->memory.push_back(std::move(block_));
+}
+
+void Cursor::FinishColumn(const Slot& slot, ColumnData* data, std::vector<Block>* memory) {
+  uint8_t* valid = block_.get() + slot.valid_at;
+  data->values = block_.get() + slot.values_at;
+  switch (slot.column->type) {
+    case ValueType::kFloat:
+      data->nulls = MarkFloats(ValuesOf<float>(slot), rows_, kNoValue, valid);
+      break;
+    case ValueType::kDouble:
+      data->nulls = MarkFloats(ValuesOf<double>(slot), rows_, kNoValueDouble, valid);
+      break;
+    case ValueType::kTime: {
+      int64_t* times = ValuesOf<int64_t>(slot);
+      const int64_t shift = int64_t{options_.utc_offset.value_or(0)} * 60 * 1000000;
+      for (uint32_t row = 0; row < rows_; ++row) {
+        const bool there = times[row] != kNoTime;
+        times[row] = there ? times[row] - shift : 0;
+        data->nulls += there ? 0 : 1;
+        if (there) valid[row / 8] = static_cast<uint8_t>(valid[row / 8] | 1u << (row % 8));
+      }
+      break;
+    }
+    case ValueType::kInt32:
+    case ValueType::kInt64:
+    case ValueType::kText:
+      for (uint32_t row = 0; row < rows_; ++row)
+        data->nulls += (valid[row / 8] >> (row % 8) & 1) ^ 1;
+      break;
+  }
+  if (data->nulls != 0) data->valid = valid;
+  if (slot.column->type != ValueType::kText) return;
+  const std::vector<std::string>& texts = texts_[static_cast<size_t>(&slot - slots_.data())];
+  size_t size = 0;
+  for (uint32_t row = 0; row < rows_; ++row) size += texts[row].size();
+  Block all = NewBlock(size + 1);
+  char* to = reinterpret_cast<char*>(all.get());
+  auto* offsets = ValuesOf<int32_t>(slot);
+  for (uint32_t row = 0; row < rows_; ++row) {
+    offsets[row] = static_cast<int32_t>(to - reinterpret_cast<char*>(all.get()));
+    std::memcpy(to, texts[row].data(), texts[row].size());
+    to += texts[row].size();
+  }
+  offsets[rows_] = static_cast<int32_t>(size);
+  data->text = reinterpret_cast<char*>(all.get());
+  memory->push_back(std::move(all));
+}
+
+}  // namespace quorvex
