@@ -91,6 +91,7 @@ class Cursor final : private Listener {
   uint64_t record_size_ = 0;                      // 0 where records differ
   uint32_t first_element_ = 0, end_element_ = 0;  // where records have elements: rows from and to
   std::vector<Slot> slots_;
+  std::vector<size_t> keys_;  // slots that no record has values for
   std::unordered_map<std::string, std::vector<uint32_t>> slots_of_;  // by path
   std::vector<Binding> bindings_;
   const Binding* last_ = nullptr;

@@ -3,7 +3,9 @@
 #include <cerrno>
 #include <cstring>
 #include <exception>
+#include <memory>
 #include <new>
+#include <stdexcept>
 #include <optional>
 
 #include "findings/soundness.h"
@@ -19,11 +21,11 @@ struct QuorvexTables {
   std::string path;
   FileHeader header;
   uint64_t size;
-  TableSet set;
+  std::shared_ptr<const TableSet> set;  // streams need it longer
 
   const Table* At(int32_t table) const {
-    const bool known = table >= 0 && static_cast<size_t>(table) < set.tables.size();
-    return known ? &set.tables[static_cast<size_t>(table)] : nullptr;
+    const bool known = table >= 0 && static_cast<size_t>(table) < set->tables.size();
+    return known ? &set->tables[static_cast<size_t>(table)] : nullptr;
   }
 };
 
@@ -60,7 +62,7 @@ T Guarded(T failed, char* error, uint32_t room, Work work) {
 
 struct Stream {
   Stream(const QuorvexTables& of, const Table& read)
-      : recording(of), table(*recording.set.Find(read.name)) {}
+      : recording(of), table(read) {}
 
   QuorvexTables recording;  // its own: the caller's may be closed by then
   const Table& table;
@@ -110,7 +112,7 @@ int Open(Stream* of) {
     return EIO;
   }
   of->head->UseSettingFile();
-  of->cursor.emplace(&*of->head, of->recording.set, of->table, of->columns, of->options);
+  of->cursor.emplace(&*of->head, *of->recording.set, of->table, of->columns, of->options);
   return 0;
 }
 
@@ -168,14 +170,15 @@ QuorvexTables* QuorvexTablesOpen(const char* path, char* error, uint32_t error_r
     const std::string problem = ProblemOf(path, &head);
     if (!problem.empty()) throw std::runtime_error(problem);
     head.UseSettingFile();
-    return new QuorvexTables{path, head.header, head.size, TablesOf(*head.type, head.settings)};
+    return new QuorvexTables{path, head.header, head.size,
+                             std::make_shared<TableSet>(TablesOf(*head.type, head.settings))};
   });
 }
 
 void QuorvexTablesClose(QuorvexTables* tables) { delete tables; }
 
 int32_t QuorvexTablesCount(const QuorvexTables* tables) {
-  return tables != nullptr ? static_cast<int32_t>(tables->set.tables.size()) : 0;
+  return tables != nullptr ? static_cast<int32_t>(tables->set->tables.size()) : 0;
 }
 
 const char* QuorvexTablesName(const QuorvexTables* tables, int32_t table) {
@@ -214,7 +217,7 @@ int32_t QuorvexTablesRead(const QuorvexTables* tables, const char* table,
     if (tables == nullptr || table == nullptr || stream == nullptr) {
       throw std::runtime_error("null is no recording, table or stream");
     }
-    const Table* found = tables->set.Find(table);
+    const Table* found = tables->set->Find(table);
     if (found == nullptr) throw std::runtime_error("there is no table " + std::string(table));
     auto of = std::make_unique<Stream>(*tables, *found);
     ChooseColumns(*found, columns, column_count, &of->columns);
