@@ -57,6 +57,7 @@ static_assert(Tiles<WrongByte(kTransition)>);
 
 const RecordType kAlarms = {
     .type = 7,
+    .word = "alarms",
     .name = "alarms",
     .about =
         "A record is the start or the end of an alarm, with the running serial numbers of all "

@@ -122,6 +122,7 @@ void WalkSummaries(Walk* w) {
 
 const RecordType kAverages = {
     .type = 11,
+    .word = "averages",
     .name = "averages",
     .about =
         "A recording summed up three times, for each phase and in total. Energies are doubles.",

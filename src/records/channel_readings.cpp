@@ -45,9 +45,11 @@ void WalkReadings(Walk* w) {
 
 // The instrument keeps two lists of readings, in one format. The second comes with an inrush
 // recording, whose parameters its information line shows.
-constexpr RecordType Readings(uint32_t type, const char* name, const InfoLine& line) {
+constexpr RecordType Readings(uint32_t type, const char* word, const char* name,
+                              const InfoLine& line) {
   return {
       .type = type,
+      .word = word,
       .name = name,
       .about =
           "Each reading is a voltage and a current of one channel, scaled like the samples of a "
@@ -78,8 +80,8 @@ constexpr InfoField kInrushInfo[] = {
 
 }  // namespace
 
-constinit const RecordType kChannelReadings = Readings(3, "channel readings", {});
+constinit const RecordType kChannelReadings = Readings(3, "readings", "channel readings", {});
 constinit const RecordType kMoreChannelReadings =
-    Readings(14, "channel readings (second list)", kInrushInfo);
+    Readings(14, "readings_2", "channel readings (second list)", kInrushInfo);
 
 }  // namespace quorvex

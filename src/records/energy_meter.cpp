@@ -66,6 +66,7 @@ constexpr InfoField kInfo[] = {
 
 const RecordType kEnergyMeter = {
     .type = 18,
+    .word = "energy_meter",
     .name = "energy meter tests",
     .about =
         "What is written follows the connection; of an unknown one there are the interval, the "

@@ -29,7 +29,8 @@ const Field* ChooseByProfile(const UifParams& settings) {
   }
 }
 
-constexpr LayoutChoice kChoice = {kLayouts, std::size(kLayouts), ChooseByProfile};
+constexpr const char* kWords[] = {"full", "compact", "standard"};
+constexpr LayoutChoice kChoice = {kLayouts, kWords, std::size(kLayouts), ChooseByProfile};
 
 // What progress counts against: the records of the file, or of the range where that is shorter.
 uint32_t ExpectedRecords(const Walk& w, uint32_t record_size) {
@@ -77,6 +78,7 @@ constexpr InfoField kInfo[] = {
 
 const RecordType kGeneral = {
     .type = 1,
+    .word = "general",
     .name = "general records",
     .about =
         "An interval a record. The recording profile chooses one of three layouts for the whole "

@@ -17,6 +17,7 @@ static_assert(Tiles<WrongByte(kInrush)>);
 
 const RecordType kInrushCurrents = {
     .type = 13,
+    .word = "inrush",
     .name = "inrush currents",
     .about = "An entry an event.",
     .list = "RECORDS",

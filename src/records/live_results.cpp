@@ -98,6 +98,7 @@ constexpr InfoField kInfo[] = {{"time", InfoForm::kTime, kStartAt, InfoFrom::kFi
 
 const RecordType kLiveResults = {
     .type = 6,
+    .word = "live",
     .name = "live results",
     .about =
         "One copy of what the instrument shows: every channel position, whatever the connection. "

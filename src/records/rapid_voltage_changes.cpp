@@ -38,6 +38,7 @@ static_assert(Tiles<WrongByte(kChange)>);
 
 const RecordType kRapidVoltageChanges = {
     .type = 10,
+    .word = "voltage_changes",
     .name = "rapid voltage changes",
     .about = "Each change comes with the 200 half-cycle voltages around it.",
     .list = "RECORDS",

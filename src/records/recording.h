@@ -38,6 +38,7 @@ struct Walk;
 // The layouts of a type whose records have several: the settings choose one for the whole file.
 struct LayoutChoice {
   const Field* const* layouts;  // every layout that there is
+  const char* const* words;     // one for each, for names
   uint32_t count;
   const Field* (*choose)(const UifParams& settings);  // null where these settings name none
 };
@@ -45,6 +46,7 @@ struct LayoutChoice {
 // One row of the table of record types. The differences between types are its columns.
 struct RecordType {
   uint32_t type;
+  const char* word;            // for names: "general"
   const char* name;            // in words
   const char* about;           // what one must know about its files, for documentation
   const char* list = nullptr;  // element around the records, null for none

@@ -79,6 +79,7 @@ void WalkSessions(Walk* w) {
 
 const RecordType kSessions = {
     .type = 15,
+    .word = "sessions",
     .name = "sessions",
     .about =
         "Sessions stand back to back, each a header and its elements. The file carries no settings "

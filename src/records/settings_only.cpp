@@ -5,6 +5,7 @@ namespace quorvex {
 
 const RecordType kSettingsOnly = {
     .type = 4,
+    .word = "settings_only",
     .name = "settings",
     .about = "The settings and nothing else: there is not even an empty list of records.",
     .state = true,

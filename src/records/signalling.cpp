@@ -183,6 +183,7 @@ void WalkSignalling(Walk* w) {
 
 const RecordType kSignalling = {
     .type = 9,
+    .word = "signalling",
     .name = "signalling",
     .about =
         "Recordings of any length stand back to back: a head, then fourteen arrays with an "

@@ -130,6 +130,7 @@ constexpr InfoField kInfo[] = {
 
 const RecordType kSnapshots = {
     .type = 2,
+    .word = "snapshots",
     .name = "snapshots",
     .about =
         "A snapshot is its start, the totals of the three accumulation periods, the latest "

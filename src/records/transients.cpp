@@ -20,6 +20,7 @@ static_assert(Tiles<WrongByte(kEntry)>);
 
 const RecordType kTransients = {
     .type = 12,
+    .word = "transients",
     .name = "transients",
     .about =
         "Each entry names a capture, whose waveforms are a file of their own, and carries the "

@@ -91,6 +91,7 @@ static_assert(Tiles<WrongByte(kTransition)>);
 
 const RecordType kVoltageEvents = {
     .type = 8,
+    .word = "voltage_events",
     .name = "voltage events",
     .about =
         "A record is a transition between dips, swells, interruptions and normal voltage, with the "

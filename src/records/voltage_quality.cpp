@@ -107,7 +107,8 @@ const Field* ChooseByInterval(const UifParams& settings) {
   }
 }
 
-constexpr LayoutChoice kChoice = {kLayouts, std::size(kLayouts), ChooseByInterval};
+constexpr const char* kWords[] = {"other", "600s", "900s"};
+constexpr LayoutChoice kChoice = {kLayouts, kWords, std::size(kLayouts), ChooseByInterval};
 
 void WalkIntervals(Walk* w) {
   const auto size = static_cast<uint32_t>(w->recording->size);
@@ -135,6 +136,7 @@ constexpr InfoField kInfo[] = {
 
 const RecordType kVoltageQuality = {
     .type = 16,
+    .word = "voltage_quality",
     .name = "voltage quality",
     .about =
         "RMS, distortion, flicker and the spectrum of three voltages, an interval a record. The "

@@ -200,6 +200,7 @@ constexpr InfoField kInfo[] = {
 
 const RecordType kWaveformCapture = {
     .type = 5,
+    .word = "capture",
     .name = "waveform capture",
     .about =
         "Eight slots of samples, four of voltages and four of currents, each of as many samples "

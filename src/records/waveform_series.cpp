@@ -126,6 +126,7 @@ constexpr InfoField kInfo[] = {
 
 const RecordType kWaveformSeries = {
     .type = 17,
+    .word = "series",
     .name = "waveform series",
     .about =
         "A record is its start and a waveform for each channel of the connection, one behind the "

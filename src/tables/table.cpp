@@ -164,6 +164,16 @@ TableSet TablesOf(const RecordType& type, const UifParams& settings) {
   return set;
 }
 
+std::string WordOf(const RecordType& type, const UifParams& settings) {
+  const Field* layout = type.choice != nullptr ? LayoutOf(type, settings) : nullptr;
+  for (uint32_t i = 0; layout != nullptr && i < type.choice->count; ++i) {
+    if (type.choice->layouts[i] == layout) {
+      return std::string(type.word) + "_" + type.choice->words[i];
+    }
+  }
+  return type.word;
+}
+
 const char* NameOf(ValueType type) {
   constexpr const char* kNames[] = {"int32", "int64", "float", "double", "text", "time"};
   return kNames[static_cast<size_t>(type)];

@@ -56,6 +56,10 @@ struct TableSet {
 };
 TableSet TablesOf(const RecordType& type, const UifParams& settings);
 
+// What tables of these recordings are called where those of several stand together: "general_full",
+// "snapshots".
+std::string WordOf(const RecordType& type, const UifParams& settings);
+
 // The wiring of a recording, for the values of its layouts.
 inline Wiring WiringOf(const RecordType& type, const UifParams& settings) {
   return {CaseOf(settings), settings, type.phase_label};

@@ -5,8 +5,8 @@
 #include <exception>
 #include <memory>
 #include <new>
-#include <stdexcept>
 #include <optional>
+#include <stdexcept>
 
 #include "findings/soundness.h"
 #include "quorvex64.h"
@@ -61,8 +61,7 @@ T Guarded(T failed, char* error, uint32_t room, Work work) {
 }
 
 struct Stream {
-  Stream(const QuorvexTables& of, const Table& read)
-      : recording(of), table(read) {}
+  Stream(const QuorvexTables& of, const Table& read) : recording(of), table(read) {}
 
   QuorvexTables recording;  // its own: the caller's may be closed by then
   const Table& table;

@@ -18,6 +18,7 @@ using AddCommand = Command(CLI::App& app);
 // a line here.
 #define QUORVEX_COMMANDS(COMMAND) \
   COMMAND(Convert)                \
+  COMMAND(Export)                 \
   COMMAND(Info)                   \
   COMMAND(Check)                  \
   COMMAND(Count)                  \

@@ -1,18 +1,11 @@
 // quorvex convert decides which recordings become which documents, and has them converted.
-#include <algorithm>
-#include <charconv>
-#include <map>
-#include <set>
-#include <thread>
-
 #include "commands/commands.h"
 #include "records/record_types.h"
 #include "shared/conversion_jobs.h"
 #include "shared/gather.h"
 #include "shared/help.h"
 #include "shared/messages.h"
-#include "shared/scratch.h"
-#include "support/file.h"
+#include "shared/output_places.h"
 
 namespace quorvex::tool {
 namespace {
@@ -24,37 +17,11 @@ struct ConvertOptions {
   bool overwrite = false, no_clobber = false, quiet = false;
 };
 
-// A range of records is "5", "5-" or "3-5".
-bool ParseRange(const std::string& text, Range* range) {
-  const char* end = text.data() + text.size();
-  auto [at, error] = std::from_chars(text.data(), end, range->first);
-  if (error != std::errc()) return false;
-  if (at == end) {
-    range->last = range->first;
-  } else if (*at++ != '-') {
-    return false;
-  } else if (at != end) {
-    const auto last = std::from_chars(at, end, range->last);
-    if (last.ec != std::errc() || last.ptr != end) return false;
-  }
-  return range->first >= 1 && range->first <= range->last;
-}
-
 std::string DocumentName(const std::string& recording) {
   const size_t name = recording.size() - NameOnly(recording).size();
   const size_t dot = recording.rfind('.');
   const bool extension = dot != std::string::npos && dot > name;
   return (extension ? recording.substr(0, dot) : recording) + ".xml";
-}
-
-// Whether what stands at `path` is a recording, which is never replaced, as it is not to be had
-// again. The second word of a recording is its type.
-bool IsRecording(const std::string& path) {
-  if (IsRecordingName(path)) return true;
-  File file(path.c_str(), kOpenRead);
-  FileHeader header{};
-  return file && ReadBytes(file.get(), &header, sizeof header) == sizeof header &&
-         FindRecordType(header.type) != nullptr;
 }
 
 // Gives the job its range. Only of general recordings a part can be converted.
@@ -77,7 +44,10 @@ bool TakeRange(const Range& range, Job* job) {
 class Preparation {
  public:
   Preparation(const ConvertOptions& options, const Range& range, bool into_folder)
-      : options_(options), range_(range), into_folder_(into_folder) {}
+      : options_(options),
+        range_(range),
+        into_folder_(into_folder),
+        places_("document", options.overwrite) {}
 
   void Prepare(Job* job) {
     job->recording = Inspect(job->input);
@@ -88,7 +58,7 @@ class Preparation {
     const bool spooled = IsSpooled(job->input);
     if (options_.output == "-" || (spooled && options_.output.empty())) {
       job->named = "standard output";
-      CleanUp(TemporaryFolder());
+      places_.CleanUp(TemporaryFolder());
       return;
     }
     job->named = options_.output;
@@ -102,51 +72,15 @@ class Preparation {
     }
     if (IsFolder(job->named)) return job->Fail(kNoOutput, job->named, "is a folder");
     job->output = Resolved(job->named);
-    CheckPlace(job);
+    places_.Take(job);
   }
 
  private:
-  void CheckPlace(Job* job) {
-    if (SameRecording(job->input, job->output)) {
-      return job->Fail(kNoOutput, job->named, "is the recording itself; it is not overwritten");
-    }
-    if (IsSpecial(job->output)) return;
-    if (IsRecording(job->output)) {
-      return job->Fail(kNoOutput, job->named,
-                       Exists(job->output) ? "is a recording; it is not overwritten"
-                                           : "has the name of a recording");
-    }
-    const auto [entry, is_new] = taken_.emplace(PathKey(job->output), job->input);
-    if (!is_new) {
-      return job->Fail(
-          kNoOutput, job->input,
-          "its document " + job->named + " is the one of " + entry->second + " already");
-    }
-    if (!options_.overwrite && Exists(job->output)) return job->FailExisting();
-    CleanUp(FolderOf(job->output));
-  }
-
-  // Once a folder.
-  void CleanUp(const std::string& folder) {
-    if (cleaned_.insert(folder).second) RemoveLeftovers(folder);
-  }
-
   const ConvertOptions& options_;
   Range range_;
   bool into_folder_;
-  std::map<std::string, std::string> taken_;
-  std::set<std::string> cleaned_;
+  OutputPlaces places_;
 };
-
-void TellExisting(const std::deque<Job>& jobs) {
-  const auto exists = [](const Job& job) { return job.exists; };
-  const auto count = std::count_if(jobs.begin(), jobs.end(), exists);
-  if (count == 0) return;
-  const Job& first = *std::find_if(jobs.begin(), jobs.end(), exists);
-  if (count == 1) return Complain(first.culprit, first.problem);
-  Say(std::to_string(count) + " documents exist already, the first is " + first.named +
-      "; --overwrite replaces them");
-}
 
 // Says in one line what became of them all.
 void TellSummary(const std::deque<Job>& jobs) {
@@ -195,11 +129,9 @@ ExitCode Convert(const ConvertOptions& options) {
     preparation.Prepare(&jobs.back());
     if (progress.IsDue()) progress.Tell({jobs.size()});
   }
-  unsigned workers = options.jobs != 0 ? options.jobs : std::thread::hardware_concurrency();
-  workers = std::clamp(workers, 1u, kMostWorkers);
-  workers = static_cast<unsigned>(std::min<size_t>(workers, jobs.size()));
-  const bool finished = RunJobs(&jobs, {options.overwrite, !options.quiet}, workers, &progress);
-  if (!options.no_clobber) TellExisting(jobs);
+  const bool finished = RunJobs(&jobs, Converting({options.overwrite, !options.quiet}),
+                                WorkersFor(options.jobs, jobs.size()), &progress);
+  if (!options.no_clobber) TellExisting(jobs, "documents");
   if (!finished) Say("cancelled");
   if (several && !options.quiet) TellSummary(jobs);
   InterruptsAreDone();

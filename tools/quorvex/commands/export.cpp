@@ -1,0 +1,321 @@
+// quorvex export writes recordings as tables.
+#include <algorithm>
+#include <cctype>
+#include <set>
+
+#include "commands/commands.h"
+#include "export/csv_files.h"
+#include "export/database.h"
+#include "shared/gather.h"
+#include "shared/help.h"
+#include "shared/messages.h"
+#include "shared/output_places.h"
+
+namespace quorvex::tool {
+namespace {
+
+struct ExportOptions {
+  std::vector<std::string> inputs, tables;
+  std::string output, format, records, utc_offset;
+  unsigned jobs = 0;
+  bool list = false, overwrite = false, quiet = false;
+};
+
+// "+01:00", "-03:30", "Z"
+bool ParseOffset(const std::string& text, int32_t* minutes) {
+  const auto digit = [&](size_t at) {
+    return at < text.size() && std::isdigit(static_cast<unsigned char>(text[at])) != 0;
+  };
+  *minutes = 0;
+  if (text == "Z") return true;
+  if (text.size() != 6 || (text[0] != '+' && text[0] != '-') || text[3] != ':') return false;
+  if (!digit(1) || !digit(2) || !digit(4) || !digit(5)) return false;
+  const int hours = std::stoi(text.substr(1, 2)), rest = std::stoi(text.substr(4));
+  *minutes = (hours * 60 + rest) * (text[0] == '-' ? -1 : 1);
+  return hours < 24 && rest < 60;
+}
+
+std::string StemOf(const std::string& recording) {
+  if (IsSpooled(recording)) return "recording";
+  const std::string name = NameOnly(recording);
+  const size_t dot = name.rfind('.');
+  return dot == std::string::npos || dot == 0 ? name : name.substr(0, dot);
+}
+
+// Looks at a recording before anything is written.
+bool Look(const ExportRequest& request, Job* job) {
+  const Opened opened(job->input);
+  job->recording = Inspect(job->input);
+  if (opened.code != kDone) {
+    job->Fail(opened.code, job->input, opened.problem);
+    return false;
+  }
+  for (const std::string& name : request.tables) {
+    if (opened.set.Find(name) != nullptr) continue;
+    std::string all;
+    for (const Table& table : opened.set.tables) all += (all.empty() ? "" : ", ") + table.name;
+    job->Fail(kUsage, job->input, "has no table " + name + "; it has " + all);
+    return false;
+  }
+  return true;
+}
+
+ExitCode List(const std::vector<std::string>& recordings, const ExportRequest& request) {
+  ExitCode code = kDone;
+  std::set<std::string> known;
+  Print(kColumnsHeader);
+  for (const std::string& recording : recordings) {
+    Job job;
+    job.input = recording;
+    if (!Look(request, &job)) {
+      Complain(recording, job.problem);
+      if (code == kDone) code = job.code;
+      continue;
+    }
+    const Opened opened(recording);
+    std::vector<std::string> lines;
+    AddColumnLines(opened, opened.Wanted(request).value_or(std::vector<const Table*>()), &lines);
+    for (const std::string& line : lines) {
+      if (known.insert(line).second) Print(Shown(line.substr(0, line.size() - 2)) + "\r\n");
+    }
+  }
+  return code;
+}
+
+// Takes the places of all of a recording's files, or fails it.
+class CsvPlaces {
+ public:
+  explicit CsvPlaces(const ExportOptions& options) : places_("table", options.overwrite) {}
+
+  void Take(const std::string& folder, const ExportRequest& request, Job* job) {
+    const std::string stem = Inside(folder, StemOf(job->input));
+    // Folders travel: names that differ by case only would be one elsewhere.
+    std::string key = NameOnly(stem);
+    std::transform(key.begin(), key.end(), key.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    const auto [entry, is_new] = stems_.emplace(key, job->input);
+    if (!is_new) {
+      return job->Fail(kNoOutput, job->input,
+                       "its tables would be those of " + entry->second + " already");
+    }
+    const Opened opened(job->input);
+    for (const Table* table : opened.Wanted(request).value_or(std::vector<const Table*>())) {
+      job->output = job->named = CsvName(stem, *table);
+      if (job->named.size() > kMaxPath) {
+        job->Fail(kNoOutput, job->named, "the path is longer than 511 bytes");
+      } else if (IsFolder(job->named)) {
+        job->Fail(kNoOutput, job->named, "is a folder");
+      } else {
+        places_.Take(job);
+      }
+      if (!job->problem.empty()) return;
+    }
+    job->output = job->named = stem;
+  }
+
+ private:
+  OutputPlaces places_;
+  std::map<std::string, std::string> stems_;
+};
+
+void TellSummary(const std::deque<Job>& jobs, const std::string& where) {
+  const auto written =
+      std::count_if(jobs.begin(), jobs.end(), [](const Job& job) { return job.problem.empty(); });
+  Say("found " + std::to_string(jobs.size()) + ", written " + std::to_string(written) +
+      ", skipped " + std::to_string(static_cast<std::ptrdiff_t>(jobs.size()) - written) + "; " +
+      where);
+}
+
+ExitCode Run(std::deque<Job>* jobs, const ExportOptions& options, const Work& work,
+             unsigned workers, Progress* progress) {
+  const bool finished = RunJobs(jobs, work, workers, progress);
+  TellExisting(*jobs, "tables");
+  if (!finished) Say("cancelled");
+  if (jobs->size() > 1 && !options.quiet) TellSummary(*jobs, "tables in " + options.output);
+  InterruptsAreDone();
+  if (!finished) return kCancelled;
+  const auto failed =
+      std::find_if(jobs->begin(), jobs->end(), [](const Job& job) { return job.code != kDone; });
+  return failed != jobs->end() ? failed->code : kDone;
+}
+
+ExitCode ToFolder(const ExportOptions& options, const ExportRequest& request, std::deque<Job>* jobs,
+                  Progress* progress) {
+  const std::string& folder = options.output;
+  if (Exists(folder) && !IsFolder(folder)) {
+    Complain(folder, "is no folder; CSV files need one");
+    return kUsage;
+  }
+  if (!IsFolder(folder) && !CreateFolder(folder)) {
+    Complain(folder, "cannot be created: " + SystemError());
+    return kNoOutput;
+  }
+  const std::string columns_path = Inside(folder, "columns.csv");
+  if (const std::string problem = ColumnsProblem(folder); !problem.empty()) {
+    Complain(columns_path, problem);
+    return kNoOutput;
+  }
+  CsvPlaces places(options);
+  for (Job& job : *jobs) {
+    if (Look(request, &job)) places.Take(folder, request, &job);
+  }
+  const auto columns = std::make_shared<ColumnLines>();
+  ExitCode code = Run(jobs, options, WritingCsv(request, columns),
+                      WorkersFor(options.jobs, jobs->size()), progress);
+  if (columns->lines.empty()) return code;
+  std::sort(columns->lines.begin(), columns->lines.end());
+  if (const std::string problem = WriteColumns(folder, columns->lines); !problem.empty()) {
+    Complain(columns_path, "cannot be written: " + problem);
+    if (code == kDone) code = kNoOutput;
+  }
+  return code;
+}
+
+ExitCode ToOutput(const ExportOptions& options, const ExportRequest& request, std::deque<Job>* jobs,
+                  Progress* progress) {
+  if (jobs->size() != 1 || request.tables.size() != 1) {
+    Complain("-o -", "standard output takes one table of one recording (--table NAME)");
+    return kUsage;
+  }
+  Job& job = jobs->front();
+  job.named = "standard output";
+  Look(request, &job);
+  const auto columns = std::make_shared<ColumnLines>();
+  return Run(jobs, options, WritingCsv(request, columns), 1, progress);
+}
+
+ExitCode ToDatabase(const ExportOptions& options, const ExportRequest& request,
+                    std::deque<Job>* jobs, Progress* progress) {
+  std::string problem;
+  if (!HasDatabases(&problem)) {
+    Complain(options.output, problem);
+    return kUsage;
+  }
+  bool any = false;
+  for (Job& job : *jobs) {
+    job.output = job.named = options.output;
+    any = Look(request, &job) || any;
+  }
+  // Where nothing can be read no database is made.
+  Work work = [](Job*, unsigned) {};
+  if (any) work = WritingDatabase(options.output, request, options.inputs, &problem);
+  if (work == nullptr) {
+    Complain(options.output, problem);
+    return kNoOutput;
+  }
+  return Run(jobs, options, work, 1, progress);
+}
+
+// What is to be written is said, or follows from the output's name.
+std::string FormatOf(const ExportOptions& options) {
+  if (!options.format.empty()) return options.format;
+  const auto ends = [&](const std::string& end) {
+    return options.output.size() > end.size() &&
+           options.output.compare(options.output.size() - end.size(), end.size(), end) == 0;
+  };
+  if (ends(".arrow") || ends(".arrows")) return "arrow";
+  return ends(".sqlite") || ends(".db") ? "sqlite" : "csv";
+}
+
+ExitCode Export(const ExportOptions& options) {
+  ExportRequest request;
+  request.tables = options.tables;
+  request.overwrite = options.overwrite;
+  Range range;
+  if (!options.records.empty()) {
+    if (!ParseRange(options.records, &range)) {
+      Complain("--records " + options.records, "is no range of records such as 3-5, 5- or 5");
+      return kUsage;
+    }
+    request.read.first = range.first;
+    if (range.last != 0xFFFFFFFF) request.read.last = range.last;
+  }
+  if (int32_t minutes = 0; !options.utc_offset.empty()) {
+    if (!ParseOffset(options.utc_offset, &minutes)) {
+      Complain("--utc-offset " + options.utc_offset, "is no offset such as +01:00, -03:30 or Z");
+      return kUsage;
+    }
+    request.read.utc_offset = minutes;
+  }
+  const std::string format = FormatOf(options);
+  if (format == "arrow") {
+    Say("no Arrow files are written; the library QuorvexTables and the Python package hand out "
+        "Arrow "
+        "streams, which other programs make files of");
+    return kUsage;
+  }
+  if (options.output.empty() && !options.list) {
+    Complain("-o", "says where the tables go: a folder, a file that ends in .sqlite, or -");
+    return kUsage;
+  }
+  Progress progress(!options.quiet && !options.list);
+  std::vector<std::string> recordings;
+  const bool gathered = GatherRecordings(options.inputs, &recordings);
+  if (recordings.empty()) return kNoInput;
+  if (options.list) {
+    const ExitCode code = List(recordings, request);
+    return code == kDone && !gathered ? kNoInput : code;
+  }
+  CatchInterrupts();
+  std::deque<Job> jobs;
+  for (const std::string& recording : recordings) jobs.emplace_back().input = recording;
+  ExitCode code = kDone;
+  if (format == "sqlite") {
+    code = ToDatabase(options, request, &jobs, &progress);
+  } else if (options.output == "-") {
+    code = ToOutput(options, request, &jobs, &progress);
+  } else {
+    code = ToFolder(options, request, &jobs, &progress);
+  }
+  return code == kDone && !gathered ? kNoInput : code;
+}
+
+}  // namespace
+
+Command AddExport(CLI::App& app) {
+  const auto options = std::make_shared<ExportOptions>();
+  CLI::App* line = app.add_subcommand("export", "Write recordings as tables: CSV, SQLite");
+  TakePaths(line, &options->inputs);
+  line->add_option(
+          "-o,--output", options->output,
+          "A folder for CSV files, one a table; a database, which ends in .sqlite or .db; - "
+          "is standard output, for one table of one recording")
+      ->option_text("PATH");
+  line->add_option("--format", options->format, "csv or sqlite, whatever the output is called")
+      ->check(CLI::IsMember({"csv", "sqlite", "arrow"}))
+      ->option_text("FORMAT");
+  line->add_option(
+          "--table", options->tables,
+          "Only this table, such as records or samples; --list says which there are. May be "
+          "given several times")
+      ->option_text("NAME")
+      ->allow_extra_args(false);
+  line->add_option("--records", options->records,
+                   "Only these records, counted from 1: 3-5, 5- or 5")
+      ->option_text("A-B");
+  line->add_option("--utc-offset", options->utc_offset,
+                   "What the instrument's clock is ahead of UTC: +01:00. Times are shifted to UTC "
+                   "then, and end in Z; otherwise they are the clock's, and say nothing of a zone")
+      ->option_text("±HH:MM");
+  line->add_flag("--list", options->list,
+                 "Say as CSV which tables and columns there are, with units and meanings");
+  line->add_flag(
+      "--overwrite", options->overwrite,
+      "Replace CSV files that exist already. By default they are left as they are, and "
+      "the command fails for their recordings. In a database the rows of a recording are "
+      "always replaced");
+  line->add_option(
+          "-j,--jobs", options->jobs,
+          "Recordings side by side; as many as there are cores by default. A database takes "
+          "one after the other")
+      ->option_text("N");
+  line->add_flag("-q,--quiet", options->quiet, "Failures only: no progress, no summary");
+  line->footer(
+      Footer({"quorvex export card -o tables/", "quorvex export card -o card.sqlite",
+              "quorvex export R0001GEN.REC --table records -o - | mlr --icsv --opprint head",
+              "quorvex export R0001GEN.REC --list"},
+             {kDone, kUsage, kNoInput, kUnknownType, kCutShort, kNoOutput, kCancelled}));
+  return {line, [options] { return Export(*options); }};
+}
+
+}  // namespace quorvex::tool

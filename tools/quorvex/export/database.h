@@ -1,0 +1,18 @@
+// Exports into an SQLite database: a table for each table of each kind of recordings, whose rows
+// carry the recording's number in `recordings`.
+#pragma once
+
+#include "export/export.h"
+
+namespace quorvex::tool {
+
+// Whether a database can be written at all, and why not.
+bool HasDatabases(std::string* problem);
+
+// Jobs that put the rows of a recording into the database at `path`, in the place of those that it
+// has there. `inputs` are the paths that were given: below them a recording is known by its path.
+// Where the database cannot be used there is no work, and a problem.
+Work WritingDatabase(const std::string& path, const ExportRequest& request,
+                     const std::vector<std::string>& inputs, std::string* problem);
+
+}  // namespace quorvex::tool
