@@ -57,5 +57,6 @@ endif()
 # Listeners that hosts do not get: built like any C++ program, for our own tools and tests.
 file(GLOB findings_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/findings/*.cpp)
 add_library(quorvex_findings STATIC ${findings_sources})
+target_compile_options(quorvex_findings PRIVATE $<$<NOT:$<CONFIG:Release>>:-O0>)
 target_link_libraries(quorvex_findings PUBLIC quorvex_static
                                        PRIVATE quorvex_flags quorvex_hardening)
