@@ -11,6 +11,10 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
   target_compile_options(quorvex_flags INTERFACE -fconstexpr-steps=50000000 -Wno-sign-conversion)
 endif()
 
+# What runs once is optimized no harder than that needs, and under sanitizers not at all: that would
+# take the compiler five times as long.
+set(as_runs_once $<IF:$<CONFIG:Release>,-O1,-O0>)
+
 # Hardening of what is shipped: damaged files are its daily bread. tests/check_exports looks for it.
 # Sanitizers check more, and do not go with the compiler's part. On Windows the stack protector would
 # bring a runtime along that writes to a console.

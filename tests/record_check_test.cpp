@@ -35,6 +35,11 @@ Bytes Inrush(std::initializer_list<int> hours) {
   }
   return file;
 }
+// From the first of the month, a second past midnight, to the 29th of February.
+Bytes EnergiesFromMonth(int month) {
+  const Bytes file = Sound(18).PutTime(kRecords, 2024, month, 1, 0, 0, 1).PadTo(kRecords + 144);
+  return Bytes(file).PutTime(kRecords + 16, 2024, 2, 29, 0, 0, 0);
+}
 
 // The findings of warnings and errors, a line each.
 std::string FoundIn(const Bytes& file, Severity least = Severity::kWarning,
@@ -136,20 +141,14 @@ TEST(RecordCheck, DamagedRecordings) {
       {Inrush({9, 12, 10}),
        "warning: offset 3120, record 3, START_TIME: lies before that of record 2, "
        "2024-03-07 12:00:00.000: 2024-03-07 10:00:00.000\n"},
-      {Sound(18)
-           .PutTime(kRecords, 2024, 13, 1, 0, 0, 1)
-           .PutTime(kRecords + 16, 2024, 2, 29, 0, 0, 0)
-           .PadTo(kRecords + 144),
+      {EnergiesFromMonth(13),
        "warning: offset 3072, record 1, START_TIME: is no point in time: 2024-13-01 "
        "00:00:01.000\n"},
       {Inrush({9, 25, 8}),
        "warning: offset 3096, record 2, START_TIME: is no point in time: 2024-03-07 25:00:00.000\n"
        "warning: offset 3120, record 3, START_TIME: lies before that of record 1, "
        "2024-03-07 09:00:00.000: 2024-03-07 08:00:00.000\n"},
-      {Sound(18)
-           .PutTime(kRecords, 2024, 3, 1, 0, 0, 1)
-           .PutTime(kRecords + 16, 2024, 2, 29, 0, 0, 0)
-           .PadTo(kRecords + 144),
+      {EnergiesFromMonth(3),
        "warning: offset 3088, record 1, END_TIME: lies before START_TIME, 2024-03-01 00:00:01.000: "
        "2024-02-29 00:00:00.000\n"},
       {Sound(10)

@@ -1,8 +1,10 @@
 // Sample scales against values worked out by hand, as mantissa and power of two where they are not
-// round.
+// round; then what documents make of them.
 #include "records/sample_scales.h"
 
 #include <gtest/gtest.h>
+
+#include <sstream>
 
 #include "support.h"
 
@@ -84,6 +86,102 @@ TEST(SampleScales, OfCurrents) {
     s.range_in = c.own_range | 0x100u;
     EXPECT_EQ(c.expected[0], CurrentSampleScale(s, c.channel, NeutralRange::kOfPhases)) << c.what;
     EXPECT_EQ(c.expected[1], CurrentSampleScale(s, c.channel, NeutralRange::kOwn)) << c.what;
+  }
+}
+
+// What one step of a sample comes to, by channel; `none` is a value only where it is not scaled.
+TEST(Scales, OfChannelReadings) {
+  const struct {
+    uint8_t channel;
+    float volts, amperes;
+    const char *u, *i;
+  } cases[] = {
+      {0, 2, 3, "2.000000E+00", "3.000000E+00"},
+      {0, kNone, kNone, "-", "-"},
+      {1, 2, 4, "2.500000E+00", "5.000000E+00"},
+      {1, kNone, kNone, "-1.250000E+37", "-1.250000E+37"},
+      {2, 2, 4, "5.000000E+00", "1.000000E+01"},
+      {3, 2, 4, "1.000000E+01", "2.000000E+01"},
+      {4, 2, 4, "1.250000E+00", "8.000000E+01"},
+      {4, kNone, kNone, "-6.250000E+36", "-"},
+      {5, 2, 4, "2.000000E+00", "4.000000E+00"},
+      {255, 2, kNone, "2.000000E+00", "-"},
+  };
+  for (const auto& c : cases) {
+    const Bytes reading = Bytes(32).Put(16, c.channel).Put(20, c.volts).Put(24, c.amperes);
+    const std::string document = Converted(ScaledHead(3, 3).PutBytes(3072, reading));
+    EXPECT_EQ(c.u, ValuesOf(document, "U"));
+    EXPECT_EQ(c.i, ValuesOf(document, "I"));
+  }
+}
+
+// Samples of one step on each channel and, of the neutral's current, in which range is asked.
+TEST(Scales, OfSnapshotsLiveResultsAndSeries) {
+  const struct {
+    uint32_t type;
+    size_t samples, step, current;  // of a voltage, to the next channel's, to the current's
+    const char* values;
+  } cases[] = {
+      {2, 3072 + 3748 + 80, 9600, 4096, "1.25 1.25 2.5 2.5 5 5 0.625 10"},
+      {6, 3072 + 8 + 80, 9600, 4096, "1.25 1.25 2.5 2.5 5 5 0.625 20 1.25 1.25 2.5 2.5 5 5"},
+      {17, 3072 + 32, 3000, 4 * 3000, "1.25 2.5 5 0.625 1.25 2.5 5 20"},
+  };
+  for (const auto& c : cases) {
+    Bytes file = ScaledHead(c.type, 3).PadTo(3072 + 32 + 8 * 3000);
+    file.PutSettings(3072, c.type == 2 ? "20#1" : c.type == 6 ? "0#1" : "24#1");
+    for (size_t i = 0; i < (c.type == 6 ? 7 : 4); ++i) {
+      file.Put<int16_t>(c.samples + i * c.step, 1)
+          .Put<int16_t>(c.samples + i * c.step + c.current, 1);
+    }
+    std::istringstream samples(ValuesOf(Converted(file.PadTo(3072 + 79516 * (c.type == 6))), "v"));
+    std::string values;
+    for (double value; samples >> value;) {  // harmonics are zeros
+      char text[16];
+      std::snprintf(text, sizeof text, "%g ", value);
+      if (value != 0) values += text;
+    }
+    EXPECT_EQ(c.values + std::string(" "), values) << c.type;
+  }
+}
+
+// What samples of 1, 4, 5 and 8 on u1, un, i1 and in come to.
+TEST(Scales, OfCaptures) {
+  constexpr double kRoot = 1.7320508;
+  const struct {
+    uint8_t kind;
+    int32_t prim;
+    uint8_t type1, type_n, trafo, feeders;
+    double expected[4];
+  } cases[] = {
+      {0, 1, 0, 0, 0, 0, {1, 4, 5, 16}},
+      {1, 1, 0, 0, 0, 0, {kRoot, 4 * kRoot, 5, 16}},
+      {2, 3, 0, 0, 0, 0, {kRoot, 4 * kRoot, 5, 16}},
+      {3, -2, 0, 0, 0, 0, {-2, -8, 5, 16}},
+      {0, 1, 0, 0, 1, 0, {1, 4, 20, 64}},
+      {0, 1, 0, 0, 1, 1, {1, 4, 60, 192}},
+      {0, 1, 2, 0, 1, 1, {1, 4, 20, 192}},
+      {0, 1, 0, 2, 0, 1, {1, 4, 15, 16}},
+      {0, 1, 0, 5, 0, 0, {1, 4, 5, 8}},
+      {0, 1, 2, 5, 0, 1, {1, 4, 5, 8}},
+      {0, 1, 5, 5, 0, 1, {1, 4, 15, 48}},
+  };
+  for (const auto& c : cases) {
+    Bytes file = HeadOf(5).Put<uint8_t>(21, 1).Put<int32_t>(1448, 1).Put<int32_t>(2576, 1);
+    file.Put<uint8_t>(20, c.kind).Put<int32_t>(16, c.prim).Put(136, 1000.0f);
+    file.Put<uint8_t>(129, c.type1).Put<uint8_t>(561, c.type_n).Put(568, 2000.0f);
+    for (const size_t clamp : {136, 568}) {
+      file.Put<uint8_t>(clamp + 8, c.feeders).Put<int32_t>(clamp + 12, 3);
+      file.Put<uint8_t>(clamp + 16, c.trafo);
+      file.Put<int32_t>(clamp + 20, 8).Put<int32_t>(clamp + 24, 2);
+    }
+    file.Put(3072, 1.0f).Put(3072 + 12, 4.0f).Put(3072 + 16, 5.0f).Put(3072 + 28, 8.0f);
+    std::string expected;
+    for (const double value : c.expected) {
+      char text[32];
+      std::snprintf(text, sizeof text, "%s%E", expected.empty() ? "" : " ", value);
+      expected += text;
+    }
+    EXPECT_EQ(expected, ValuesOf(Converted(file), "v")) << &c - cases;
   }
 }
 
