@@ -163,11 +163,12 @@ bool Cursor::NextRows(Batch* batch) {
     for (size_t s = 0; s < slots_.size(); ++s) {
       uint8_t* valid = block_.get() + slots_[s].valid_at;
       for (uint32_t row = 0; row < rows_; ++row) {
-        const auto& column = slots_[s].column->name;
-        if (column == "value" && !rows[row].value) continue;
-        texts_[s][row] = column == "path"    ? rows[row].path
-                         : column == "value" ? *rows[row].value
-                                             : rows[row].unit;
+        const std::string& column = slots_[s].column->name;
+        std::optional<std::string> text = rows[row].path;
+        if (column == "value") text = rows[row].value;
+        if (column == "unit") text = rows[row].unit;
+        if (!text || (column == "unit" && text->empty())) continue;
+        texts_[s][row] = *text;
         valid[row / 8] = static_cast<uint8_t>(valid[row / 8] | 1u << (row % 8));
       }
     }
