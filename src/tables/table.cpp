@@ -153,20 +153,22 @@ const Table* TableSet::Find(const std::string& name) const {
 }
 
 TableSet TablesOf(const RecordType& type, const UifParams& settings) {
+  return TablesOf(type, type.walk != nullptr ? LayoutOf(type, settings) : nullptr, settings);
+}
+
+TableSet TablesOf(const RecordType& type, const Field* layout, const UifParams& settings) {
   TableSet set;
   set.tables.push_back(HeadTable(Table::From::kFile, "file", "what the recording is"));
   if (type.settings_at != 0) {
     set.tables.push_back(
         HeadTable(Table::From::kSettings, "settings", "the settings, as documents show them"));
   }
-  const Field* layout = type.walk != nullptr ? LayoutOf(type, settings) : nullptr;
   if (layout != nullptr) AddRecords(type, *layout, settings, &set);
   return set;
 }
 
-std::string WordOf(const RecordType& type, const UifParams& settings) {
-  const Field* layout = type.choice != nullptr ? LayoutOf(type, settings) : nullptr;
-  for (uint32_t i = 0; layout != nullptr && i < type.choice->count; ++i) {
+std::string WordOf(const RecordType& type, const Field* layout) {
+  for (uint32_t i = 0; type.choice != nullptr && i < type.choice->count; ++i) {
     if (type.choice->layouts[i] == layout) {
       return std::string(type.word) + "_" + type.choice->words[i];
     }

@@ -55,10 +55,12 @@ struct TableSet {
   const Table* Find(const std::string& name) const;
 };
 TableSet TablesOf(const RecordType& type, const UifParams& settings);
+// The same where the records have this layout; null for none.
+TableSet TablesOf(const RecordType& type, const Field* layout, const UifParams& settings);
 
 // What tables of these recordings are called where those of several stand together: "general_full",
 // "snapshots".
-std::string WordOf(const RecordType& type, const UifParams& settings);
+std::string WordOf(const RecordType& type, const Field* layout);
 
 // The wiring of a recording, for the values of its layouts.
 inline Wiring WiringOf(const RecordType& type, const UifParams& settings) {

@@ -8,10 +8,12 @@ namespace quorvex::tool {
 
 Command AddFormats(CLI::App& app) {
   const auto python = std::make_shared<bool>(false);
+  const auto tables = std::make_shared<bool>(false);
   CLI::App* line = app.add_subcommand("formats", "Print the format reference")->group("");
   line->add_flag("--python", *python, "As a module of the Python package");
-  return {line, [python] {
-            Print(*python ? PythonFormats() : FormatReference());
+  line->add_flag("--tables", *tables, "Of the tables that recordings give");
+  return {line, [python, tables] {
+            Print(*python ? PythonFormats() : *tables ? TablesReference() : FormatReference());
             return kDone;
           }};
 }

@@ -12,7 +12,7 @@ Opened::Opened(const std::string& path) : head(path.c_str()) {
   problem = recording.problem;
   if (code != kDone) return;
   set = TablesOf(*head.type, head.settings);
-  word = WordOf(*head.type, head.settings);
+  word = WordOf(*head.type, LayoutOf(*head.type, head.settings));
 }
 
 std::optional<std::vector<const Table*>> Opened::Wanted(const ExportRequest& request) const {

@@ -7,6 +7,9 @@
 
 namespace quorvex::tool {
 
+// docs/tables.md: which tables each record type gives.
+std::string TablesReference();
+
 // XML Schema 1.0 of the documents.
 std::string SchemaOf(const RecordType& type);
 std::string SchemaOfAnyType();
