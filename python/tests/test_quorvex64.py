@@ -198,6 +198,8 @@ class Package(unittest.TestCase):
             self.assertEqual([0, 144], [row for row, v in enumerate(values) if v != v])
         apart = q.frame(path)[names[0]].dt.tz_localize("UTC") - frame[names[0]]
         self.assertEqual({timedelta(minutes=90)}, {*apart.dropna()})
+        facts = q.table(self.folder / "R0009SIG.REC", "file").to_pandas().set_index("path")["value"]
+        self.assertEqual((None, "6520"), (facts["records"], facts["size"]))
         # Integers are never missing in the samples.
         bits, batches = (ctypes.c_uint8 * 40)(0xFE, *[0xFF] * 39), _tables.Table._batches
 
@@ -240,6 +242,7 @@ class Package(unittest.TestCase):
 
     @NEEDS_PANDAS
     def test_capsules(self) -> None:
+        before = os.listdir("/proc/self/fd")
         table = q.table(self.folder / "R0001GEN.REC", columns=RMS)
         expected = table.to_numpy()[RMS[1]].tolist()
 
@@ -264,6 +267,7 @@ class Package(unittest.TestCase):
         self.assertEqual(1, len(_tables._in_capsules))
         del unread
         self.assertEqual(0, len(_tables._in_capsules))
+        self.assertEqual(before, os.listdir("/proc/self/fd"))  # open as long as a stream
 
     def test_info_is_what_the_command_line_tells(self) -> None:
         fresh = self.folder / "fresh"
