@@ -9,6 +9,7 @@ import errno
 import os
 import re
 import stat
+import sys
 import threading
 import weakref
 from datetime import timedelta
@@ -193,22 +194,27 @@ def release(struct: Union[ArrowSchema, ArrowArray, _ArrowStream]) -> None:
 
 
 _CAPSULE_NAME = b"arrow_array_stream"
-# The capsule's address, as it is about to go, must not become a Python object again.
-_Destructor = ctypes.PYFUNCTYPE(None, ctypes.c_void_p)
-_capsule_pointer = ctypes.PYFUNCTYPE(ctypes.c_void_p, ctypes.c_void_p, ctypes.c_char_p)(
-    ("PyCapsule_GetPointer", ctypes.pythonapi)
-)
 _new_capsule = ctypes.PYFUNCTYPE(
-    ctypes.py_object, ctypes.c_void_p, ctypes.c_char_p, _Destructor
+    ctypes.py_object, ctypes.c_void_p, ctypes.c_char_p, ctypes.c_void_p
 )(("PyCapsule_New", ctypes.pythonapi))
-_in_capsules: dict[int, _ArrowStream] = {}
+
+# Streams by their addresses, with the capsules around them. A capsule has no destructor of ours: one
+# in Python would crash where a capsule goes while an exception is on its way. So the capsules are
+# kept here, and what nobody else holds any more is released at the next opportunity.
+_handed_out: dict[int, tuple[object, _ArrowStream]] = {}
 
 
-def _drop(capsule: int) -> None:
-    release(_in_capsules.pop(_capsule_pointer(capsule, _CAPSULE_NAME)))
+def _holders(entry: tuple[object, Any]) -> int:
+    return sys.getrefcount(entry[0])
 
 
-_drop_capsule = _Destructor(_drop)
+_ALONE = _holders((object(), None))
+
+
+def _sweep() -> None:
+    for address, entry in _handed_out.copy().items():
+        if _holders(entry) == _ALONE and _handed_out.pop(address, None) is not None:
+            release(entry[1])  # nothing where a consumer took the stream over
 
 
 class Table:
@@ -223,6 +229,7 @@ class Table:
         self._part = part
         if columns is not None:
             self._check(columns)
+        weakref.finalize(self, _sweep)
 
     def __repr__(self) -> str:
         return f"<quorvex64.Table {self.name} of {self._recording.path}>"
@@ -263,10 +270,12 @@ class Table:
     def __arrow_c_stream__(self, requested_schema: object = None) -> object:
         """A new stream in a capsule at each call, for whatever takes Arrow's PyCapsule interface.
         Columns have the types they have, whatever is requested."""
+        _sweep()
         stream = self._stream()
         address = ctypes.addressof(stream)
-        _in_capsules[address] = stream
-        return _new_capsule(address, _CAPSULE_NAME, _drop_capsule)
+        capsule: object = _new_capsule(address, _CAPSULE_NAME, None)
+        _handed_out[address] = capsule, stream
+        return capsule
 
     def _batches(self, schema: ArrowSchema, batches: list[ArrowArray]) -> None:
         """Reads the table. What it appends is the caller's to release, also where it raises."""

@@ -248,15 +248,15 @@ class Package(unittest.TestCase):
 
         def consume(_: int) -> Any:
             capsule = table.__arrow_c_stream__()
-            address = _tables._capsule_pointer(id(capsule), b"arrow_array_stream")
+            kept = _tables._handed_out.copy().values()
+            stream = next(stream for other, stream in kept if other is capsule)
             batch, child = _tables.ArrowArray(), _tables.ArrowArray()
-            stream = _tables._ArrowStream.from_address(address)
-            stream.get_next(address, ctypes.addressof(batch))
+            stream.get_next(ctypes.addressof(stream), ctypes.addressof(batch))
             inside = _tables.ArrowArray.from_address(batch.children[1])
             ctypes.pointer(child)[0] = inside  # taken out of its parent, which it outlives
             inside.release = type(inside.release)()
             _tables.release(batch)
-            del capsule, stream
+            del capsule, kept, stream
             values = (ctypes.c_float * child.length).from_address(child.buffers[1])[:]
             _tables.release(child)
             return values == expected
@@ -264,9 +264,9 @@ class Package(unittest.TestCase):
         with ThreadPoolExecutor(4) as threads:
             self.assertEqual([True] * 20, [*threads.map(consume, range(20))])
         unread = table.__arrow_c_stream__()
-        self.assertEqual(1, len(_tables._in_capsules))
-        del unread
-        self.assertEqual(0, len(_tables._in_capsules))
+        self.assertRaises(ZeroDivisionError, lambda: (table.__arrow_c_stream__(), 1 / 0))
+        del table
+        self.assertEqual([unread], [capsule for capsule, _ in _tables._handed_out.values()])
         self.assertEqual(before, os.listdir("/proc/self/fd"))  # open as long as a stream
 
     def test_info_is_what_the_command_line_tells(self) -> None:
