@@ -137,6 +137,14 @@ class Column(NamedTuple):
     meaning: str  # in words; may be empty
 
 
+def _lasting(path: Path) -> bytes:
+    """A path that is good in other folders too, unless only the relative one is short enough."""
+    try:
+        return path_bytes(Path(os.path.abspath(path)))
+    except OSError:
+        return path_bytes(path)
+
+
 class _Recording:
     """An open recording, which belongs to one thread at a time."""
 
@@ -149,7 +157,7 @@ class _Recording:
         self.lock = threading.Lock()
         self.calls = library().tables(_EXPORTS)
         error = ctypes.create_string_buffer(_ERROR_ROOM)
-        self.handle = self.calls.QuorvexTablesOpen(path_bytes(path), error, _ERROR_ROOM)
+        self.handle = self.calls.QuorvexTablesOpen(_lasting(path), error, _ERROR_ROOM)
         if self.handle is None:
             raise TableError(f"{path}: {error.value.decode('utf-8', 'replace')}")
         weakref.finalize(self, self.calls.QuorvexTablesClose, self.handle)
@@ -198,7 +206,7 @@ _new_capsule = ctypes.PYFUNCTYPE(
     ctypes.py_object, ctypes.c_void_p, ctypes.c_char_p, ctypes.c_void_p
 )(("PyCapsule_New", ctypes.pythonapi))
 
-# Streams by their addresses, with the capsules around them. A capsule has no destructor of ours: one
+# Streams by their addresses, with the capsules around them. A capsule has no destructor here: one
 # in Python would crash where a capsule goes while an exception is on its way. So the capsules are
 # kept here, and what nobody else holds any more is released at the next opportunity.
 _handed_out: dict[int, tuple[object, _ArrowStream]] = {}

@@ -189,7 +189,7 @@ class Package(unittest.TestCase):
         data = bytearray((self.folder / "R0001GEN.REC").read_bytes())
         data[3072 + 24 : 3072 + 40] = bytes(16)  # a date-time that was never set
         data[3072 + 72 : 3072 + 76] = MARKER
-        path = self.folder / "fresh/R0901GEN.REC"
+        path = self.folder / "tables.bin"
         path.write_bytes(data + data[3072:])  # of two batches
         names = ["START_TIME", "VOLTAGES/U[u1]/rms/min"]
         table = q.table(path, columns=names, utc_offset="+01:30")
@@ -215,7 +215,7 @@ class Package(unittest.TestCase):
 
     @NEEDS_PANDAS
     def test_what_tables_are_asked_for(self) -> None:
-        path = self.folder / "fresh/changing"
+        path = self.folder / "changing"
         shutil.copy(self.folder / "R0001GEN.REC", path)
         parts: list[Any] = [(144, [144]), ((143, None), [143, 144]), (145, []), ((1, 2), [1, 2])]
         for records, numbers in parts:
