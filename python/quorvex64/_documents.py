@@ -11,6 +11,8 @@ from typing import TYPE_CHECKING, Any, Iterator, Optional
 from xml.etree import ElementTree
 
 from ._library import QuorvexError, StrPath
+from ._recordings import is_recording
+from ._tables import table
 
 if TYPE_CHECKING:
     import pandas
@@ -167,14 +169,18 @@ def _row(value: Any, name: str, row: Record) -> Record:
 
 
 def frame(document: StrPath) -> pandas.DataFrame:
-    """The records of a document as a pandas table, a row a record.
+    """The records of a document or of a recording as a pandas table, a row a record.
 
     Columns are named by the way through the groups: "VOLTAGES/U[u1]/rms/max". Missing values are
-    NaN. What repeats in a record is a list in its cell, so that the columns do not depend on how
-    often; a repeated group has a list in the column of each of its values.
+    NaN. What repeats in a record of a document is a list in its cell, so that the columns do not
+    depend on how often; a repeated group has a list in the column of each of its values. Of a
+    recording, which need not be converted, it is the table `records`, and what repeats has tables
+    of its own; see table().
     """
     try:
         import pandas
     except ImportError as error:
         raise ImportError("quorvex64.frame() needs pandas, which is not installed") from error
+    if is_recording(document):
+        return table(document).to_pandas()
     return pandas.DataFrame([_row(record, "", {}) for record in records(document)])

@@ -18,6 +18,7 @@ __version__ = "3.7.44"
 VERSION = int(__version__.replace(".", ""))
 
 FILE_NAME = "Quorvex64.dll" if sys.platform == "win32" else "libQuorvex64.so"
+_NAME, _TABLES_NAME = "Quorvex64", "QuorvexTables"
 VARIABLE = "QUORVEX64_LIBRARY"
 LAST_RECORD = 0xFFFFFFFF
 MOST_PATH_BYTES = 511  # the library takes a longer path for a file that cannot be opened
@@ -28,7 +29,9 @@ _LINE_ROOM = 512
 _Progress = ctypes.CFUNCTYPE(ctypes.c_int32, ctypes.c_float)
 _NO_PROGRESS = ctypes.cast(0, _Progress)
 
-_EXPORTS: dict[str, tuple[Any, list[Any]]] = {
+Exports = dict[str, tuple[Any, list[Any]]]  # what each gives and takes
+
+_EXPORTS: Exports = {
     "QuorvexGetVersion": (ctypes.c_int32, []),
     "QuorvexGetFileVersion": (ctypes.c_int32, [ctypes.c_char_p]),
     "QuorvexGetNumberOfRecords": (ctypes.c_int32, [ctypes.c_char_p]),
@@ -48,25 +51,41 @@ class LibraryError(QuorvexError):
     """The shared library is not there, or is another one."""
 
 
+def _load(path: str, exports: Exports, version_export: str) -> ctypes.CDLL:
+    try:
+        calls = ctypes.CDLL(path)
+    except OSError as error:
+        raise LibraryError(f"{path} cannot be loaded: {error}") from error
+    for name, (result, arguments) in exports.items():
+        try:
+            export = getattr(calls, name)
+        except AttributeError as error:
+            raise LibraryError(f"{path} has no {name}: it is another library") from error
+        export.restype = result
+        export.argtypes = arguments
+    version = getattr(calls, version_export)()
+    if version != VERSION:
+        raise LibraryError(f"{path} is version {version}; this package needs {VERSION}")
+    return calls
+
+
 class Library:
     """A loaded library. Its functions take paths as path_bytes() gives them."""
 
     def __init__(self, path: str) -> None:
         self.path = path
-        try:
-            self._calls = ctypes.CDLL(path)
-        except OSError as error:
-            raise LibraryError(f"{path} cannot be loaded: {error}") from error
-        for name, (result, arguments) in _EXPORTS.items():
-            try:
-                export = getattr(self._calls, name)
-            except AttributeError as error:
-                raise LibraryError(f"{path} has no {name}: it is another library") from error
-            export.restype = result
-            export.argtypes = arguments
-        version = self._calls.QuorvexGetVersion()
-        if version != VERSION:
-            raise LibraryError(f"{path} is version {version}; this package needs {VERSION}")
+        self._calls = _load(path, _EXPORTS, "QuorvexGetVersion")
+        self._tables: Optional[ctypes.CDLL] = None
+
+    def tables(self, exports: Exports) -> ctypes.CDLL:
+        """The second library, which lies beside this one and has the same ending."""
+        if self._tables is None:
+            folder, name = os.path.split(self.path)
+            path = os.path.join(folder, name.replace(_NAME, _TABLES_NAME))
+            if _NAME not in name:
+                path = os.path.join(folder, FILE_NAME.replace(_NAME, _TABLES_NAME))
+            self._tables = _load(path, exports, "QuorvexTablesGetVersion")
+        return self._tables
 
     def file_version(self, path: bytes) -> int:
         return int(self._calls.QuorvexGetFileVersion(path))

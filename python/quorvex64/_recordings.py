@@ -154,13 +154,19 @@ class _Reporter:
         return 0
 
 
+def span_of(records: Records, most: int) -> tuple[int, int]:
+    """First and last record, `most` being the highest number that there can be."""
+    first, last = (records, records) if isinstance(records, int) else records
+    first, last = operator.index(first), operator.index(most if last is None else last)
+    if not 1 <= first <= last <= most:
+        raise ValueError(f"records: {first} to {last} is no range")
+    return first, last
+
+
 def _range(records: Records, source: Path, kind: RecordType, shape: Shape) -> tuple[int, int]:
     if not kind.ranges:
         raise ValueError(f"records: {source} holds {kind.name}, which are converted whole")
-    first, last = (records, records) if isinstance(records, int) else records
-    first, last = operator.index(first), operator.index(LAST_RECORD if last is None else last)
-    if not 1 <= first <= last <= LAST_RECORD:
-        raise ValueError(f"records: {first} to {last} is no range")
+    first, last = span_of(records, LAST_RECORD)
     if shape.records is None:
         raise ValueError(f"records: {source} is of a profile without records that can be read")
     if first > shape.records:
@@ -176,7 +182,7 @@ def _default_document(source: Path) -> Path:
     return source.with_name((source.name[:dot] if dot > 0 else source.name) + ".xml")
 
 
-def _is_recording(path: Path) -> bool:
+def is_recording(path: StrPath) -> bool:
     with open(path, "rb") as file:
         return _type_in(file.read(8)) in RECORD_TYPES
 
@@ -194,7 +200,7 @@ def _refuse(document: Path, target: Path, source: Path, overwrite: bool) -> None
         raise ConversionError(f"{document}: is a folder")
     if not target.is_file():
         raise ConversionError(f"{document}: is no regular file")
-    if _is_recording(target):
+    if is_recording(target):
         raise ConversionError(f"{document}: is another recording; it is not overwritten")
     if not overwrite:
         raise FileExistsError(errno.EEXIST, os.strerror(errno.EEXIST), str(document))

@@ -2,6 +2,7 @@
 which the command line lies and the program that makes the samples."""
 
 import _ctypes
+import ctypes
 import dataclasses
 import doctest
 import importlib.util
@@ -21,18 +22,20 @@ from collections import Counter
 from concurrent.futures import ThreadPoolExecutor
 from datetime import datetime, timedelta
 from functools import partial
+from itertools import islice
 from pathlib import Path
 from typing import Any
 from unittest import mock
 from xml.etree import ElementTree
 
 import quorvex64 as q
-from quorvex64 import _checks, _documents, _library
+from quorvex64 import _checks, _documents, _library, _tables
 from quorvex64._formats import RECORD_TYPES
 
 NEEDS_PANDAS = unittest.skipUnless(importlib.util.find_spec("pandas"), "pandas is not installed")
 LIBRARY = Path(os.environ["QUORVEX64_LIBRARY"]).resolve()
 PACKAGE = Path(q.__file__).resolve().parent
+RMS = [f"VOLTAGES/U[u{phase}]/rms/rms" for phase in (3, 1)]
 MARKER = struct.pack("<f", -1e37)  # a float without a value
 
 # Where values lie: sample, place of its first record, size of a record; number of a record, way to
@@ -64,6 +67,15 @@ def stored(data: bytes, form: str, offset: int, exact: bool = False) -> Any:
         values = [float(v if exact else f"{v:.6E}") for v in values]
         values = [None if struct.pack("<f", v) == MARKER else v for v in values]
     return values if len(form) > 1 else values[0]
+
+
+def shown(value: Any, kind: str) -> Any:
+    """A value of a table as documents show it, of which records() makes values again."""
+    if value is None or value != value:
+        return None
+    if kind in ("float", "double"):
+        return float(f"{value:.6E}")
+    return _documents._leaf(value) if kind == "text" else value.item()
 
 
 def tool(*arguments: Any) -> str:
@@ -150,6 +162,112 @@ class Package(unittest.TestCase):
         self.assertEqual(stored(data, "200f", 3072 + 4088 + 56), change["RMS12_VALUES/RMS12/U"])
         with mock.patch.dict(sys.modules, pandas=None):
             self.assertRaisesRegex(ImportError, "needs pandas", q.frame, "R0010RVC.xml")
+
+    @NEEDS_PANDAS
+    def test_tables_are_as_documents(self) -> None:
+        compared = set()
+        for path in sorted(self.folder.glob("R*.REC")):
+            part = (1, 2) if "GEN" in path.name else (1, None)
+            read = islice(q.records(path.with_suffix(".xml")), part[1])
+            rows = [_documents._row(record, "", {}) for record in read]
+            table = q.tables(path, records=part).get("records")
+            arrays: Any = table.to_numpy() if table else {}
+            for column in table.columns if table else ():
+                way = "record" if column.name == "element" else column.path
+                expected = [row.get(way) for row in rows] if way else [*range(1, len(rows) + 1)]
+                expected = [None if value != value else value for value in expected]
+                self.assertEqual(expected, [shown(v, column.type) for v in arrays[column.name]])
+                compared.add((path.name, column.type))
+        self.assertGreater(len(compared), 60)
+        spectra = q.table(self.folder / "R0016VQ.REC", "HARMONICS_U").to_pandas()
+        name = "HARMONICS_U/HARM_U[u3h]"
+        cells = q.frame(self.folder / "R0016VQ.xml")[name]
+        self.assertEqual([*cells], [*spectra.groupby("record")[name].agg(list)])
+
+    @NEEDS_PANDAS
+    def test_what_tables_miss(self) -> None:
+        data = bytearray((self.folder / "R0001GEN.REC").read_bytes())
+        data[3072 + 24 : 3072 + 40] = bytes(16)  # a date-time that was never set
+        data[3072 + 72 : 3072 + 76] = MARKER
+        path = self.folder / "tables.bin"
+        path.write_bytes(data + data[3072:])  # of two batches
+        names = ["START_TIME", "VOLTAGES/U[u1]/rms/min"]
+        table = q.table(path, columns=names, utc_offset="+01:30")
+        frame = table.to_pandas()
+        for values in (*table.to_numpy().values(), *map(frame.get, names)):
+            self.assertEqual([0, 144], [row for row, v in enumerate(values) if v != v])
+        apart = q.frame(path)[names[0]].dt.tz_localize("UTC") - frame[names[0]]
+        self.assertEqual({timedelta(minutes=90)}, {*apart.dropna()})
+        facts = q.table(self.folder / "R0009SIG.REC", "file").to_pandas().set_index("path")["value"]
+        self.assertEqual((None, "6520"), (facts["records"], facts["size"]))
+        # Integers are never missing in the samples.
+        bits, batches = (ctypes.c_uint8 * 40)(0xFE, *[0xFF] * 39), _tables.Table._batches
+
+        def read(table: q.Table, schema: Any, found: list[Any]) -> None:
+            batches(table, schema, found)
+            column = _tables.ArrowArray.from_address(found[0].children[0])
+            column.null_count, column.buffers[0] = 1, ctypes.addressof(bits)
+
+        with mock.patch.object(_tables.Table, "_batches", read):
+            array, series = q.table(path).to_numpy()["record"], q.frame(path)["record"]
+        for numbers, missing in ((array.tolist(), "None"), ([*series], "<NA>")):
+            self.assertEqual((missing, [*range(2, 289)]), (str(numbers[0]), numbers[1:]))
+
+    @NEEDS_PANDAS
+    def test_what_tables_are_asked_for(self) -> None:
+        path = self.folder / "changing"
+        shutil.copy(self.folder / "R0001GEN.REC", path)
+        parts: list[Any] = [(144, [144]), ((143, None), [143, 144]), (145, []), ((1, 2), [1, 2])]
+        for records, numbers in parts:
+            table = q.table(path, columns=[*RMS, "record"], records=records)
+            self.assertEqual(numbers, table.to_numpy()["record"].tolist())
+        self.assertEqual([*RMS, "record"], [column.name for column in table.columns])
+        self.assertEqual(("V", "float"), (table.columns[0].unit, table.columns[0].type))
+        refused: list[tuple[type[Exception], str, dict[str, Any]]] = [
+            (FileNotFoundError, "none", {"recording": self.folder / "none"}),
+            (q.TableError, "is no regular file", {"recording": self.folder}),
+            (q.TableError, "xml: is of the unknown", {"recording": self.folder / "R0004SET.xml"}),
+            (KeyError, "no table 'recods', but 'file',", {"name": "recods"}),
+            (q.NoSuchName, "no column 'recod'.*1105.*'record'", {"columns": ["record", "recod"]}),
+            (ValueError, "twice", {"columns": ["record", "record"]}),
+            (ValueError, "no range", {"records": (2, 1)}),
+            (ValueError, "of the form", {"utc_offset": "+1"}),
+            (ValueError, "whole minutes", {"utc_offset": timedelta(seconds=1)}),
+        ]
+        for error, reason, arguments in refused:
+            with self.assertRaisesRegex(error, reason):
+                partial(q.table, recording=path)(**arguments)
+        os.truncate(path, 50000)
+        self.assertRaisesRegex(q.TableError, "changing: .*changed", table.to_numpy)
+
+    @NEEDS_PANDAS
+    def test_capsules(self) -> None:
+        before = os.listdir("/proc/self/fd")
+        table = q.table(self.folder / "R0001GEN.REC", columns=RMS)
+        expected = table.to_numpy()[RMS[1]].tolist()
+
+        def consume(_: int) -> Any:
+            capsule = table.__arrow_c_stream__()
+            kept = _tables._handed_out.copy().values()
+            stream = next(stream for other, stream in kept if other is capsule)
+            batch, child = _tables.ArrowArray(), _tables.ArrowArray()
+            stream.get_next(ctypes.addressof(stream), ctypes.addressof(batch))
+            inside = _tables.ArrowArray.from_address(batch.children[1])
+            ctypes.pointer(child)[0] = inside  # taken out of its parent, which it outlives
+            inside.release = type(inside.release)()
+            _tables.release(batch)
+            del capsule, kept, stream
+            values = (ctypes.c_float * child.length).from_address(child.buffers[1])[:]
+            _tables.release(child)
+            return values == expected
+
+        with ThreadPoolExecutor(4) as threads:
+            self.assertEqual([True] * 20, [*threads.map(consume, range(20))])
+        unread = table.__arrow_c_stream__()
+        self.assertRaises(ZeroDivisionError, lambda: (table.__arrow_c_stream__(), 1 / 0))
+        del table
+        self.assertEqual([unread], [capsule for capsule, _ in _tables._handed_out.values()])
+        self.assertEqual(before, os.listdir("/proc/self/fd"))  # open as long as a stream
 
     def test_info_is_what_the_command_line_tells(self) -> None:
         fresh = self.folder / "fresh"
@@ -312,6 +430,10 @@ class Package(unittest.TestCase):
             self.assertRaisesRegex(q.LibraryError, "cannot be loaded|has no Quorvex", q.load, path)
         with mock.patch.object(_library, "VERSION", 1):
             self.assertRaisesRegex(q.LibraryError, "version 3744", q.load, LIBRARY)
+        first = _library.Library(str(LIBRARY))
+        first.path = "/none/libQuorvex64.so.3"
+        with self.assertRaisesRegex(q.LibraryError, "/none/libQuorvexTables.so.3 cannot"):
+            first.tables({})
         package = self.folder / "lib/python3/dist-packages/quorvex64"
         shutil.copytree(PACKAGE, package)
         command = [sys.executable, "-c", "import quorvex64; quorvex64.load()"]
