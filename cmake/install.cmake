@@ -13,11 +13,12 @@ else()
 endif()
 
 target_include_directories(Quorvex64 INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
-install(TARGETS Quorvex64 EXPORT Quorvex64)
+target_include_directories(QuorvexTables INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+install(TARGETS Quorvex64 QuorvexTables EXPORT Quorvex64)
 install(TARGETS quorvex)
-install(FILES include/quorvex64.h TYPE INCLUDE)
+install(FILES include/quorvex64.h include/quorvextables.h TYPE INCLUDE)
 
-# find_package(Quorvex64): the library needs nothing else, so the exported targets are all there is.
+# find_package(Quorvex64): the libraries need nothing else, so the exported targets are all there is.
 set(cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Quorvex64)
 install(EXPORT Quorvex64 NAMESPACE Quorvex64:: FILE Quorvex64Config.cmake DESTINATION ${cmake_dir})
 write_basic_package_version_file(${CMAKE_BINARY_DIR}/Quorvex64ConfigVersion.cmake
@@ -25,7 +26,7 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/Quorvex64ConfigVersion.cmak
 install(FILES ${CMAKE_BINARY_DIR}/Quorvex64ConfigVersion.cmake DESTINATION ${cmake_dir})
 
 # Of the documents those that users need: architecture and performance are about the source tree.
-install(FILES docs/command-line.md docs/formats.md docs/host.md docs/safety.md
+install(FILES docs/command-line.md docs/formats.md docs/host.md docs/safety.md docs/tables.md
         DESTINATION ${doc_dir}/docs)
 install(DIRECTORY examples DESTINATION ${doc_dir})
 install(DIRECTORY schema DESTINATION ${data_dir})
@@ -38,13 +39,14 @@ if(QUORVEX_SAMPLE_CARD)
 endif()
 
 # Builds all of it, without the tests.
-add_custom_target(installed_files DEPENDS Quorvex64 quorvex)
+add_custom_target(installed_files DEPENDS Quorvex64 QuorvexTables quorvex)
 
 if(WIN32)
   install(FILES docs/windows.txt DESTINATION . RENAME README.txt)
   install(FILES CHANGELOG.md DESTINATION . RENAME CHANGES.txt)
-  install(FILES cmake/Quorvex64.def TYPE LIB)
+  install(FILES cmake/Quorvex64.def cmake/QuorvexTables.def TYPE LIB)
   split_debug_information(Quorvex64)
+  split_debug_information(QuorvexTables)
   split_debug_information(quorvex)
 else()
   install(FILES docs/debian.txt DESTINATION ${doc_dir} RENAME README.txt)
@@ -59,8 +61,11 @@ else()
   install(FILES tools/quorvex/completion.bash RENAME quorvex
           DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
   file(RELATIVE_PATH up /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
-  configure_file(cmake/quorvex64.pc.in ${CMAKE_BINARY_DIR}/quorvex64.pc @ONLY)
-  install(FILES ${CMAKE_BINARY_DIR}/quorvex64.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+  foreach(library Quorvex64 QuorvexTables)
+    string(TOLOWER ${library} module)
+    configure_file(cmake/library.pc.in ${CMAKE_BINARY_DIR}/${module}.pc @ONLY)
+    install(FILES ${CMAKE_BINARY_DIR}/${module}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+  endforeach()
 
   # The manual page is what the command says of itself.
   find_program(HELP2MAN help2man)
