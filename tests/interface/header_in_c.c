@@ -1,5 +1,5 @@
-/* The public headers as a C compiler reads them: every function is declared and links, and takes null
- * for what it is. */
+/* The public headers as a C compiler reads them: every function is declared and links, and takes
+ * null for what it is. */
 #include "quorvex64.h"
 #include "quorvextables.h"
 

@@ -146,18 +146,21 @@ ExitCode ToFolder(const ExportOptions& options, const ExportRequest& request, st
     Complain(folder, "is no folder; CSV files need one");
     return kUsage;
   }
-  if (!IsFolder(folder) && !CreateFolder(folder)) {
-    Complain(folder, "cannot be created: " + SystemError());
-    return kNoOutput;
-  }
   const std::string columns_path = Inside(folder, "columns.csv");
   if (const std::string problem = ColumnsProblem(folder); !problem.empty()) {
     Complain(columns_path, problem);
     return kNoOutput;
   }
+  // Where nothing can be read no folder is made.
+  bool any = false;
+  for (Job& job : *jobs) any = Look(request, &job) || any;
+  if (any && !IsFolder(folder) && !CreateFolder(folder)) {
+    Complain(folder, "cannot be created: " + SystemError());
+    return kNoOutput;
+  }
   CsvPlaces places(options);
   for (Job& job : *jobs) {
-    if (Look(request, &job)) places.Take(folder, request, &job);
+    if (job.problem.empty()) places.Take(folder, request, &job);
   }
   const auto columns = std::make_shared<ColumnLines>();
   ExitCode code = Run(jobs, options, WritingCsv(request, columns),
@@ -245,7 +248,7 @@ ExitCode Export(const ExportOptions& options) {
     return kUsage;
   }
   if (options.output.empty() && !options.list) {
-    Complain("-o", "says where the tables go: a folder, a file that ends in .sqlite, or -");
+    Say("export needs -o: a folder, a database that ends in .sqlite, or -; see --help");
     return kUsage;
   }
   Progress progress(!options.quiet && !options.list);
