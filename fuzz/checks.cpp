@@ -5,10 +5,12 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <numeric>
 #include <random>
 
 #include "quorvex64.h"
 #include "support/memory.h"
+#include "tables/cursor.h"
 
 namespace quorvex::fuzz {
 namespace {
@@ -124,6 +126,53 @@ std::string QueryProblem(const std::vector<uint8_t>& recording) {
   QuorvexGetFileVersion(input.c_str());
   if (std::memchr(text, '\0', sizeof text) == nullptr) return "an information line without an end";
   return TrackedBytes() == tracked ? "" : "tracked memory does not come back";
+}
+
+namespace {
+
+// A row of which every column can be read; its texts lie in order.
+std::string BatchProblem(const Batch& batch) {
+  for (const ColumnData& data : batch.columns) {
+    uint32_t nulls = 0;
+    for (uint32_t row = 0; row < batch.rows; ++row) nulls += data.Has(row) ? 0 : 1;
+    if (nulls != data.nulls) return "a wrong number of missing values in " + data.column->name;
+    if (data.column->type != ValueType::kText) continue;
+    for (uint32_t row = 0; row < batch.rows; ++row) {
+      if (data.At<int32_t>(row) > data.At<int32_t>(row + 1)) return "texts out of order";
+    }
+    const std::string all(data.text, static_cast<size_t>(data.At<int32_t>(batch.rows)));
+    if (all != AsUtf8(all)) return "a text that is no UTF-8";
+  }
+  return "";
+}
+
+}  // namespace
+
+std::string TablesProblem(const std::vector<uint8_t>& recording) {
+  const std::string input = InFolder("R0001X.REC");
+  WriteFile(input, recording);
+  const uint32_t tracked = TrackedBytes();
+  {
+    RecordingHead head(input.c_str());
+    if (!head.file || head.type == nullptr || head.size < head.type->records_at) return "";
+    head.UseSettingFile();
+    const TableSet set = TablesOf(*head.type, head.settings);
+    for (const Table& table : set.tables) {
+      std::vector<uint32_t> columns(table.columns.size());
+      std::iota(columns.begin(), columns.end(), 0u);
+      ReadOptions options;
+      options.first = 1 + recording.size() % 3;
+      Cursor cursor(&head, set, table, columns, options);
+      uint64_t rows = 0;
+      for (Batch batch; cursor.Next(&batch); rows += batch.rows) {
+        const std::string problem = BatchProblem(batch);
+        if (!problem.empty()) return table.name + ": " + problem;
+        // No row is made of less than a byte, but for those of one record.
+        if (rows > recording.size() + kMostBeyond) return "no end of rows in " + table.name;
+      }
+    }
+  }
+  return TrackedBytes() == tracked ? "" : "tracked memory does not come back from tables";
 }
 
 }  // namespace quorvex::fuzz

@@ -22,8 +22,9 @@ namespace {
 
 std::string RecordingProblem(const std::vector<uint8_t>& recording) {
   const bool with_progress = !recording.empty() && recording[0] % 2 != 0;
-  const std::string problem = fuzz::ConversionProblem(recording, with_progress);
-  return problem.empty() ? fuzz::QueryProblem(recording) : problem;
+  std::string problem = fuzz::ConversionProblem(recording, with_progress);
+  if (problem.empty()) problem = fuzz::QueryProblem(recording);
+  return problem.empty() ? fuzz::TablesProblem(recording) : problem;
 }
 
 std::string NameProblem(const uint8_t* data, size_t size) {

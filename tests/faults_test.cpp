@@ -109,6 +109,7 @@ TEST_P(DamagedFields, AreHarmless) {
       mutator.Mutate(&damaged, &random);
       ASSERT_EQ("", fuzz::ConversionProblem(damaged, i % 4 == 0)) << path << ' ' << i;
       ASSERT_EQ("", fuzz::QueryProblem(damaged)) << path << ' ' << i;
+      if (i % 4 == 1) ASSERT_EQ("", fuzz::TablesProblem(damaged)) << path << ' ' << i;
     }
     mutations = kMutations / 10;  // further samples of the type
   }

@@ -42,36 +42,20 @@ size_t OddLines(size_t bytes) {
 bool IsBelievable(float step) { return step >= 1e-6f && step <= 1e-2f; }
 
 int64_t IntegerOf(const Field& f, const uint8_t* at, const Inputs& inputs) {
-  switch (f.kind) {
-    case Kind::kU8:
-      return *at;
-    case Kind::kU16:
-      return Load<uint16_t>(at);
-    case Kind::kI64:
-      return Load<int64_t>(at);
-    case Kind::kMade:
-      return f.make(at - f.offset, inputs).integer;
-    default:
-      return std::min(Load<int32_t>(at), f.most);
-  }
+  if (f.kind == Kind::kMade) return f.make(at - f.offset, inputs).integer;
+  if (f.kind == Kind::kI64) return Load<int64_t>(at);
+  if (f.kind == Kind::kU16) return Load<uint16_t>(at);
+  return f.kind == Kind::kU8 ? *at : std::min(Load<int32_t>(at), f.most);
 }
 
 // The marker where there is no value.
 float FloatOf(const Field& f, const uint8_t* at, const Inputs& inputs) {
-  switch (f.kind) {
-    case Kind::kNoValue:
-      return kNoValue;
-    case Kind::kScaledI16:
-      return static_cast<float>(Load<int16_t>(at)) * inputs.scale[f.scale_ref];
-    case Kind::kScaledF32: {
-      const auto raw = Load<float>(at);
-      return raw == kNoValue ? kNoValue : raw * inputs.scale[f.scale_ref];
-    }
-    case Kind::kMade:
-      return f.make(at - f.offset, inputs).number;
-    default:
-      return Load<float>(at);
-  }
+  if (f.kind == Kind::kNoValue) return kNoValue;
+  if (f.kind == Kind::kMade) return f.make(at - f.offset, inputs).number;
+  const float scale = inputs.scale[f.scale_ref];
+  if (f.kind == Kind::kScaledI16) return static_cast<float>(Load<int16_t>(at)) * scale;
+  const auto value = Load<float>(at);
+  return f.kind == Kind::kScaledF32 && value != kNoValue ? value * scale : value;
 }
 
 // Marks what is there, and gives NaN to what is not. How many are missing.
