@@ -31,7 +31,7 @@ std::string ConversionProblem(const std::vector<uint8_t>& recording, bool with_p
 // The same for the record information line and the other queries.
 std::string QueryProblem(const std::vector<uint8_t>& recording);
 
-// Reads every table of the recording, which must end, and says what is wrong with the batches.
-std::string TablesProblem(const std::vector<uint8_t>& recording);
+// Reads every table of a recording, which must end, and says what is wrong with the batches.
+std::string TablesProblem(const std::string& path);
 
 }  // namespace quorvex::fuzz

@@ -24,7 +24,7 @@ std::string RecordingProblem(const std::vector<uint8_t>& recording) {
   const bool with_progress = !recording.empty() && recording[0] % 2 != 0;
   std::string problem = fuzz::ConversionProblem(recording, with_progress);
   if (problem.empty()) problem = fuzz::QueryProblem(recording);
-  return problem.empty() ? fuzz::TablesProblem(recording) : problem;
+  return problem.empty() ? fuzz::TablesProblem(fuzz::InFolder("R0001X.REC")) : problem;
 }
 
 std::string NameProblem(const uint8_t* data, size_t size) {

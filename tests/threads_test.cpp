@@ -5,6 +5,7 @@
 #include <thread>
 #include <vector>
 
+#include "checks.h"
 #include "sample.h"
 #include "support.h"
 #include "support/memory.h"
@@ -37,6 +38,7 @@ TEST(Threads, MixedTypesSideBySide) {
       char text[512];
       QuorvexGetRecordInfo(recording.c_str(), text);
       QuorvexConvert(recording.c_str(), document(recording, thread).c_str(), nullptr);
+      EXPECT_EQ("", fuzz::TablesProblem(recording));
     }
   };
   convert_all(kThreads);
