@@ -110,7 +110,8 @@ TEST_P(DamagedFields, AreHarmless) {
       mutator.Mutate(&damaged, &random);
       ASSERT_EQ("", fuzz::ConversionProblem(damaged, i % 4 == 0)) << path << ' ' << i;
       ASSERT_EQ("", fuzz::QueryProblem(damaged)) << path << ' ' << i;
-      if (i % 4 == 1) ASSERT_EQ("", fuzz::TablesProblem(recording)) << path << ' ' << i;
+      if (i % 4 != 1) continue;
+      ASSERT_EQ("", fuzz::TablesProblem(recording)) << path << ' ' << i;
     }
     mutations = kMutations / 10;  // further samples of the type
   }

@@ -81,9 +81,11 @@ class Statement {
 class Database {
  public:
   explicit Database(const std::string& path) {
-    const int code = sqlite3_open(path.c_str(), &database_);
-    if (code != SQLITE_OK) throw DatabaseError(sqlite3_errmsg(database_));
-    sqlite3_busy_timeout(database_, 10000);
+    sqlite3* opened = nullptr;
+    const int code = sqlite3_open(path.c_str(), &opened);
+    database_.reset(opened);
+    if (code != SQLITE_OK) throw DatabaseError(sqlite3_errmsg(opened));
+    sqlite3_busy_timeout(opened, 10000);
     const int64_t application = Number("PRAGMA application_id");
     const int64_t tables = Number("SELECT count(*) FROM sqlite_master");
     if (application != kApplication && (application != 0 || tables != 0)) {
@@ -110,13 +112,10 @@ class Database {
     }
     Run("COMMIT");
   }
-  ~Database() { sqlite3_close(database_); }
-  Database(const Database&) = delete;
-  Database& operator=(const Database&) = delete;
 
-  sqlite3* get() { return database_; }
-  void Run(const std::string& text) { Statement(database_, text).Run(); }
-  void RollBack() { sqlite3_exec(database_, "ROLLBACK", nullptr, nullptr, nullptr); }
+  sqlite3* get() { return database_.get(); }
+  void Run(const std::string& text) { Statement(get(), text).Run(); }
+  void RollBack() { sqlite3_exec(get(), "ROLLBACK", nullptr, nullptr, nullptr); }
 
   // The table of that name with these columns, and the names that they have there.
   std::vector<std::string> TakeTable(const std::string& name, const Table& table) {
@@ -128,7 +127,7 @@ class Database {
     }
     std::map<std::string, std::string> known;
     std::set<std::string> taken = {"recording"};
-    Statement look(database_, "SELECT name, \"column\" FROM columns WHERE \"table\" = ?");
+    Statement look(get(), "SELECT name, \"column\" FROM columns WHERE \"table\" = ?");
     look.Put(1, name);
     while (look.Step()) {
       known[look.Text(0)] = look.Text(1);
@@ -161,7 +160,7 @@ class Database {
   // The names of the tables that recordings of this kind have rows in.
   std::vector<std::string> TablesOf(const std::string& word) {
     std::vector<std::string> names = {"file", "settings"};
-    Statement look(database_, "SELECT DISTINCT \"table\" FROM columns");
+    Statement look(get(), "SELECT DISTINCT \"table\" FROM columns");
     const std::string front = word + "_";
     while (look.Step()) {
       if (look.Text(0).compare(0, front.size(), front) == 0) names.push_back(look.Text(0));
@@ -171,7 +170,7 @@ class Database {
 
  private:
   int64_t Number(const std::string& text) {
-    Statement look(database_, text);
+    Statement look(get(), text);
     look.Step();
     return look.Integer(0);
   }
@@ -179,7 +178,7 @@ class Database {
     Run("CREATE INDEX " + Quoted(table + ".recording") + " ON " + Quoted(table) + " (recording)");
   }
   void Describe(const std::string& table, const std::string& called, const Column& column) {
-    Statement insert(database_, "INSERT INTO columns VALUES (?, ?, ?, ?, ?, ?, ?)");
+    Statement insert(get(), "INSERT INTO columns VALUES (?, ?, ?, ?, ?, ?, ?)");
     const std::string* values[] = {&table, &called, &column.name, &column.path};
     for (int i = 0; i < 4; ++i) insert.Put(i + 1, *values[i]);
     insert.Put(5, NameOf(column.type));
@@ -208,7 +207,10 @@ class Database {
     return "TEXT";
   }
 
-  sqlite3* database_ = nullptr;
+  struct Close {
+    void operator()(sqlite3* database) const { sqlite3_close(database); }
+  };
+  std::unique_ptr<sqlite3, Close> database_;
 };
 
 void PutValue(const ColumnData& data, uint32_t row, bool utc, int at, Statement* to) {
