@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -10,8 +11,13 @@
 
 namespace quorvex {
 
+// In front of a block stands where the memory begins that it lies in.
 struct Memory {
-  void operator()(void* block) const { std::free(block); }
+  void operator()(uint8_t* block) const {
+    void* whole = nullptr;
+    std::memcpy(&whole, block - sizeof whole, sizeof whole);
+    std::free(whole);
+  }
 };
 using Block = std::unique_ptr<uint8_t, Memory>;
 
