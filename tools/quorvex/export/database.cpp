@@ -81,7 +81,9 @@ class Statement {
 class Database {
  public:
   explicit Database(const std::string& path) {
-    const int code = sqlite3_open(path.c_str(), &database_);
+    // Without a lock at each call, for one thread at a time has the database.
+    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
+    const int code = sqlite3_open_v2(path.c_str(), &database_, flags, nullptr);
     if (code != SQLITE_OK) throw DatabaseError(sqlite3_errmsg(database_));
     sqlite3_busy_timeout(database_, 10000);
     const int64_t application = Number("PRAGMA application_id");
