@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -11,13 +10,9 @@
 
 namespace quorvex {
 
-// In front of a block stands where the memory begins that it lies in.
+// The byte in front of a block says how far before it the memory begins that it lies in.
 struct Memory {
-  void operator()(uint8_t* block) const {
-    void* whole = nullptr;
-    std::memcpy(&whole, block - sizeof whole, sizeof whole);
-    std::free(whole);
-  }
+  void operator()(uint8_t* block) const { std::free(block - block[-1]); }
 };
 using Block = std::unique_ptr<uint8_t, Memory>;
 

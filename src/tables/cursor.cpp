@@ -1,7 +1,6 @@
 #include "tables/cursor.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -28,8 +27,7 @@ Block NewBlock(size_t size) {
   auto* whole = static_cast<uint8_t*>(std::malloc(size + kAlignment));
   if (whole == nullptr) throw std::bad_alloc();
   const size_t gap = kAlignment - reinterpret_cast<uintptr_t>(whole) % kAlignment;
-  static_assert(alignof(std::max_align_t) >= sizeof whole);  // it fits into every gap
-  std::memcpy(whole + gap - sizeof whole, &whole, sizeof whole);
+  whole[gap - 1] = static_cast<uint8_t>(gap);
   return Block(whole + gap);
 }
 
