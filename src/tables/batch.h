@@ -10,8 +10,9 @@
 
 namespace quorvex {
 
+// The byte in front of a block says how far before it the memory begins that it lies in.
 struct Memory {
-  void operator()(void* block) const { std::free(block); }
+  void operator()(uint8_t* block) const { std::free(block - block[-1]); }
 };
 using Block = std::unique_ptr<uint8_t, Memory>;
 

@@ -1,6 +1,7 @@
 #include "tables/cursor.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -20,16 +21,14 @@ size_t WidthOf(ValueType type) {
   return type == ValueType::kInt32 || type == ValueType::kFloat || type == ValueType::kText ? 4 : 8;
 }
 
+// Aligned by hand: some C libraries do not use again what aligned_alloc() gave and got back, and
+// then each of many recordings takes memory of its own.
 Block NewBlock(size_t size) {
-  size = (size + kAlignment - 1) / kAlignment * kAlignment;
-  void* block = nullptr;
-#ifdef _WIN32
-  block = std::malloc(size);
-#else
-  block = std::aligned_alloc(kAlignment, size);
-#endif
-  if (block == nullptr) throw std::bad_alloc();
-  return Block(static_cast<uint8_t*>(block));
+  auto* whole = static_cast<uint8_t*>(std::malloc(size + kAlignment));
+  if (whole == nullptr) throw std::bad_alloc();
+  const size_t gap = kAlignment - reinterpret_cast<uintptr_t>(whole) % kAlignment;
+  whole[gap - 1] = static_cast<uint8_t>(gap);
+  return Block(whole + gap);
 }
 
 // Columns that begin an odd number of lines apart do not fall on each other in the cache.

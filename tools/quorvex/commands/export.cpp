@@ -166,7 +166,6 @@ ExitCode ToFolder(const ExportOptions& options, const ExportRequest& request, st
   ExitCode code = Run(jobs, options, WritingCsv(request, columns),
                       WorkersFor(options.jobs, jobs->size()), progress);
   if (columns->lines.empty()) return code;
-  std::sort(columns->lines.begin(), columns->lines.end());
   if (const std::string problem = WriteColumns(folder, columns->lines); !problem.empty()) {
     Complain(columns_path, "cannot be written: " + problem);
     if (code == kDone) code = kNoOutput;

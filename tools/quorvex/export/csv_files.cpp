@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <set>
 #include <utility>
 
 #include "shared/gather.h"
@@ -100,8 +99,10 @@ void RunJob(const ExportRequest& request, unsigned worker, Placed* placed, Colum
   }
   job->output = stem;
   if (!job->problem.empty()) return;
+  std::vector<std::string> lines;
+  AddColumnLines(opened, *wanted, &lines);
   const std::lock_guard<std::mutex> lock(columns->mutex);
-  AddColumnLines(opened, *wanted, &columns->lines);
+  columns->lines.insert(lines.begin(), lines.end());
 }
 
 std::string ReadText(const std::string& path) {
@@ -141,7 +142,7 @@ std::string ColumnsProblem(const std::string& folder) {
              : "is not of this program; it is not overwritten";
 }
 
-std::string WriteColumns(const std::string& folder, const std::vector<std::string>& lines) {
+std::string WriteColumns(const std::string& folder, const std::set<std::string>& lines) {
   std::string text = ReadText(ColumnsPath(folder));
   if (text.empty()) text = kColumnsHeader;
   std::set<std::string> known;

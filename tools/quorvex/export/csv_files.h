@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <set>
 
 #include "export/export.h"
 
@@ -13,7 +14,7 @@ std::string CsvName(const std::string& stem, const Table& table);
 // What the files of a run have been made of, for columns.csv.
 struct ColumnLines {
   std::mutex mutex;
-  std::vector<std::string> lines;
+  std::set<std::string> lines;
 };
 
 // Jobs whose output is the folder and the stem of the files; that of a job without one is standard
@@ -24,6 +25,6 @@ Work WritingCsv(const ExportRequest& request, const std::shared_ptr<ColumnLines>
 std::string ColumnsProblem(const std::string& folder);
 
 // Adds what is new to the folder's columns.csv. Empty, or why that failed.
-std::string WriteColumns(const std::string& folder, const std::vector<std::string>& lines);
+std::string WriteColumns(const std::string& folder, const std::set<std::string>& lines);
 
 }  // namespace quorvex::tool

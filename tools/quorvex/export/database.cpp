@@ -82,7 +82,9 @@ class Database {
  public:
   explicit Database(const std::string& path) {
     sqlite3* opened = nullptr;
-    const int code = sqlite3_open(path.c_str(), &opened);
+    // Without a lock at each call, for one thread at a time has the database.
+    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
+    const int code = sqlite3_open_v2(path.c_str(), &opened, flags, nullptr);
     database_.reset(opened);
     if (code != SQLITE_OK) throw DatabaseError(sqlite3_errmsg(opened));
     sqlite3_busy_timeout(opened, 10000);
