@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "records/recording.h"
 #include "tables/values.h"
 
 namespace quorvex {

@@ -6,7 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "records/recording_head.h"
+#include "layout/field.h"
+#include "settings/settings_record.h"
 
 namespace quorvex {
 

@@ -19,7 +19,7 @@ A recording gives a few tables. They are the same in CSV files, in a database, i
 
 - **`file`**: what the recording is, a value a row: its header and what `quorvex info` says.
 - **`settings`**: the instrument's settings and information blocks, a value a row, as documents show
-  them, with paths such as `UIF_PARAMS/NOMINAL_VOLTAGE`. Sessions have none.
+  them (a date-time is one value), with paths such as `UIF_PARAMS/NOMINAL_VOLTAGE`. Sessions have none.
 - **`records`**: a row a record. A column has the path of its element inside the record's, phases in
   brackets: `VOLTAGES/U[u1]/rms/max`. Missing values are missing.
 - **Lists and spectra**: what repeats inside a record is a table of its own, with the record's number
@@ -105,10 +105,10 @@ std::string Lines(const std::vector<Column>& columns) {
   }
   for (size_t before = 0; before != families.size();) {
     before = families.size();
-    for (auto one = families.begin(); one != families.end(); ++one) {
-      families.erase(std::remove_if(one + 1, families.end(),
-                                    [&](const Family& other) { return Merge(other, &*one); }),
-                     families.end());
+    for (size_t i = 0; i < families.size(); ++i) {
+      const auto merged = [&](const Family& other) { return Merge(other, &families[i]); };
+      const auto behind = families.begin() + static_cast<std::ptrdiff_t>(i) + 1;
+      families.erase(std::remove_if(behind, families.end(), merged), families.end());
     }
   }
   std::string text = "\n| Columns | Type | Unit |\n|---|---|---|\n";
