@@ -63,6 +63,7 @@ bool Look(const ExportRequest& request, Job* job) {
 ExitCode List(const std::vector<std::string>& recordings, const ExportRequest& request) {
   ExitCode code = kDone;
   std::set<std::string> known;
+  UseBytes(stdout);
   Print(kColumnsHeader);
   for (const std::string& recording : recordings) {
     Job job;
