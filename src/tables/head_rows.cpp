@@ -1,6 +1,5 @@
 // The tables `file` and `settings`: what stands in front of the records, a value a row.
 #include "inspection/facts.h"
-#include "layout/count_of.h"
 #include "layout/date_time.h"
 #include "settings/settings_table.h"
 #include "support/loads.h"

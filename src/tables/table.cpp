@@ -2,8 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
-
-#include "layout/date_time.h"
+#include <iterator>
 
 namespace quorvex {
 namespace {
@@ -59,9 +58,10 @@ void AddColumns(const Value& value, Table* table) {
   const Field& f = *value.field;
   std::string name = value.path.substr(value.inside);
   if (IsSample(value)) name = ChannelName(value);
-  const uint32_t parts = f.kind == Kind::kSpectrum ? f.written_floats : 1;
+  const auto parts = static_cast<uint32_t>(
+      f.kind == Kind::kSpectrum ? std::min<size_t>(f.written_floats, std::size(kParts)) : 1);
   for (uint32_t part = 0; part < parts; ++part) {
-    Column column = {name, value.path, TypeOf(f), value.unit, value.meaning};
+    Column column{name, value.path, TypeOf(f), value.unit, value.meaning};
     column.part = part;
     if (parts > 1) column.name += kParts[part];
     table->columns.push_back(std::move(column));

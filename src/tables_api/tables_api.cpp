@@ -94,6 +94,7 @@ int Ask(ArrowArrayStream* stream, Work work) {
 int GetSchema(ArrowArrayStream* stream, ArrowSchema* to) {
   return Ask(stream, [&](Stream* of) {
     std::vector<const Column*> columns;
+    columns.reserve(of->columns.size());
     for (const uint32_t c : of->columns) columns.push_back(&of->table.columns[c]);
     ExportSchema(columns, of->options.utc_offset.has_value(), to);
     return 0;

@@ -109,7 +109,11 @@ std::string ReadText(const std::string& path) {
   std::string text;
   if (std::FILE* file = std::fopen(path.c_str(), "rb")) {
     char piece[4096];
-    while (const size_t got = std::fread(piece, 1, sizeof piece, file)) text.append(piece, got);
+    size_t got = sizeof piece;
+    while (got == sizeof piece) {
+      got = std::fread(piece, 1, sizeof piece, file);
+      text.append(piece, got);
+    }
     std::fclose(file);
   }
   return text;

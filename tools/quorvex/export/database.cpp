@@ -12,9 +12,7 @@
 #include <stdexcept>
 
 #include "inspection/facts.h"
-#include "records/record_types.h"
 #include "shared/gather.h"
-#include "shared/messages.h"
 #include "shared/output_places.h"
 
 namespace quorvex::tool {

@@ -1,6 +1,7 @@
 #include "export/export.h"
 
 #include <algorithm>
+#include <numeric>
 
 #include "tables/csv.h"
 
@@ -17,6 +18,7 @@ Opened::Opened(const std::string& path) : head(path.c_str()) {
 
 std::optional<std::vector<const Table*>> Opened::Wanted(const ExportRequest& request) const {
   std::vector<const Table*> wanted;
+  wanted.reserve(set.tables.size());
   for (const Table& table : set.tables) {
     if (request.tables.empty()) wanted.push_back(&table);
   }
@@ -29,8 +31,8 @@ std::optional<std::vector<const Table*>> Opened::Wanted(const ExportRequest& req
 }
 
 std::vector<uint32_t> AllColumns(const Table& table) {
-  std::vector<uint32_t> columns;
-  for (uint32_t c = 0; c < table.columns.size(); ++c) columns.push_back(c);
+  std::vector<uint32_t> columns(table.columns.size());
+  std::iota(columns.begin(), columns.end(), 0u);
   return columns;
 }
 
