@@ -50,7 +50,7 @@ void MakeChannelReadings(const std::string& folder) {
 
 void MakeWaveformCapture(const std::string& folder) {
   constexpr int kSamples = 2000;
-  constexpr double kTimeStep = 1e-4;
+  constexpr double kSampleStep = 1e-4;
   // A scale of 1000 in thousandths: samples are volts and amperes.
   UifParams settings = NetworkSettings();
   settings.transients.num = kSamples;
@@ -60,7 +60,7 @@ void MakeWaveformCapture(const std::string& folder) {
     for (int channel = 0; channel < kMeasuredChannels; ++channel) {
       const Channel& c = network.channel[channel];
       for (int i = 0; i < kSamples; ++i) {
-        const double time = i * kTimeStep;
+        const double time = i * kSampleStep;
         const double factor = DipFactor(channel, time);
         const auto sample =
             static_cast<float>(current ? c.i.At(time) / std::sqrt(factor) : c.u.At(time) * factor);
@@ -74,7 +74,7 @@ void MakeWaveformCapture(const std::string& folder) {
 void MakeWaveformSeries(const std::string& folder) {
   constexpr int kRoom = 1500;
   constexpr int kUsed = 1000;
-  constexpr double kTimeStep = 2e-4;
+  constexpr double kSampleStep = 2e-4;
   const UifParams settings = WaveformSettings(7);
   float scales[2 * kMeasuredChannels];
   SampleScales(settings, NeutralRange::kOwn, scales);
@@ -83,7 +83,7 @@ void MakeWaveformSeries(const std::string& folder) {
   for (int number = 0; number < 2; ++number) {
     const Network network = LoadedNetwork(25 + 10 * number);
     RecordBytes start(*kWaveformSeries.record);
-    start.SetTime("timeStart", ClockAt(4, 14, 10 * number, 0).now).Set("timeStep", kTimeStep);
+    start.SetTime("timeStart", ClockAt(4, 14, 10 * number, 0).now).Set("timeStep", kSampleStep);
     start.Set("numUsedSamples", kUsed);
     file.Append(start);
     for (const bool current : {false, true}) {
@@ -91,7 +91,7 @@ void MakeWaveformSeries(const std::string& folder) {
         const int channel = ChannelOf(label);
         const Channel c = ChannelOfNetwork(network, label);
         for (int i = 0; i < kRoom; ++i) {
-          const double value = (current ? c.i : c.u).At(i * kTimeStep);
+          const double value = (current ? c.i : c.u).At(i * kSampleStep);
           const float scale = scales[2 * channel + (current ? 1 : 0)];
           const auto sample = static_cast<int16_t>(i < kUsed ? RawSample(value, scale) : 0);
           file.Append(&sample, sizeof sample);
