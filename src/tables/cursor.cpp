@@ -1,6 +1,8 @@
 #include "tables/cursor.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -37,8 +39,22 @@ size_t OddLines(size_t bytes) {
   return (lines | 1) * kAlignment;
 }
 
-// A step from sample to sample that the instrument can have had.
-bool IsBelievable(float step) { return step >= 1e-6f && step <= 1e-2f; }
+// A step from sample to sample that the instrument can have had, else 0. It is a float, which has
+// seven digits: what a double shows behind them is not the instrument's.
+double SecondsOf(float step) {
+  if (!(step >= 1e-6f && step <= 1e-2f)) return 0;
+  char digits[32];
+  const char* end = std::to_chars(digits, digits + sizeof digits, step).ptr;
+  double seconds = 0;
+  std::from_chars(digits, end, seconds);
+  return seconds;
+}
+
+// Likewise a sample's time, to a picosecond: 0.0003 and not 0.00030000000000000003.
+double SampleTime(uint64_t sample, double step) {
+  constexpr double kPicoseconds = 1e12;
+  return std::nearbyint(static_cast<double>(sample) * step * kPicoseconds) / kPicoseconds;
+}
 
 int64_t IntegerOf(const Field& f, const uint8_t* at, const Inputs& inputs) {
   if (f.kind == Kind::kMade) return f.make(at - f.offset, inputs).integer;
@@ -107,6 +123,10 @@ Cursor::Cursor(RecordingHead* head, const TableSet& set, const Table& table,
   }
   texts_.resize(slots_.size());
   if (head->type->walk == nullptr) return;
+  if (head->type->step_at >= 0) {
+    const auto* settings = reinterpret_cast<const uint8_t*>(&head->settings);
+    time_step_ = SecondsOf(Load<float>(settings + head->type->step_at));
+  }
   record_size_ = RecordSize(*head->type, head->settings);
   const uint64_t elements = set.elements.size();
   end_element_ = static_cast<uint32_t>(std::min(options.last, elements));
@@ -257,7 +277,7 @@ void Cursor::Bytes(const Piece& piece) {
   const auto* bytes = static_cast<const uint8_t*>(piece.bytes);
   if (binding.time_step_at >= 0) {
     const auto step = Load<float>(bytes + binding.time_step_at);
-    time_step_ = IsBelievable(step) ? static_cast<double>(step) : 0;
+    time_step_ = SecondsOf(step);
   }
   uint8_t* const to = block_.get() + size_t{rows_} * 4;
   for (const Copy& copy : binding.floats) std::memcpy(to + copy.to, bytes + copy.offset, 4);
@@ -338,7 +358,7 @@ bool Cursor::EndRows(uint64_t record) {
         ValuesOf<int32_t>(slot)[row] =
             static_cast<int32_t>(entry) + static_cast<int32_t>(table_.first_order);
       } else if (key == Key::kTime) {
-        if (time_step_ > 0) ValuesOf<double>(slot)[row] = static_cast<double>(entry) * time_step_;
+        if (time_step_ > 0) ValuesOf<double>(slot)[row] = SampleTime(entry, time_step_);
         continue;
       } else {
         texts_[s][row] = set_.elements[first_element_ + i];

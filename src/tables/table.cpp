@@ -134,6 +134,12 @@ void AddRecords(const RecordType& type, const Field& layout, const UifParams& se
                                    [&](const Column& c) { return c.path == value.path; });
     if (!known) AddColumns(value, table);
   }
+  // Voltages stand in front of currents, as people draw them.
+  for (Table& table : set->tables) {
+    if (table.name != kSamples) continue;
+    std::stable_partition(table.columns.begin(), table.columns.end(),
+                          [](const Column& c) { return c.key != Key::kNone || c.unit == "V"; });
+  }
 }
 
 Table HeadTable(Table::From from, const char* name, const char* meaning) {

@@ -76,7 +76,7 @@ struct Gatherer {
       value.list = {&f, around.place};
       value.step = f.entry_floats * 4u;
     }
-    if (value.list.row != nullptr) value.table = IsSample(value) ? "samples" : in.table;
+    if (value.list.row != nullptr) value.table = IsSample(value) ? kSamples : in.table;
     value.unit = in.unit;
     value.meaning = in.meaning;
     if (f.meaning[0] != '\0') {

@@ -47,6 +47,8 @@ inline uint32_t OrdersOf(const Field& spectrum) {
   return spectrum.claims / 4 / spectrum.entry_floats;
 }
 
+constexpr char kSamples[] = "samples";
+
 // Whether values of this list stand in the table of samples.
 inline bool IsSample(const Value& value) {
   const Kind kind = value.field->kind;

@@ -13,7 +13,8 @@ using namespace quorvex::tool;
 constexpr AddCommand* kCommands[] = {QUORVEX_COMMANDS(QUORVEX_ROW)};
 
 int Run(const std::vector<std::string>& arguments) {
-  CLI::App app{"Converts record files of a power-quality analyser into XML documents.", "quorvex"};
+  CLI::App app{"Turns record files of a power-quality analyser into XML documents and tables.",
+               "quorvex"};
   app.formatter(std::make_shared<HelpFormatter>());
   app.require_subcommand(1);
   app.footer(
@@ -21,6 +22,7 @@ int Run(const std::vector<std::string>& arguments) {
       "  quorvex info card                 what is on a card\n"
       "  quorvex check card                is it sound?\n"
       "  quorvex convert card -o documents/\n"
+      "  quorvex export card -o tables/\n"
       "\n"
       "quorvex COMMAND --help says more of a command, and its exit codes.");
   app.failure_message([](const CLI::App*, const CLI::Error& error) {

@@ -19,7 +19,7 @@ constexpr struct {
     {kNoInput, "a recording or folder is missing or cannot be read"},
     {kUnknownType, "a file is of an unknown record type, or not of the type asked for"},
     {kCutShort, "a recording ends inside its head"},
-    {kNoOutput, "a document cannot be written, or exists already"},
+    {kNoOutput, "an output cannot be written, or exists already"},
     {kDamaged, "checked: there are errors"},
     {kCancelled, "cancelled"},
 };
