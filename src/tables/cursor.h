@@ -67,13 +67,17 @@ class Cursor final : private Listener {
 
   const Binding& BindingOf(const Field& layout);
   void Run(const Step& step, const Piece& piece);
-  void PutNull(const Step& step, uint32_t row);
-  void Put(const Step& step, const uint8_t* at, const Inputs& inputs, uint32_t row);
   bool EndRows(uint64_t record);
   bool NextRows(Batch* batch);
+
+  // Of the rows, in cursor_rows.cpp.
+  void LayOut(const std::vector<uint32_t>& columns);
   void Begin();
+  void PutNull(const Step& step, uint32_t row);
+  void Put(const Step& step, const uint8_t* at, const Inputs& inputs, uint32_t row);
   void Finish(Batch* batch);
   void FinishColumn(const Slot& slot, ColumnData* data, std::vector<Block>* memory);
+
   WalkFrom WhereToBegin() const;
   bool IsWanted(uint64_t record) const {
     return record >= next_.record && (!set_.elements.empty() || record >= options_.first);
