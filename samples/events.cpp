@@ -1,13 +1,13 @@
 // Recordings of what happens now and then: rapid voltage changes and operating sessions.
+#include "events.h"
+
 #include <cmath>
 
 #include "records/record_types.h"
-#include "sample.h"
 
 namespace quorvex::samples {
 
-// A large motor starts on phase 1: the voltage sags by a few volts and settles a little lower.
-void MakeRapidVoltageChanges(const std::string& folder) {
+RecordBytes RapidVoltageChange(int phase, Clock clock) {
   constexpr int kHalfCycles = 200;
   constexpr int kStart = 60;
   constexpr int kSettled = 160;
@@ -15,26 +15,28 @@ void MakeRapidVoltageChanges(const std::string& folder) {
   constexpr double kAfter = 229.2;
   constexpr double kSag = 9.5;
 
-  UifParams settings = NetworkSettings();
+  RecordBytes record(*kRapidVoltageChanges.record);
+  record.Set("PHASE", phase).Set("SS1", kBefore).Set("SS2", kAfter);
+  record.Set("DU_MAX", 100 * kSag / kNominalVoltage);
+  record.Set("DU_SS", 100 * (kBefore - kAfter) / kNominalVoltage);
+  record.Set("DURATION", (kSettled - kStart) * 0.01);
+  for (int i = 0; i < kHalfCycles; ++i) {
+    double volts = i < kStart ? kBefore : kAfter;
+    if (i >= kStart && i < kSettled) volts = kBefore - kSag * std::exp((kStart - i) / 30.0);
+    const std::string at = "RMS12_VALUES/RMS12[" + std::to_string(i) + "]/";
+    record.Set(at + "U", volts + 0.05 * std::sin(i * 0.7)).SetTime(at + "TIME_STAMP", clock.now);
+    if (i == kStart) record.SetTime("RVC_START_TIME", clock.now);
+    if (i == kSettled) record.SetTime("RVC_STOP_TIME", clock.now);
+    clock.Advance(0.01);
+  }
+  return record;
+}
+
+void MakeRapidVoltageChanges(const std::string& folder) {
+  const UifParams settings = NetworkSettings();
   RecordingFile file(10, &settings);
   for (int change = 0; change < 2; ++change) {
-    RecordBytes record(*kRapidVoltageChanges.record);
-    Clock clock = ClockAt(4, 9, 30 + 15 * change, 12.5);
-    record.Set("PHASE", 1 + change);
-    record.Set("SS1", kBefore).Set("SS2", kAfter);
-    record.Set("DU_MAX", 100 * kSag / kNominalVoltage);
-    record.Set("DU_SS", 100 * (kBefore - kAfter) / kNominalVoltage);
-    record.Set("DURATION", (kSettled - kStart) * 0.01);
-    for (int i = 0; i < kHalfCycles; ++i) {
-      double volts = i < kStart ? kBefore : kAfter;
-      if (i >= kStart && i < kSettled) volts = kBefore - kSag * std::exp((kStart - i) / 30.0);
-      const std::string at = "RMS12_VALUES/RMS12[" + std::to_string(i) + "]/";
-      record.Set(at + "U", volts + 0.05 * std::sin(i * 0.7)).SetTime(at + "TIME_STAMP", clock.now);
-      if (i == kStart) record.SetTime("RVC_START_TIME", clock.now);
-      if (i == kSettled) record.SetTime("RVC_STOP_TIME", clock.now);
-      clock.Advance(0.01);
-    }
-    file.Append(record);
+    file.Append(RapidVoltageChange(1 + change, ClockAt(4, 9, 30 + 15 * change, 12.5)));
   }
   file.Write(folder, "R0010RVC.REC");
 }

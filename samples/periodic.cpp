@@ -1,34 +1,15 @@
 // Periodic recordings of one feeder: general records in each profile, voltage quality, averages,
 // and a settings file.
+#include "periodic.h"
+
 #include <cmath>
 
-#include "feeder.h"
 #include "records/record_types.h"
-#include "sample.h"
 
 namespace quorvex::samples {
-namespace {
 
-constexpr uint32_t kInterval = 600;
-constexpr int kRecordsPerDay = 24 * 3600 / kInterval;
-constexpr double kHoursPerRecord = kInterval / 3600.0;
-constexpr double kRoot3 = 1.7320508075688772;
-const char* const kLines[] = {"12", "23", "31"};
-
-using Names = std::initializer_list<const char*>;
-constexpr const char* kMin = "min";
-constexpr const char* kMax = "max";
-const Names kMinMaxRms = {kMin, kMax, "rms"};
-const Names kMinMaxAvg = {kMin, kMax, "avg"};
-const Names kMaxRms = {kMax, "rms"};
-const Names kMinMaxRmsA = {kMin, kMax, "rms", "rmsA"};
-const Names kMaxRmsA = {kMax, "rms", "rmsA"};
-const Names kSix = {kMin, kMax, "avg", "avgA"};
-const Names kFrequencyNames = {kMin, kMax, "avgA"};
-
-// A statistic of a value that moved by `spread` (a part of it) to both sides.
 void Statistic(RecordBytes* record, const std::string& path, double value, Names names,
-               double spread = 0.02) {
+               double spread) {
   for (const char* name : names) {
     double shown = value;
     if (name == kMin) shown *= 1 - spread;
@@ -37,7 +18,6 @@ void Statistic(RecordBytes* record, const std::string& path, double value, Names
   }
 }
 
-// "u" and 0 give "u1".
 std::string Numbered(const char* text, int index) {
   std::string name = text;
   name += std::to_string(index + 1);
@@ -49,6 +29,20 @@ void SetTimes(RecordBytes* record, const Clock& clock) {
   end.Advance(kInterval);
   record->SetTime("START_TIME", clock.now).SetTime("LAST_TIME", end.now);
 }
+
+void StartFrequencies(RecordBytes* record, const Clock& clock) {
+  constexpr uint32_t kCountAt = 1936;
+  record->SetRaw(kCountAt, kFrequenciesPerRecord).SetTime("freq10s/timeFirst", clock.now);
+}
+
+std::string FrequencyPath(int index) { return "freq10s/freqs/freq[" + std::to_string(index) + "]"; }
+
+namespace {
+
+const Names kMinMaxAvg = {kMin, kMax, "avg"};
+const Names kMaxRms = {kMax, "rms"};
+const Names kMaxRmsA = {kMax, "rms", "rmsA"};
+const Names kFrequencyNames = {kMin, kMax, "avgA"};
 
 void SetVoltage(RecordBytes* record, const std::string& name, double volts, double thd,
                 double pst) {
@@ -193,22 +187,23 @@ void SetFullSpectra(RecordBytes* record, const Feeder& network) {
   }
 }
 
+}  // namespace
+
 RecordBytes FullRecord(const Feeder& network, const Clock& clock, double hour) {
-  constexpr uint32_t kCountAt = 1936;
-  constexpr int kValues = kInterval / 10;
   RecordBytes record(*kGeneral.choice->layouts[0]);
   record.ClearFloats();
   SetCommon(&record, network, true);
-  record.SetRaw(kCountAt, kValues).SetTime("freq10s/timeFirst", clock.now);
-  for (int i = 0; i < kValues; ++i) {
-    const double frequency = FeederAt(hour + i / 360.0).frequency;
-    record.Set("freq10s/freqs/freq[" + std::to_string(i) + "]", frequency);
+  StartFrequencies(&record, clock);
+  for (int i = 0; i < kFrequenciesPerRecord; ++i) {
+    record.Set(FrequencyPath(i), FeederAt(hour + i / 360.0).frequency);
   }
   SetFullSpectra(&record, network);
   Statistic(&record, "tempBattery", 33.0, kMinMaxAvg);
   Statistic(&record, "voltBattery", 7.4, kMinMaxRms);
   return record;
 }
+
+namespace {
 
 RecordBytes CompactRecord(const Feeder& network) {
   constexpr int kCompactHighest = 25, kCompactLowest = 1;
@@ -288,25 +283,28 @@ void MakeGeneral(const std::string& folder) {
   RecordingFile(4, &settings).Write(folder, "R0301PAR.REC");
 }
 
+RecordBytes QualityRecord(const UifParams& settings, const Feeder& network) {
+  constexpr int kQualityHighest = 40;
+  RecordBytes record(*kVoltageQuality.choice->choose(settings));
+  for (int p = 0; p < kPhases; ++p) {
+    const Phase& phase = network.phase[p];
+    const std::string u = Numbered("VOLTAGES/U[u", p) + "]/";
+    record.Set(u + "thd/rms", phase.volts_thd).Set(u + "Pst/rms", network.pst);
+    record.SetFloats(Numbered("HARMONICS_U/HARM_U[u", p) + "h]",
+                     Spectrum(VoltageOrder, phase.volts / 100, 1, kQualityHighest));
+  }
+  return record;
+}
+
 void MakeVoltageQuality(const std::string& folder) {
   constexpr int kDays = 7;
-  constexpr int kQualityHighest = 40;
   const UifParams settings = NetworkSettings();
   RecordingFile file(16, &settings);
   Clock clock = ClockAt(4, 0, 0, 0);
   for (int i = 0; i < kDays * kRecordsPerDay; ++i) {
-    const Feeder network = FeederAt(i % kRecordsPerDay * kHoursPerRecord);
-    RecordBytes record(*kVoltageQuality.choice->choose(settings));
+    RecordBytes record = QualityRecord(settings, FeederAt(i % kRecordsPerDay * kHoursPerRecord));
     clock.Advance(kInterval);
-    record.SetTime("LAST_TIME", clock.now);
-    for (int p = 0; p < kPhases; ++p) {
-      const Phase& phase = network.phase[p];
-      const std::string u = Numbered("VOLTAGES/U[u", p) + "]/";
-      record.Set(u + "thd/rms", phase.volts_thd).Set(u + "Pst/rms", network.pst);
-      record.SetFloats(Numbered("HARMONICS_U/HARM_U[u", p) + "h]",
-                       Spectrum(VoltageOrder, phase.volts / 100, 1, kQualityHighest));
-    }
-    file.Append(record);
+    file.Append(record.SetTime("LAST_TIME", clock.now));
   }
   file.Write(folder, "R0016VQ.REC");
 }

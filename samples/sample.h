@@ -79,11 +79,11 @@ void MakeSignalling(const std::string& folder);
 void MakeRapidVoltageChanges(const std::string& folder);
 void MakeAverages(const std::string& folder);
 void MakeTransients(const std::string& folder);
-void MakeInrush(const std::string& folder);
+void MakeInrush(const std::string& folder, const std::string& name = "R0013INR.REC");
 void MakeSessions(const std::string& folder);
 void MakeVoltageQuality(const std::string& folder);
 void MakeWaveformSeries(const std::string& folder);
-void MakeEnergyMeter(const std::string& folder);
+void MakeEnergyMeter(const std::string& folder, const std::string& name = "R0018EME.REC");
 
 // All of them.
 void MakeAll(const std::string& folder);

@@ -2,11 +2,10 @@
 #include <algorithm>
 #include <cmath>
 
-#include "network.h"
+#include "events.h"
 #include "records/channel_groups.h"
 #include "records/channels.h"
 #include "records/record_types.h"
-#include "sample.h"
 
 namespace quorvex::samples {
 namespace {
@@ -187,29 +186,32 @@ void MakeLive(const std::string& folder, const std::string& name, uint8_t connec
 
 }  // namespace
 
+void AppendSnapshot(const UifParams& settings, const Network& network, const Clock& clock,
+                    double hours, RecordingFile* file) {
+  float scales[2 * kMeasuredChannels];
+  SampleScales(settings, NeutralRange::kOfPhases, scales);
+  RecordBytes record(*kSnapshots.record);
+  record.ClearFloats().SetTime("timeStart", clock.now).Set("timeStep", kTimeStep);
+  record.Set("numUsedSamples", kScopeSamples).SetRaw(kScopeCountAt, kScopeSamples);
+  SetTotals(&record, "RESULTS/", network, clock, hours);
+  const uint32_t list = Rms12ListSize(kRms12LongRoom) - Rms12ListSize(kRms12Room);
+  file->Append(record.bytes().data(), record.bytes().size() - list);
+  for (const std::string label : {"L1", "L2", "L3", "N"}) {
+    RecordBytes block(kSnapshotChannel);
+    const int pair = 2 * ChannelOf(label.c_str());
+    block.ClearFloats();
+    SetChannel(&block, "", ChannelOfNetwork(network, label), scales + pair, hours);
+    file->Append(block);
+  }
+}
+
 // The load grows from one snapshot to the next.
 void MakeSnapshots(const std::string& folder) {
   const UifParams settings = WaveformSettings(3);
-  float scales[2 * kMeasuredChannels];
-  SampleScales(settings, NeutralRange::kOfPhases, scales);
   RecordingFile file(2, &settings);
   for (int snapshot = 0; snapshot < 3; ++snapshot) {
-    const Network network = LoadedNetwork(30 + 12 * snapshot);
-    const Clock clock = ClockAt(4, 10, 10 * snapshot, 5);
-    const double hours = 10 + snapshot / 6.0;
-    RecordBytes record(*kSnapshots.record);
-    record.ClearFloats().SetTime("timeStart", clock.now).Set("timeStep", kTimeStep);
-    record.Set("numUsedSamples", kScopeSamples).SetRaw(kScopeCountAt, kScopeSamples);
-    SetTotals(&record, "RESULTS/", network, clock, hours);
-    const uint32_t list = Rms12ListSize(kRms12LongRoom) - Rms12ListSize(kRms12Room);
-    file.Append(record.bytes().data(), record.bytes().size() - list);
-    for (const std::string label : {"L1", "L2", "L3", "N"}) {
-      RecordBytes block(kSnapshotChannel);
-      const int pair = 2 * ChannelOf(label.c_str());
-      block.ClearFloats();
-      SetChannel(&block, "", ChannelOfNetwork(network, label), scales + pair, hours);
-      file.Append(block);
-    }
+    AppendSnapshot(settings, LoadedNetwork(30 + 12 * snapshot), ClockAt(4, 10, 10 * snapshot, 5),
+                   10 + snapshot / 6.0, &file);
   }
   file.Write(folder, "R0002SNP.REC");
 }

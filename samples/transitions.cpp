@@ -1,83 +1,91 @@
 // Recordings of transitions: voltage events and alarms.
+#include "events.h"
 #include "records/record_types.h"
-#include "sample.h"
 
 namespace quorvex::samples {
 namespace {
 
 constexpr uint32_t kLongHead = 128;
-enum EventType { kNormal, kDip, kSwell };
-
 std::string OfPhase(const std::string& group, int phase) {
   return "STATISTIC/" + group + "/N[" + std::to_string(phase - 1) + "]";
 }
 
-struct Event {
-  EventType type;
-  const char* word;  // in the names of its counters
-  int phase;
-  double voltage;   // lowest or highest half-cycle
-  double duration;  // s
-};
+// In the names of counters and extremes.
+const char* const kEventWords[kEventTypes] = {"", "DIP", "SWELL", "INTERRUPT"};
 
-// Makes the record of the transition before into that of an event's start or end, at the threshold
-// which the voltage crosses. The counts run on.
-void SetTransition(const Event& event, bool starts, double threshold, RecordBytes* record) {
-  const std::string way = starts ? "START" : "END";
-  const std::string word = event.word;
-  record->ClearFloats();
-  record->Set("PHASE_NUMBER", event.phase);
-  record->Set("RMS_12_AT_TRANSITION", threshold + (starts == (event.type == kDip) ? -4.6 : 2.3));
-  record->Set("TRANSITION_FROM_EVENT_TYPE_ID", starts ? kNormal : event.type);
-  record->Set("TRANSITION_TO_EVENT_TYPE_ID", starts ? event.type : kNormal);
-  // Each kind of event happens once, on a phase of its own.
-  record->Set("STATISTIC/TOTAL_PHASE_" + word + "_" + way + "_COUNT", 1);
-  record->Set(OfPhase("TOTAL_PHASE_" + way + "_COUNTS", event.phase), 1);
-  record->Set(OfPhase("PHASE_" + word + "_" + way + "_COUNTS", event.phase), 1);
-  if (starts) return;
-  if (event.type == kDip) {
-    record->Set("DATA/DIP/MIN_VALUE", event.voltage);
-    record->Set("DATA/DIP/DEPTH", kNominalVoltage - event.voltage);
-  } else {
-    record->Set("DATA/SWELL/MAX_VALUE", event.voltage);
-  }
+constexpr double kDipAt = 0.9 * kNominalVoltage;
+constexpr double kSwellAt = 1.1 * kNominalVoltage;
+constexpr double kInterruptAt = 0.05 * kNominalVoltage;
+
+// The voltage when it just left the normal range or came back to it.
+double VoltageAtTransition(EventType type, bool starts) {
+  if (type == kSwell) return kSwellAt + (starts ? 2.3 : -4.6);
+  if (!starts) return kDipAt + 2.3;
+  return (type == kDip ? kDipAt : kInterruptAt) - 4.6;
 }
 
 }  // namespace
 
-// A short circuit nearby pulls phase 1 down for twelve cycles; later a load drops off and phase 2
-// swells for half a second.
-void MakeVoltageEvents(const std::string& folder) {
-  const Event events[] = {
-      {kDip, "DIP", 1, 148.2, 0.24},
-      {kSwell, "SWELL", 2, 261.9, 0.5},
-  };
-  constexpr double kDipAt = 0.9 * kNominalVoltage;
-  constexpr double kSwellAt = 1.1 * kNominalVoltage;
-
-  const UifParams settings = NetworkSettings();
-  RecordingFile file(8, &settings, kLongHead);
+VoltageEvents::VoltageEvents(const UifParams& settings)
+    : file_(8, &settings, kLongHead), record_(*kVoltageEvents.record) {
   RecordBytes information(*kVoltageEvents.information);
   information.Set("CONNECTION", settings.connection).Set("NOMINAL_VOLTAGE", kNominalVoltage);
   information.Set("DIP_TRESHOLD", kDipAt).Set("SWELL_TRESHOLD", kSwellAt);
-  information.Set("INTTERUPT_TRESHOLD", 0.05 * kNominalVoltage);
-  file.Append(information);
+  file_.Append(information.Set("INTTERUPT_TRESHOLD", kInterruptAt));
+}
 
-  int transitions = 0;
-  RecordBytes record(*kVoltageEvents.record);
-  Clock clock = ClockAt(4, 10, 0, 7.31);
-  for (const Event& event : events) {
-    const double threshold = event.type == kDip ? kDipAt : kSwellAt;
-    for (const bool starts : {true, false}) {
-      SetTransition(event, starts, threshold, &record);
-      record.Set("STATISTIC/TOTAL_TRANSITION_COUNT", ++transitions);
-      record.Set("STATISTIC/TOTAL_PHASE_START_COUNT", (transitions + 1) / 2);
-      record.Set("STATISTIC/TOTAL_PHASE_END_COUNT", transitions / 2);
-      file.Append(record.SetTime("TIME_STAMP", clock.now));
-      clock.Advance(starts ? event.duration : 1800);
+void VoltageEvents::Add(const VoltageEvent& event, bool starts, const DateTimeRecord& time) {
+  const std::string word = kEventWords[event.type];
+  const std::string way = starts ? "START" : "END";
+  auto& counts = counts_[starts];
+  ++counts[event.type][event.phase - 1];
+  int all = 0, of_type = 0, of_phase = 0;
+  for (int type = kDip; type < kEventTypes; ++type) {
+    for (int phase = 1; phase <= 3; ++phase) {
+      const int count = counts[type][phase - 1];
+      all += count;
+      if (type == event.type) of_type += count;
+      if (phase == event.phase) of_phase += count;
     }
   }
-  file.Write(folder, "R0008EVE.REC");
+  record_.ClearFloats().SetTime("TIME_STAMP", time).Set("PHASE_NUMBER", event.phase);
+  record_.Set("RMS_12_AT_TRANSITION", VoltageAtTransition(event.type, starts));
+  record_.Set("TRANSITION_FROM_EVENT_TYPE_ID", starts ? kNormal : event.type);
+  record_.Set("TRANSITION_TO_EVENT_TYPE_ID", starts ? event.type : kNormal);
+  record_.Set("STATISTIC/TOTAL_TRANSITION_COUNT", ++transitions_);
+  record_.Set("STATISTIC/TOTAL_PHASE_" + way + "_COUNT", all);
+  record_.Set("STATISTIC/TOTAL_PHASE_" + word + "_" + way + "_COUNT", of_type);
+  record_.Set(OfPhase("TOTAL_PHASE_" + way + "_COUNTS", event.phase), of_phase);
+  record_.Set(OfPhase("PHASE_" + word + "_" + way + "_COUNTS", event.phase),
+              counts[event.type][event.phase - 1]);
+  if (!starts) {
+    const std::string extreme = event.type == kSwell ? "/MAX_VALUE" : "/MIN_VALUE";
+    record_.Set("DATA/" + word + extreme, event.voltage);
+    if (event.type == kDip) record_.Set("DATA/DIP/DEPTH", kNominalVoltage - event.voltage);
+  }
+  file_.Append(record_);
+}
+
+void VoltageEvents::Write(const std::string& folder, const std::string& name) const {
+  file_.Write(folder, name);
+}
+
+// A short circuit nearby pulls phase 1 down for twelve cycles; later a load drops off and phase 2
+// swells for half a second.
+void MakeVoltageEvents(const std::string& folder) {
+  constexpr struct {
+    VoltageEvent event;
+    double duration;  // s
+  } kHappenings[] = {{{kDip, 1, 148.2}, 0.24}, {{kSwell, 2, 261.9}, 0.5}};
+  VoltageEvents recording(NetworkSettings());
+  Clock clock = ClockAt(4, 10, 0, 7.31);
+  for (const auto& happening : kHappenings) {
+    recording.Add(happening.event, true, clock.now);
+    clock.Advance(happening.duration);
+    recording.Add(happening.event, false, clock.now);
+    clock.Advance(1800);
+  }
+  recording.Write(folder, "R0008EVE.REC");
 }
 
 // Overvoltage, distortion and flicker in turn, each alarm with its start and its end.

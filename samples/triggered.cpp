@@ -7,7 +7,7 @@
 namespace quorvex::samples {
 
 // Five runs of 1000 pulses at 10000 pulses a kilowatt-hour, under a steady three-phase load.
-void MakeEnergyMeter(const std::string& folder) {
+void MakeEnergyMeter(const std::string& folder, const std::string& name) {
   constexpr int kRuns = 5;
   constexpr double kPacketSeconds = 0.2;
   constexpr double kWattSeconds = 3600;
@@ -40,7 +40,7 @@ void MakeEnergyMeter(const std::string& folder) {
     clock.Advance(seconds);
     file.Append(record.SetTime("END_TIME", clock.now));
   }
-  file.Write(folder, "R0018EME.REC");
+  file.Write(folder, name);
 }
 
 // A telegram of ten half-second bits at 316.7 Hz and, weaker, its echo of a neighbouring network at
@@ -115,7 +115,7 @@ void MakeTransients(const std::string& folder) {
 }
 
 // A pump motor of 22 A starts three times, with six to seven times its rated current.
-void MakeInrush(const std::string& folder) {
+void MakeInrush(const std::string& folder, const std::string& name) {
   constexpr double kRated = 22.0;
   const UifParams settings = NetworkSettings();
   RecordingFile file(13, &settings);
@@ -126,7 +126,7 @@ void MakeInrush(const std::string& folder) {
     file.Append(record.Set("MAX_I", kRated * (6.2 + 0.3 * start)));
     clock.Advance(1260.5);
   }
-  file.Write(folder, "R0013INR.REC");
+  file.Write(folder, name);
 }
 
 }  // namespace quorvex::samples
