@@ -88,4 +88,7 @@ void MakeEnergyMeter(const std::string& folder, const std::string& name = "R0018
 // All of them.
 void MakeAll(const std::string& folder);
 
+// A card of one week in which known things are wrong by known shares: week.cpp says which.
+void MakeWeek(const std::string& folder);
+
 }  // namespace quorvex::samples
