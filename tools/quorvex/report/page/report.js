@@ -452,7 +452,7 @@
         context.lineWidth = 3;
         context.strokeStyle = theme.back;
         context.fillStyle = theme.limit;
-        const at = y - area.y < 16 ? y + 12 : y - 4;
+        const at = y - area.y < 28 ? y + 12 : y - 4;
         context.strokeText(line.label, area.x + area.w - 4, at);
         context.fillText(line.label, area.x + area.w - 4, at);
         context.strokeStyle = theme.limit;
@@ -594,7 +594,10 @@
         items.push(note(sample({color: "limit", dash: [4, 4]}), `${line.label}: ${line.at} ${plot.unit}`));
       }
     }
-    return legendBox(...items);
+    const box = legendBox(...items);
+    box.classList.add("values");
+    box.classList.toggle("banded", plots.some(plot => plot.banded));
+    return box;
   }
 
   const markNotes = within => Object.keys(MARKS).filter(kind => within.some(mark => mark[3] === kind))
