@@ -68,6 +68,7 @@
     return [1, 2, 5, 10].find(factor => factor * power >= least * 0.9999) * power;
   }
 
+  const fixed = (value, decimals) => value.toFixed(decimals).replace("-", "\u2212");
   const decimalsOf = step => Math.max(0, Math.min(9, Math.ceil(-Math.log10(step) - 1e-9)));
 
   function numberTicks(from, to, pixels, apart, scale) {
@@ -83,10 +84,10 @@
     const size = Math.abs(value);
     for (const [unit, letter] of [[1e9, "G"], [1e6, "M"], [1e3, "k"]]) {
       if (size >= 10 * unit || (size >= unit && step >= unit / 10)) {
-        return (value / unit).toFixed(decimalsOf(step / unit)) + " " + letter;
+        return fixed(value / unit, decimalsOf(step / unit)) + " " + letter;
       }
     }
-    return value.toFixed(decimalsOf(step)).replace("-", "\u2212");
+    return fixed(value, decimalsOf(step));
   }
 
   const STEPS = [0.001, 0.002, 0.005, 0.01, 0.02, 0.05, 0.1, 0.2, 0.5, 1, 2, 5, 10, 15, 30, 60, 120, 300, 600,
@@ -94,14 +95,15 @@
   const MONDAY = 345600; // the first since 1970: ticks of weeks stand on Mondays
 
   function timeTicks(from, to, pixels) {
-    const wide = step => (step < 1 ? 92 : step < 60 ? 74 : step < 86400 ? 66 : 80);
+    const narrow = pixels < 420;
+    const wide = step => (step < 1 ? 92 : step < 60 ? 74 : step < 86400 ? 66 : narrow ? 56 : 80);
     const step = STEPS.find(s => (to - from) / s * wide(s) <= pixels) || STEPS[STEPS.length - 1];
     const origin = step >= 604800 ? MONDAY : 0;
+    const date = at => (step >= 5e6 ? day(at, true).slice(4) : narrow ? day(at).slice(4) : day(at));
     const ticks = [];
     for (let i = Math.ceil((from - origin) / step - 1e-9); i * step + origin <= to; i++) {
       const at = i * step + origin;
-      ticks.push({v: at, label: step >= 86400 || at % 86400 === 0 ? day(at, step >= 5e6).replace(/^\w+ (?=.*\d{4})/, "")
-        : clock(at, step)});
+      ticks.push({v: at, label: at % 86400 === 0 ? date(at) : clock(at, step)});
     }
     return ticks;
   }
@@ -239,7 +241,9 @@
     all() { this.set(this.from, this.to); }
     tell() {
       if (!this.shown) return;
-      this.shown.textContent = this.describe(this.a) + " \u2013 " + this.describe(this.b);
+      const [from, to] = [this.describe(this.a), this.describe(this.b)];
+      const sameDay = from.length > 16 && from.slice(0, 15) === to.slice(0, 15);
+      this.shown.textContent = `${from} \u2013 ${sameDay ? to.split(" ").pop() : to}`;
       this.under.textContent = this.cursor === null ? "" : this.describe(this.cursor, true);
     }
     controls() {
@@ -313,6 +317,23 @@
   const axis = (ticker, width) => ({ticker, axisLabelWidth: width, axisLabelFontSize: 12});
 
   // ---- Lines: trends and waveforms ----
+
+  // A band is one outline for each stretch without gaps: dygraphs' own, a quadrangle for each pair of
+  // points, takes several times as long.
+  function paintBand(event) {
+    const {drawingContext: context, plotArea: area, points} = event;
+    const y = share => area.y + share * area.h;
+    context.fillStyle = event.color;
+    context.globalAlpha = 0.17;
+    for (let i = 0; i < points.length; i++) {
+      const first = i;
+      context.beginPath();
+      for (; i < points.length && points[i].yval !== null && !isNaN(points[i].yval); i++) context.lineTo(points[i].canvasx, y(points[i].y_top));
+      for (let k = i - 1; k >= first; k--) context.lineTo(points[k].canvasx, y(points[k].y_bottom));
+      if (i > first + 1) context.fill();
+    }
+    context.globalAlpha = 1;
+  }
 
   class Lines extends Plot {
     constructor(figure, name, spec) {
@@ -409,8 +430,8 @@
         series: named,
         visibility: this.series.map(one => one.shown),
         customBars: this.banded,
-        fillAlpha: 0.16,
-        strokeWidth: 1.4,
+        plotter: this.banded ? [paintBand, Dygraph.Plotters.linePlotter] : Dygraph.Plotters.linePlotter,
+        strokeWidth: rows.length > 1500 ? 1 : 1.4,
         dateWindow: [this.zoom.a, this.zoom.b],
         valueRange: this.range(low, high),
         underlayCallback: (context, area, graph) => this.under(context, area, graph),
@@ -426,7 +447,7 @@
       context.lineWidth = 1;
       for (const [from, to] of marked) {
         const left = graph.toDomXCoord(from), wide = graph.toDomXCoord(to) - left;
-        context.globalAlpha = wide > 2 ? 0.16 : 0.5;
+        context.globalAlpha = wide > 2 ? 0.16 : 0.4;
         context.fillRect(wide > 2 ? left : Math.round(left), area.y, Math.max(1, wide), area.h);
       }
       context.globalAlpha = 1;
@@ -472,7 +493,7 @@
         this.cursorLine.style.left = this.graph.toDomXCoord(this.x[i]) + "px";
         this.cursorLine.style.height = this.area.h + "px";
       }
-      const text = value => (isFinite(value) ? value.toFixed(this.decimals).replace("-", "\u2212") : "\u2013");
+      const text = value => (isFinite(value) ? fixed(value, this.decimals) : "\u2013");
       this.series.forEach((one, k) => {
         if (!this.readings[k]) return;
         let said;
@@ -639,7 +660,7 @@
     const scale = small ? 1000 : 1, shownUnit = small ? "ms" : unit;
     const ticks = (a, b, pixels) => numberTicks(a * scale, b * scale, pixels, 70, plainScale)
       .map(tick => ({v: tick.v / scale, label: `${tick.label} ${shownUnit}`}));
-    const describe = (at, fine) => `${(at * scale).toFixed(fine ? 3 : 1)} ${shownUnit}`;
+    const describe = (at, fine) => `${fixed(at * scale, fine ? 3 : 1)} ${shownUnit}`;
     const zoom = timed ? describeMarked(new Zoom(CLOCK.ticks, CLOCK.describe)) : new Zoom(ticks, describe);
     const within = timed && x.length ? marks.filter(mark => mark[1] >= x[0] && mark[0] <= x[x.length - 1]) : [];
     const plots = groups.map((group, i) => new Lines(figure, `${name}, ${group.unit}`, {zoom, x, series: group.series,
@@ -883,7 +904,8 @@
   }
   const holder = document.querySelector("#trends .window");
   if (holder && trends.plots.length) {
-    holder.append(trends.controls(), legendBox(...markNotes(marks)));
+    holder.append(trends.controls());
+    holder.after(legendBox(...markNotes(marks)));
     trends.tell();
   }
 
