@@ -124,7 +124,11 @@
 
   // ---- Series ----
 
-  const numbers = values => Float64Array.from(values, value => (value === null ? NaN : value));
+  function numbers(values) {
+    const made = new Float64Array(values.length);
+    for (let i = 0; i < made.length; i++) made[i] = values[i] === null ? NaN : values[i];
+    return made;
+  }
 
   function styled(series) {
     const taken = new Set();
@@ -223,8 +227,8 @@
         requestAnimationFrame(() => {
           const redraw = this.waiting === "redraw";
           this.waiting = null;
-          if (redraw) this.plots.forEach(plot => plot.draw());
-          this.plots.forEach(plot => plot.read());
+          if (redraw) refresh(this.plots);
+          else this.plots.forEach(plot => plot.read());
           this.tell();
         });
       }
@@ -311,7 +315,42 @@
       }
       this.area = this.graph.getArea();
     }
+    renew() {
+      this.draw();
+      this.read();
+    }
     read() {}
+  }
+
+  // Draws the plots that are in sight at once, and the others a few at a time when that leaves time for it:
+  // zooming stays quick however many there are. On paper all are in sight.
+  const stale = new Set();
+  let next = 0;
+  function refresh(plots) {
+    const seen = plots.filter(plot => {
+      const box = plot.host.getBoundingClientRect();
+      stale.add(plot);
+      return paper || (box.bottom > 0 && box.top < innerHeight);
+    });
+    root.dataset.charts = "waiting";
+    for (const plot of seen) {
+      stale.delete(plot);
+      plot.renew();
+    }
+    clearTimeout(next);
+    next = setTimeout(function rest() {
+      for (const until = performance.now() + 50; stale.size && performance.now() < until;) {
+        const [plot] = stale;
+        stale.delete(plot);
+        plot.renew();
+      }
+      if (stale.size) {
+        next = setTimeout(rest, 0);
+        return;
+      }
+      root.dataset.charts = "drawn";
+      performance.mark("charts drawn");
+    }, 20);
   }
 
   const axis = (ticker, width) => ({ticker, axisLabelWidth: width, axisLabelFontSize: 12});
@@ -909,20 +948,11 @@
     trends.tell();
   }
 
-  function drawAll() {
-    for (const plot of all) {
-      plot.draw();
-      plot.read();
-    }
-  }
-  drawAll();
-  performance.mark("charts drawn");
+  refresh(all);
 
   document.addEventListener("toggle", event => {
     for (const plot of all) {
-      if (!event.target.contains(plot.host)) continue;
-      plot.draw();
-      plot.read();
+      if (event.target.contains(plot.host)) plot.renew();
     }
   }, true);
 
@@ -932,13 +962,13 @@
     waiting = setTimeout(() => {
       if (paper || root.clientWidth === lastWidth) return;
       lastWidth = root.clientWidth;
-      drawAll();
+      refresh(all);
     }, 120);
   });
 
   matchMedia("(prefers-color-scheme: dark)").addEventListener("change", () => {
     readTheme();
-    drawAll();
+    refresh(all);
   });
 
   // A table's own scrolling is reached by keyboard too.
@@ -952,7 +982,7 @@
     if (paper) closed = [...document.querySelectorAll("details:not([open])")];
     for (const details of closed) details.open = paper;
     readTheme();
-    drawAll();
+    refresh(all);
   }
   window.addEventListener("beforeprint", () => onPaper(true));
   window.addEventListener("afterprint", () => onPaper(false));
