@@ -90,6 +90,8 @@
     return fixed(value, decimalsOf(step));
   }
 
+  const valueTicks = (from, to, pixels) => numberTicks(from, to, pixels, paper ? 24 : 30, plainScale);
+
   const STEPS = [0.001, 0.002, 0.005, 0.01, 0.02, 0.05, 0.1, 0.2, 0.5, 1, 2, 5, 10, 15, 30, 60, 120, 300, 600,
     900, 1800, 3600, 7200, 10800, 21600, 43200, ...[1, 2, 7, 14, 28, 56, 112, 364, 728, 3640].map(d => d * 86400)];
   const MONDAY = 345600; // the first since 1970: ticks of weeks stand on Mondays
@@ -198,8 +200,9 @@
   // ---- A window on the x axis that several plots share ----
 
   class Zoom {
-    constructor(ticks, describe) {
-      Object.assign(this, {ticks, describe, plots: [], from: Infinity, to: -Infinity, least: Infinity, cursor: null});
+    constructor(ticks, describe, marked) {
+      Object.assign(this, {ticks, describe, marked, plots: [], from: Infinity, to: -Infinity, least: Infinity, cursor: null,
+        a: 0, b: 1});
     }
     add(plot) {
       const x = plot.x;
@@ -210,8 +213,13 @@
       if (x.length > 1) this.least = Math.min(this.least, (x[x.length - 1] - x[0]) / (x.length - 1) * 4);
       this.a = this.from;
       this.b = this.to;
+      if (this.to > this.from) return;
+      const around = this.ticks === timeTicks ? 1800 : 0.5; // a single point stands in the middle
+      this.a -= around;
+      this.b += around;
     }
     set(a, b) {
+      if (!(this.to > this.from)) return;
       const span = Math.min(Math.max(b - a, this.least), this.to - this.from);
       const middle = (a + b) / 2;
       this.a = Math.max(this.from, Math.min(this.to - span, middle - span / 2));
@@ -244,11 +252,18 @@
     }
     all() { this.set(this.from, this.to); }
     tell() {
-      if (!this.shown) return;
-      const [from, to] = [this.describe(this.a), this.describe(this.b)];
+      if (!this.shown || !(this.to >= this.from)) return;
+      const fine = this.b - this.a < 60;
+      const [from, to] = [this.describe(this.a, fine), this.describe(this.b, fine)];
       const sameDay = from.length > 16 && from.slice(0, 15) === to.slice(0, 15);
       this.shown.textContent = `${from} \u2013 ${sameDay ? to.split(" ").pop() : to}`;
-      this.under.textContent = this.cursor === null ? "" : this.describe(this.cursor, true);
+      this.under.textContent = this.cursor === null ? "" : this.describe(this.cursor, fine) + this.nearby();
+    }
+    nearby() { // what happened at the cursor
+      const near = (this.b - this.a) / 250;
+      const found = this.marked.filter(mark => mark[0] - near <= this.cursor && this.cursor <= mark[1] + near);
+      const more = found.length > 2 ? ` and ${found.length - 2} more` : "";
+      return found.length ? ": " + found.slice(0, 2).map(mark => mark[2]).join("; ") + more : "";
     }
     controls() {
       const button = (text, title, act) => {
@@ -295,7 +310,7 @@
     draw() {
       const width = this.host.clientWidth;
       if (!width) return;
-      const height = Math.round(this.height * (paper ? 0.8 : 1));
+      const height = Math.round(this.height * (paper ? 0.85 : 1));
       const options = Object.assign({
         gridLineColor: theme.grid, axisLineColor: theme.soft, pixelRatio: paper ? 2 : null, legend: "never",
         labelsDiv: element("div"), interactionModel: {}, highlightCircleSize: 0, rightGap: 8, gridLineWidth: 0.7,
@@ -339,7 +354,7 @@
     }
     clearTimeout(next);
     next = setTimeout(function rest() {
-      for (const until = performance.now() + 50; stale.size && performance.now() < until;) {
+      for (const until = performance.now() + 120; stale.size && performance.now() < until;) {
         const [plot] = stale;
         stale.delete(plot);
         plot.renew();
@@ -471,11 +486,12 @@
         customBars: this.banded,
         plotter: this.banded ? [paintBand, Dygraph.Plotters.linePlotter] : Dygraph.Plotters.linePlotter,
         strokeWidth: rows.length > 1500 ? 1 : 1.4,
+        pointSize: 2.5,
         dateWindow: [this.zoom.a, this.zoom.b],
         valueRange: this.range(low, high),
         underlayCallback: (context, area, graph) => this.under(context, area, graph),
         axes: {x: axis((a, b, pixels) => this.zoom.ticks(a, b, pixels), 100),
-          y: axis((a, b, pixels) => numberTicks(a, b, pixels, 34, plainScale), 50)},
+          y: axis(valueTicks, 50)},
       };
     }
     under(context, area, graph) {
@@ -619,7 +635,7 @@
     }
   }
 
-  const CLOCK = {ticks: timeTicks, describe: (at, fine) => `${day(at, true)} ${clock(at, fine && at % 60 ? 0.5 : 1).replace(/:00$/, "")}`};
+  const describeTime = (at, fine) => `${day(at, true)} ${clock(at, fine ? 0.5 : 60)}`;
 
   function absolute(times) {
     const made = new Float64Array(times.length);
@@ -663,18 +679,7 @@
   const markNotes = within => Object.keys(MARKS).filter(kind => within.some(mark => mark[3] === kind))
     .map(kind => note(shapeSample(kind), MARKS[kind]));
 
-  function describeMarked(zoom) {
-    const plain = zoom.describe;
-    zoom.describe = (at, fine) => {
-      const near = fine ? (zoom.b - zoom.a) / 250 : -1;
-      const found = marks.filter(mark => mark[0] - near <= at && at <= mark[1] + near);
-      const more = found.length > 2 ? ` and ${found.length - 2} more` : "";
-      return fine && found.length ? `${plain(at, fine)}: ${found.slice(0, 2).map(mark => mark[2]).join("; ")}${more}` : plain(at, fine);
-    };
-    return zoom;
-  }
-
-  const trends = describeMarked(new Zoom(CLOCK.ticks, CLOCK.describe));
+  const trends = new Zoom(timeTicks, describeTime, marks);
 
   function trend(figure, name, chart) {
     const plot = new Lines(figure, name, {zoom: trends, x: times[chart.time], series: prepared(chart.series),
@@ -700,7 +705,7 @@
     const ticks = (a, b, pixels) => numberTicks(a * scale, b * scale, pixels, 70, plainScale)
       .map(tick => ({v: tick.v / scale, label: `${tick.label} ${shownUnit}`}));
     const describe = (at, fine) => `${fixed(at * scale, fine ? 3 : 1)} ${shownUnit}`;
-    const zoom = timed ? describeMarked(new Zoom(CLOCK.ticks, CLOCK.describe)) : new Zoom(ticks, describe);
+    const zoom = timed ? new Zoom(timeTicks, describeTime, marks) : new Zoom(ticks, describe, []);
     const within = timed && x.length ? marks.filter(mark => mark[1] >= x[0] && mark[0] <= x[x.length - 1]) : [];
     const plots = groups.map((group, i) => new Lines(figure, `${name}, ${group.unit}`, {zoom, x, series: group.series,
       unit: group.unit, lines: (chart.lines || []).filter(line => (line.unit ? line.unit === group.unit : i === 0)),
@@ -761,7 +766,7 @@
     const decimals = decimalsFor(series.concat(series.map(one => ({values: one.most || []}))));
     const plot = new Painted(figure, name, 250, {
       count: chart.orders.length,
-      idle: "Filled: 95 % value. Tick above: maximum." + (limits.some(limit => limit !== null) ? " Line across: limit." : ""),
+      idle: "Filled: 95 % value." + (series.some(one => one.most) ? " Tick above: maximum." : "") + (limits.some(limit => limit !== null) ? " Line across: limit." : ""),
       position: i => i,
       text: i => `order ${chart.orders[i]}: ` + series.filter(one => one.shown).map(one => `${one.label} ` +
         (one.values[i] === null ? "\u2013" : one.values[i].toFixed(decimals)) +
@@ -778,7 +783,7 @@
         const every = Math.max(1, Math.ceil(chart.orders.length * 26 / Math.max(100, width - 60)));
         return {x: [-0.6, chart.orders.length - 0.4], y: [0, top * 1.06 || 1],
           xTicks: () => chart.orders.map((order, i) => ({v: i, label: String(order)})).filter((_, i) => i % every === 0),
-          yTicks: (a, b, pixels) => numberTicks(a, b, pixels, 34, plainScale)};
+          yTicks: valueTicks};
       },
       paint: (context, area, graph) => {
         const shown = series.filter(one => one.shown);
