@@ -29,7 +29,7 @@ install(FILES ${CMAKE_BINARY_DIR}/Quorvex64ConfigVersion.cmake DESTINATION ${cma
 install(FILES docs/command-line.md docs/formats.md docs/host.md docs/safety.md docs/tables.md
         DESTINATION ${doc_dir}/docs)
 install(DIRECTORY examples DESTINATION ${doc_dir})
-install(DIRECTORY schema DESTINATION ${data_dir})
+install(DIRECTORY schema limits DESTINATION ${data_dir})
 install(DIRECTORY python/quorvex64 DESTINATION ${python_dir}
         FILES_MATCHING PATTERN "*.py" PATTERN py.typed)
 # Recordings for a first try, which scripts/package makes.

@@ -20,11 +20,38 @@ set(command_sources ${tool_sources})
 set(with_command_lines "/commands/|/(main|help)\\.cpp$")
 list(FILTER tool_sources EXCLUDE REGEX ${with_command_lines})
 list(FILTER command_sources INCLUDE REGEX ${with_command_lines})
-add_library(quorvex_tool STATIC ${tool_sources})
+# What a report's page brings along, and the limits, are texts inside the program: it is one file that
+# runs anywhere. The library that draws is Debian's.
+find_path(DYGRAPHS dygraph.min.js REQUIRED PATHS /usr/share/javascript/dygraphs
+          NO_CMAKE_FIND_ROOT_PATH)
+set(texts "")
+foreach(text kShippedLimits:limits/en50160-lv.json
+             kPageStyle:tools/quorvex/report/page/report.css
+             kPageScript:tools/quorvex/report/page/report.js
+             kChartStyle:${DYGRAPHS}/dygraph.min.css
+             kChartScript:${DYGRAPHS}/dygraph.min.js
+             kChartTerms:/usr/share/doc/libjs-dygraphs/copyright)
+  string(REGEX MATCH "^[^:]+" name ${text})
+  string(REGEX REPLACE "^[^:]+:" "" file ${text})
+  file(REAL_PATH ${file} file BASE_DIRECTORY ${CMAKE_SOURCE_DIR})
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
+  file(READ ${file} content)
+  string(REGEX REPLACE "\n//# sourceMappingURL=[^\n]*" "" content "${content}")
+  string(REGEX REPLACE "/\*# sourceMappingURL=[^\n]*" "" content "${content}")
+  string(APPEND texts "const char ${name}[] = R\"~~~~(${content})~~~~\";\n")
+endforeach()
+file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/report_texts.cpp @ONLY CONTENT [[
+#include "report/texts.h"
+namespace quorvex::tool {
+@texts@
+}  // namespace quorvex::tool
+]])
+
+add_library(quorvex_tool STATIC ${tool_sources} ${CMAKE_BINARY_DIR}/report_texts.cpp)
 target_include_directories(quorvex_tool PUBLIC ${CMAKE_SOURCE_DIR}/tools/quorvex)
 target_include_directories(quorvex_tool SYSTEM PUBLIC ${CMAKE_BINARY_DIR}/header-only)
 target_compile_options(quorvex_tool PRIVATE ${as_runs_once})
-target_link_libraries(quorvex_tool PUBLIC quorvex_findings quorvex_tables
+target_link_libraries(quorvex_tool PUBLIC quorvex_findings quorvex_assessment
                                    PRIVATE quorvex_flags quorvex_hardening)
 # Databases need a library, which Debian has for itself only.
 find_path(SQLITE_INCLUDE sqlite3.h)

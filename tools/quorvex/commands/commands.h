@@ -19,6 +19,7 @@ using AddCommand = Command(CLI::App& app);
 #define QUORVEX_COMMANDS(COMMAND) \
   COMMAND(Convert)                \
   COMMAND(Export)                 \
+  COMMAND(Report)                 \
   COMMAND(Info)                   \
   COMMAND(Check)                  \
   COMMAND(Count)                  \

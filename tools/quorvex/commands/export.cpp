@@ -10,6 +10,7 @@
 #include "shared/help.h"
 #include "shared/messages.h"
 #include "shared/output_places.h"
+#include "shared/request.h"
 
 namespace quorvex::tool {
 namespace {
@@ -20,20 +21,6 @@ struct ExportOptions {
   unsigned jobs = 0;
   bool list = false, overwrite = false, quiet = false;
 };
-
-// "+01:00", "-03:30", "Z"
-bool ParseOffset(const std::string& text, int32_t* minutes) {
-  const auto digit = [&](size_t at) {
-    return at < text.size() && std::isdigit(static_cast<unsigned char>(text[at])) != 0;
-  };
-  *minutes = 0;
-  if (text == "Z") return true;
-  if (text.size() != 6 || (text[0] != '+' && text[0] != '-') || text[3] != ':') return false;
-  if (!digit(1) || !digit(2) || !digit(4) || !digit(5)) return false;
-  const int hours = std::stoi(text.substr(1, 2)), rest = std::stoi(text.substr(4));
-  *minutes = (hours * 60 + rest) * (text[0] == '-' ? -1 : 1);
-  return hours < 24 && rest < 60;
-}
 
 std::string StemOf(const std::string& recording) {
   if (IsSpooled(recording)) return "recording";
@@ -233,13 +220,7 @@ ExitCode Export(const ExportOptions& options) {
     request.read.first = range.first;
     if (range.last != 0xFFFFFFFF) request.read.last = range.last;
   }
-  if (int32_t minutes = 0; !options.utc_offset.empty()) {
-    if (!ParseOffset(options.utc_offset, &minutes)) {
-      Complain("--utc-offset " + options.utc_offset, "is no offset such as +01:00, -03:30 or Z");
-      return kUsage;
-    }
-    request.read.utc_offset = minutes;
-  }
+  if (!ParseUtcOffset(options.utc_offset, &request.read)) return kUsage;
   const std::string format = FormatOf(options);
   if (format == "arrow") {
     Say("no Arrow files are written; the library QuorvexTables and the Python package hand out "

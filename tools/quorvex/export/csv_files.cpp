@@ -7,6 +7,7 @@
 
 #include "shared/gather.h"
 #include "shared/messages.h"
+#include "shared/text_file.h"
 #include "support/file.h"
 #include "tables/csv.h"
 
@@ -105,20 +106,6 @@ void RunJob(const ExportRequest& request, unsigned worker, Placed* placed, Colum
   columns->lines.insert(lines.begin(), lines.end());
 }
 
-std::string ReadText(const std::string& path) {
-  std::string text;
-  if (std::FILE* file = std::fopen(path.c_str(), "rb")) {
-    char piece[4096];
-    size_t got = sizeof piece;
-    while (got == sizeof piece) {
-      got = std::fread(piece, 1, sizeof piece, file);
-      text.append(piece, got);
-    }
-    std::fclose(file);
-  }
-  return text;
-}
-
 std::string ColumnsPath(const std::string& folder) { return Inside(folder, "columns.csv"); }
 
 }  // namespace
@@ -140,14 +127,16 @@ std::string ColumnsProblem(const std::string& folder) {
   const std::string path = ColumnsPath(folder);
   if (!Exists(path)) return "";
   if (IsFolder(path)) return "is a folder";
-  const std::string text = ReadText(path);
+  std::string text;
+  ReadText(path, &text);
   return text.compare(0, sizeof kColumnsHeader - 1, kColumnsHeader) == 0
              ? ""
              : "is not of this program; it is not overwritten";
 }
 
 std::string WriteColumns(const std::string& folder, const std::set<std::string>& lines) {
-  std::string text = ReadText(ColumnsPath(folder));
+  std::string text;
+  ReadText(ColumnsPath(folder), &text);
   if (text.empty()) text = kColumnsHeader;
   std::set<std::string> known;
   for (size_t at = 0; at < text.size();) {
@@ -159,15 +148,7 @@ std::string WriteColumns(const std::string& folder, const std::set<std::string>&
   for (const std::string& line : lines) {
     if (known.insert(line).second) text += line;
   }
-  Scratch scratch(kOutputSlot);
-  if (!scratch.Create(folder)) return LastError();
-  std::FILE* file = std::fopen(scratch.path().c_str(), "wb");
-  const bool written =
-      file != nullptr && std::fwrite(text.data(), 1, text.size(), file) == text.size();
-  std::string problem = written ? "" : LastError();
-  if (file != nullptr && std::fclose(file) != 0 && written) problem = LastError();
-  if (problem.empty() && !scratch.Become(ColumnsPath(folder), true)) problem = SystemError();
-  return problem;
+  return PutText(text, folder, ColumnsPath(folder), true);
 }
 
 }  // namespace quorvex::tool

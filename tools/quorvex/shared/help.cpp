@@ -14,13 +14,13 @@ constexpr struct {
   const char* meaning;
 } kCodes[] = {
     {kDone, "done"},
-    {kDoubtful, "checked: there are warnings"},
+    {kDoubtful, "a check has warnings; with report --json: an index is outside its limit"},
     {kUsage, "wrong arguments"},
     {kNoInput, "a recording or folder is missing or cannot be read"},
     {kUnknownType, "a file is of an unknown record type, or not of the type asked for"},
     {kCutShort, "a recording ends inside its head"},
     {kNoOutput, "an output cannot be written, or exists already"},
-    {kDamaged, "checked: there are errors"},
+    {kDamaged, "a check has errors"},
     {kCancelled, "cancelled"},
 };
 

@@ -1,0 +1,37 @@
+// Records that a report shows as they are, a row each: changes, transients, inrush, alarms, meter
+// tests. A listing is a table of what is shown of a type's records.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "assessment/table_rows.h"
+
+namespace quorvex::tool {
+
+struct ListedColumn {
+  const char* key;     // in JSON
+  const char* title;   // on the page, with the unit
+  const char* column;  // of the table `records`
+};
+
+struct ListedType {
+  uint32_t type;
+  const char* key;    // in JSON
+  const char* title;  // on the page
+  std::vector<ListedColumn> columns;
+};
+const std::vector<ListedType>& ListedTypes();
+
+struct Listing {
+  const ListedType* type;
+  size_t recording;                     // of the card
+  std::vector<std::vector<Cell>> rows;  // a cell a column
+};
+
+// Of a recording; nothing where its type is none that is listed.
+const ListedType* ListedTypeOf(uint32_t type);
+Listing ListingOf(const std::string& path, size_t recording, const ListedType& type,
+                  const ReadOptions& options);
+
+}  // namespace quorvex::tool

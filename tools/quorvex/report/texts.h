@@ -1,0 +1,12 @@
+// Texts that the program carries: the limits that it comes with, and what a page needs to draw.
+// The build makes them of their files.
+#pragma once
+
+namespace quorvex::tool {
+
+extern const char kShippedLimits[];
+extern const char kPageStyle[], kPageScript[];
+// Of the library that draws: dygraphs, as packaged, with its terms.
+extern const char kChartStyle[], kChartScript[], kChartTerms[];
+
+}  // namespace quorvex::tool
