@@ -13,7 +13,7 @@ using namespace quorvex::tool;
 constexpr AddCommand* kCommands[] = {QUORVEX_COMMANDS(QUORVEX_ROW)};
 
 int Run(const std::vector<std::string>& arguments) {
-  CLI::App app{"Turns record files of a power-quality analyser into XML documents and tables.",
+  CLI::App app{"Turns record files of a power-quality analyser into reports, tables and XML documents.",
                "quorvex"};
   app.formatter(std::make_shared<HelpFormatter>());
   app.require_subcommand(1);
@@ -21,6 +21,7 @@ int Run(const std::vector<std::string>& arguments) {
       "Examples:\n"
       "  quorvex info card                 what is on a card\n"
       "  quorvex check card                is it sound?\n"
+      "  quorvex report card -o report.html\n"
       "  quorvex convert card -o documents/\n"
       "  quorvex export card -o tables/\n"
       "\n"

@@ -124,13 +124,13 @@ Command AddReport(CLI::App& app) {
   TakePaths(line, &options->inputs);
   line->add_option("-o,--output", options->output,
                    "The page: one HTML file that needs nothing else; - is standard output")
-      ->option_text("FILE");
+      ->option_text("PATH");
   line->add_flag("--json", options->json,
                  "The figures for programs, on standard output; no page unless -o is given too. "
                  "The exit code is 1 then where any index is outside its limit");
   line->add_option("--limits", options->limits,
                    "A JSON file of limits, in the place of those of EN 50160 for low voltage")
-      ->option_text("FILE");
+      ->option_text("PATH");
   line->add_option("--nominal", options->nominal,
                    "The nominal voltage, in the place of that of the recordings' settings")
       ->option_text("V");

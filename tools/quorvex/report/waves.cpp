@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "assessment/channels.h"
 #include "assessment/table_rows.h"
 
 namespace quorvex::tool {
@@ -214,7 +215,8 @@ void AddWaveforms(const Card& card, size_t number, const ReportRequest& request,
 void AddChanges(const Card& card, size_t number, const ReportRequest& request, Waves* waves,
                 Charts* charts) {
   const CardRecording& recording = card.recordings[number];
-  TableRows records(recording.path, "records", {"record", "RVC_START_TIME"}, request.read);
+  const std::vector<std::string> channels = VoltageChannels(recording.wiring);
+  TableRows records(recording.path, "records", {"record", "RVC_START_TIME", "PHASE"}, request.read);
   while (records.Next()) {
     if (waves->changes.size() >= kMostChanges) {
       ++waves->more_changes;
@@ -234,11 +236,14 @@ void AddChanges(const Card& card, size_t number, const ReportRequest& request, W
       AppendPart(JsonNumber(static_cast<double>(time - begin) / 1e6, 6), &seconds);
     }
     if (volts.empty()) continue;
+    const auto phase = static_cast<uint64_t>(records.Integer(2));
+    const bool known = phase >= 1 && phase <= channels.size();
+    const std::string label = known ? channels[phase - 1] : "U";
     const std::string id = "change-" + std::to_string(waves->changes.size() + 1);
     waves->changes.push_back({number, one.first, begin, {id, "wave", "Half-cycle voltage"}});
     charts->Add(waves->changes.back().figure, "\"xunit\":\"s\",\"x\":[" + seconds +
                                                   "],\"groups\":[{\"unit\":\"V\",\"series\":[" +
-                                                  JsonSeries("U", volts, 5) + "]}]");
+                                                  JsonSeries(label, volts, 5) + "]}]");
   }
 }
 
