@@ -1,7 +1,7 @@
 # The library: compiled once, linked as a shared library for hosts and as a static one for our own
 # tools and tests, which look behind the exports.
 file(GLOB_RECURSE quorvex_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/*.cpp)
-list(FILTER quorvex_sources EXCLUDE REGEX "/src/(findings|inspection|tables|assessment|tables_api)/")
+list(FILTER quorvex_sources EXCLUDE REGEX "/src/(findings|inspection|tables|assessment|exchange|tables_api)/")
 if(WIN32)
   list(FILTER quorvex_sources EXCLUDE REGEX "_posix\\.cpp$")
 else()
@@ -60,7 +60,7 @@ endif()
 
 # What stands on the records beside documents: built like any C++ program, for the second library and
 # for our own tools and tests.
-foreach(room findings inspection tables assessment)
+foreach(room findings inspection tables assessment exchange)
   file(GLOB room_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${room}/*.cpp)
   add_library(quorvex_${room} STATIC ${room_sources})
   set_target_properties(quorvex_${room} PROPERTIES CXX_VISIBILITY_PRESET hidden
@@ -71,6 +71,7 @@ endforeach()
 target_compile_definitions(quorvex_tables PUBLIC QUORVEXTABLES_STATIC)
 target_link_libraries(quorvex_tables PUBLIC quorvex_inspection)
 target_link_libraries(quorvex_assessment PUBLIC quorvex_tables)
+target_link_libraries(quorvex_exchange PUBLIC quorvex_tables)
 
 # The second library, of tables. The C++ runtime is linked in, so that it needs no more than the first
 # one. That has memory of its own which does not go with a library: it stays loaded instead.

@@ -51,7 +51,7 @@ add_library(quorvex_tool STATIC ${tool_sources} ${CMAKE_BINARY_DIR}/report_texts
 target_include_directories(quorvex_tool PUBLIC ${CMAKE_SOURCE_DIR}/tools/quorvex)
 target_include_directories(quorvex_tool SYSTEM PUBLIC ${CMAKE_BINARY_DIR}/header-only)
 target_compile_options(quorvex_tool PRIVATE ${as_runs_once})
-target_link_libraries(quorvex_tool PUBLIC quorvex_findings quorvex_assessment
+target_link_libraries(quorvex_tool PUBLIC quorvex_findings quorvex_assessment quorvex_exchange
                                    PRIVATE quorvex_flags quorvex_hardening)
 # Databases need a library, which Debian has for itself only.
 find_path(SQLITE_INCLUDE sqlite3.h)

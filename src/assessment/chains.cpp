@@ -4,7 +4,7 @@
 #include <numeric>
 #include <tuple>
 
-#include "assessment/table_rows.h"
+#include "tables/table_rows.h"
 
 namespace quorvex {
 

@@ -11,7 +11,7 @@
 
 #include "assessment/gauge.h"
 #include "assessment/indices.h"
-#include "assessment/table_rows.h"
+#include "tables/table_rows.h"
 
 namespace quorvex {
 

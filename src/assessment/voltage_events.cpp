@@ -7,7 +7,7 @@
 #include <optional>
 
 #include "assessment/channels.h"
-#include "assessment/table_rows.h"
+#include "tables/table_rows.h"
 
 namespace quorvex {
 namespace {

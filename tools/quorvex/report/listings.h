@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "assessment/table_rows.h"
+#include "tables/table_rows.h"
 
 namespace quorvex::tool {
 

@@ -6,8 +6,8 @@
 #include <map>
 #include <set>
 
-#include "assessment/table_rows.h"
 #include "report/trend_kinds.h"
+#include "tables/table_rows.h"
 
 namespace quorvex::tool {
 namespace {

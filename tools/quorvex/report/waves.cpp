@@ -5,7 +5,8 @@
 #include <limits>
 
 #include "assessment/channels.h"
-#include "assessment/table_rows.h"
+#include "exchange/waveforms.h"
+#include "tables/table_rows.h"
 
 namespace quorvex::tool {
 namespace {
@@ -175,41 +176,43 @@ void AddPhasors(Wave* wave, Charts* charts) {
   charts->Add(wave->phasors_figure, "\"vectors\":[" + vectors + "]");
 }
 
-// Reads the waveforms of one recording, record by record.
 void AddWaveforms(const Card& card, size_t number, const ReportRequest& request, Waves* waves,
                   Charts* charts) {
   const CardRecording& recording = card.recordings[number];
-  const Lines lines = LinesOf(recording.path, "samples");
-  if (lines.names.empty()) return;
-  TableRows records(recording.path, "records", {"record", "timeStart", "timeStep"}, request.read);
-  while (records.Next()) {
+  const std::vector<WaveChannel> channels = WaveChannels(recording.path);
+  if (channels.empty()) return;
+  Lines lines;
+  for (const WaveChannel& channel : channels) {
+    lines.names.push_back(channel.column);
+    lines.labels.push_back(channel.name);
+    lines.units.push_back(channel.unit);
+  }
+  ForEachWaveRecord(recording.path, request.read, [&](const WaveRecord& record) {
     if (waves->waveforms.size() >= kMostWaveforms) {
       ++waves->more_waveforms;
-      continue;
+      return true;
     }
-    ReadOptions one = request.read;
-    one.first = one.last = static_cast<uint64_t>(records.Integer(0));
-    std::vector<std::string> names = {"time"};
-    names.insert(names.end(), lines.names.begin(), lines.names.end());
-    TableRows rows(recording.path, "samples", names, one);
-    Samples samples(lines.names.size());
-    std::vector<double> values(lines.names.size());
-    double step = records.Number(2);
-    while (rows.Next()) {
-      for (size_t i = 0; i < values.size(); ++i) values[i] = rows.Number(i + 1);
-      if (samples.count() == 1 && rows.Number(0) > 0) step = rows.Number(0);
+    const auto rows = SamplesOf(recording.path, channels, record.number, request.read);
+    Samples samples(channels.size());
+    std::vector<double> values(channels.size());
+    while (rows->Next()) {
+      for (size_t i = 0; i < values.size(); ++i) values[i] = rows->Number(i);
       samples.Take(values);
     }
     samples.End();
-    const std::string members = MembersOf(lines, samples, Axis(step, samples.SamplesAPoint()));
-    if (members.empty()) continue;
+    const std::string members =
+        MembersOf(lines, samples, Axis(record.step, samples.SamplesAPoint()));
+    if (members.empty()) return true;
     const std::string id = "wave-" + std::to_string(waves->waveforms.size() + 1);
-    Wave wave = {number, one.first, records.Integer(1), {id, "wave", "Waveforms"}};
+    Wave wave = {number, record.number, record.start, {id, "wave", "Waveforms"}};
     charts->Add(wave.figure, members);
+    ReadOptions one = request.read;
+    one.first = one.last = record.number;
     wave.phasors = PhasorsOf(recording.path, one);
     AddPhasors(&wave, charts);
     waves->waveforms.push_back(wave);
-  }
+    return true;
+  });
 }
 
 void AddChanges(const Card& card, size_t number, const ReportRequest& request, Waves* waves,

@@ -1,4 +1,4 @@
-#include "assessment/table_rows.h"
+#include "tables/table_rows.h"
 
 #include <algorithm>
 
