@@ -293,6 +293,7 @@
       this.host.setAttribute("role", "img");
       this.host.setAttribute("aria-label", name);
       this.height = height;
+      this.host.style.height = height + "px";
       figure.append(this.host);
       all.push(this);
     }
@@ -314,7 +315,7 @@
       } else {
         Object.assign(this, {width, tall: height, onPaper: paper});
         this.inner.style.width = width + "px";
-        this.inner.style.height = height + "px";
+        this.inner.style.height = this.host.style.height = height + "px";
         this.graph = new Dygraph(this.inner, options.file, options);
       }
       this.area = this.graph.getArea();
