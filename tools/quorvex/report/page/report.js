@@ -300,7 +300,7 @@
     draw() {
       const width = this.host.clientWidth;
       if (!width) return;
-      const height = Math.round(this.height * (paper ? 0.85 : 1));
+      const height = Math.round(this.height * (paper ? 0.78 : 1));
       const options = Object.assign({
         gridLineColor: theme.grid, axisLineColor: theme.soft, pixelRatio: paper ? 2 : null, legend: "never",
         labelsDiv: element("div"), interactionModel: {}, highlightCircleSize: 0, rightGap: 8, gridLineWidth: 0.7,
