@@ -162,34 +162,28 @@
     return [[x - r, y - r], [x + r, y - r], [x + r, y + r], [x - r, y + r]];
   }
 
+  const hollow = kind => kind === "change" || kind === "swell";
+
   function paintShape(context, kind, x, y, r) {
     context.beginPath();
     for (const [px, py] of shapePath(kind, x, y, r)) context.lineTo(px, py);
     context.closePath();
-    if (kind === "change" || kind === "swell") {
-      context.fillStyle = theme.back;
-      context.fill();
-      context.stroke();
-    } else {
-      context.fillStyle = context.strokeStyle;
-      context.fill();
-      context.stroke();
-    }
+    context.fillStyle = hollow(kind) ? theme.back : context.strokeStyle;
+    context.fill();
+    context.stroke();
   }
 
   function shapeSample(kind) {
     const svg = drawing("svg", {width: 14, height: 14, "aria-hidden": "true"});
-    const hollow = kind === "change" || kind === "swell";
     drawing("polygon", {points: shapePath(kind, 7, 7, 4.5).map(p => p.join()).join(" "),
-      style: `fill:var(--${hollow ? "back" : "mark"});stroke:var(--mark);stroke-width:1.5`}, svg);
+      style: `fill:var(--${hollow(kind) ? "back" : "mark"});stroke:var(--mark);stroke-width:1.5`}, svg);
     return svg;
   }
 
   const legendBox = (...items) => element("div", {className: "legend", role: "group", ariaLabel: "Shown"}, ...items);
 
-  function legendItem(figureName, sampled, text, onChange) {
-    const box = element("input", {type: "checkbox", checked: true});
-    box.addEventListener("change", () => onChange(box.checked));
+  function legendItem(sampled, text, onChange) {
+    const box = element("input", {type: "checkbox", checked: true, onchange: () => onChange(box.checked)});
     const value = element("span", {className: "value"});
     const item = element("label", {className: "item"}, box, sampled, element("b", {textContent: text}), value);
     return {item, value};
@@ -266,14 +260,10 @@
       return found.length ? ": " + found.slice(0, 2).map(mark => mark[2]).join("; ") + more : "";
     }
     controls() {
-      const button = (text, title, act) => {
-        const made = element("button", {type: "button", textContent: text, title});
-        made.addEventListener("click", act);
-        return made;
-      };
+      const button = (textContent, title, onclick) => element("button", {type: "button", textContent, title, onclick});
       this.shown = element("span", {className: "span", role: "status"});
       this.under = element("span", {className: "under"});
-      const made = element("div", {className: "controls"},
+      return element("div", {className: "controls"},
         element("span", {className: "buttons"},
           button("earlier", "Half a window back", () => this.move(-0.5)),
           button("later", "Half a window on", () => this.move(0.5)),
@@ -281,7 +271,6 @@
           button("wider", "Twice the window", () => this.scale(2)),
           button("all", "Everything", () => this.all())),
         this.shown, this.under);
-      return made;
     }
     key(event) {
       const acts = {"+": () => this.scale(0.5), "=": () => this.scale(0.5), "-": () => this.scale(2), "0": () => this.all(),
@@ -304,13 +293,14 @@
       this.host.setAttribute("role", "img");
       this.host.setAttribute("aria-label", name);
       this.height = height;
+      this.host.style.height = height + "px";
       figure.append(this.host);
       all.push(this);
     }
     draw() {
       const width = this.host.clientWidth;
       if (!width) return;
-      const height = Math.round(this.height * (paper ? 0.85 : 1));
+      const height = Math.round(this.height * (paper ? 0.78 : 1));
       const options = Object.assign({
         gridLineColor: theme.grid, axisLineColor: theme.soft, pixelRatio: paper ? 2 : null, legend: "never",
         labelsDiv: element("div"), interactionModel: {}, highlightCircleSize: 0, rightGap: 8, gridLineWidth: 0.7,
@@ -325,7 +315,7 @@
       } else {
         Object.assign(this, {width, tall: height, onPaper: paper});
         this.inner.style.width = width + "px";
-        this.inner.style.height = height + "px";
+        this.inner.style.height = this.host.style.height = height + "px";
         this.graph = new Dygraph(this.inner, options.file, options);
       }
       this.area = this.graph.getArea();
@@ -335,6 +325,10 @@
       this.read();
     }
     read() {}
+    placeCursor(x) {
+      this.cursorLine.style.left = this.graph.toDomXCoord(x) + "px";
+      this.cursorLine.style.height = this.area.h + "px";
+    }
   }
 
   // Draws the plots that are in sight at once, and the others a few at a time when that leaves time for it:
@@ -417,7 +411,6 @@
       const first = Math.max(0, this.index(zoom.a) - 1);
       const last = Math.min(x.length, this.index(zoom.b) + 1);
       const step = Math.ceil((last - first) / width);
-      let low = Infinity, high = -Infinity;
       for (const one of series) one.least = Infinity, one.most = -Infinity;
       const cell = (value, least, most) => (isNaN(value) ? (banded ? [null, null, null] : null) : banded ? [least, value, most] : value);
       const rows = [];
@@ -446,11 +439,8 @@
         rows.push(one);
         if (pair && other[0] > one[0]) rows.push(other);
       }
-      for (const s of series) {
-        if (!s.shown) continue;
-        low = Math.min(low, s.least);
-        high = Math.max(high, s.most);
-      }
+      const seen = series.filter(s => s.shown);
+      const low = Math.min(Infinity, ...seen.map(s => s.least)), high = Math.max(-Infinity, ...seen.map(s => s.most));
       if (!rows.length) rows.push([zoom.a, ...series.map(() => cell(NaN))]);
       return {rows, low, high};
     }
@@ -474,9 +464,7 @@
     options(width) {
       const {rows, low, high} = this.rows(width);
       const named = {};
-      this.series.forEach((one, i) => {
-        named[i] = {strokePattern: one.style.dash.length ? one.style.dash : null};
-      });
+      this.series.forEach(({style}, i) => (named[i] = {strokePattern: style.dash.length ? style.dash : null}));
       return {
         file: rows,
         labels: ["x", ...this.series.map((_, i) => String(i))],
@@ -545,8 +533,7 @@
       if (inside && this.x.length) {
         i = Math.min(this.index(at), this.x.length - 1);
         if (i > 0 && at - this.x[i - 1] < this.x[i] - at) i--;
-        this.cursorLine.style.left = this.graph.toDomXCoord(this.x[i]) + "px";
-        this.cursorLine.style.height = this.area.h + "px";
+        this.placeCursor(this.x[i]);
       }
       const text = value => (isFinite(value) ? fixed(value, this.decimals) : "\u2013");
       this.series.forEach((one, k) => {
@@ -568,15 +555,14 @@
       const place = event => event.clientX - layer.getBoundingClientRect().left;
       const value = pixel => zoom.a + (pixel - this.area.x) / this.area.w * (zoom.b - zoom.a);
       let start = null;
-      const begin = () => {
-        start = {a: zoom.a, b: zoom.b, at: [...pointers.values()]};
+      const begin = moves => {
+        start = {a: zoom.a, b: zoom.b, at: [...pointers.values()], moves};
       };
       layer.addEventListener("pointerdown", event => {
         if (!this.graph || event.button > 0) return;
         layer.setPointerCapture(event.pointerId);
         pointers.set(event.pointerId, place(event));
-        begin();
-        start.moves = event.pointerType !== "mouse" || event.shiftKey;
+        begin(event.pointerType !== "mouse" || event.shiftKey);
       });
       layer.addEventListener("pointermove", event => {
         if (!this.graph) return;
@@ -610,9 +596,7 @@
           zoom.set(value(Math.min(start.at[0], x)), value(Math.max(start.at[0], x)));
         }
         selection.hidden = true;
-        const moves = start.moves;
-        begin();
-        start.moves = moves;
+        begin(start.moves);
       };
       layer.addEventListener("pointerup", end);
       layer.addEventListener("pointercancel", end);
@@ -654,11 +638,11 @@
       low: one.low && numbers(one.low), high: one.high && numbers(one.high)}));
   }
 
-  function lineLegend(name, plots) {
+  function lineLegend(plots) {
     const items = [];
     for (const plot of plots) {
       plot.series.forEach((one, k) => {
-        const made = legendItem(name, sample(one.style), one.label, shown => {
+        const made = legendItem(sample(one.style), one.label, shown => {
           one.shown = shown;
           plot.draw();
           plot.read();
@@ -684,21 +668,14 @@
   function trend(figure, name, chart) {
     const plot = new Lines(figure, name, {zoom: trends, x: times[chart.time], series: prepared(chart.series),
       unit: chart.unit, lines: chart.lines || [], marks, height: 190});
-    plot.host.before(lineLegend(name, [plot]));
+    plot.host.before(lineLegend([plot]));
   }
 
   function wave(figure, name, chart) {
     const groups = chart.groups.map(group => Object.assign({}, group, {series: prepared(group.series)}));
     const timed = chart.time !== undefined;
-    let x;
-    if (timed) {
-      x = times[chart.time];
-    } else if (chart.x) {
-      x = Float64Array.from(chart.x);
-    } else {
-      const count = Math.max(...groups.map(group => Math.max(...group.series.map(one => one.values.length))));
-      x = Float64Array.from({length: count}, (_, i) => chart.from + i * chart.step);
-    }
+    const count = Math.max(0, ...groups.map(group => Math.max(0, ...group.series.map(one => one.values.length))));
+    const x = timed ? times[chart.time] : numbers(chart.x || Array.from({length: count}, (_, i) => chart.from + i * chart.step));
     const unit = chart.xunit || "";
     const small = unit === "s" && x.length && Math.max(Math.abs(x[0]), Math.abs(x[x.length - 1])) < 1;
     const scale = small ? 1000 : 1, shownUnit = small ? "ms" : unit;
@@ -711,7 +688,7 @@
       unit: group.unit, lines: (chart.lines || []).filter(line => (line.unit ? line.unit === group.unit : i === 0)),
       marks: within, height: groups.length > 1 ? 170 : 220}));
     plots[0].host.before(zoom.controls());
-    plots.forEach(plot => plot.host.before(lineLegend(name, [plot])));
+    plots.forEach(plot => plot.host.before(lineLegend([plot])));
     if (within.length) plots[0].host.before(legendBox(...markNotes(within)));
     zoom.tell();
   }
@@ -727,13 +704,10 @@
       figure.append(this.reading);
       const say = i => {
         this.chosen = i;
-        this.reading.textContent = i < 0 ? this.idle || "" : this.text(i);
+        this.reading.textContent = i < 0 ? this.idle : this.text(i);
         this.cursorLine.hidden = i < 0 || !this.graph;
-        if (i < 0 || !this.graph) return;
-        this.cursorLine.style.left = this.graph.toDomXCoord(this.position(i)) + "px";
-        this.cursorLine.style.height = this.area.h + "px";
+        if (!this.cursorLine.hidden) this.placeCursor(this.position(i));
       };
-      this.say = say;
       say(-1);
       this.layer.addEventListener("pointermove", event => {
         if (!this.graph) return;
@@ -823,7 +797,7 @@
         });
       },
     });
-    const items = series.map(one => legendItem(name, sample(one.style, true), one.label, shown => {
+    const items = series.map(one => legendItem(sample(one.style, true), one.label, shown => {
       one.shown = shown;
       plot.draw();
     }).item);
@@ -878,7 +852,7 @@
     });
     const items = Object.keys(MARKS).filter(kind => points.some(point => point.kind === kind)).map(kind => {
       const count = points.filter(point => point.kind === kind).length;
-      return legendItem(name, shapeSample(kind), `${MARKS[kind]} (${count})`, shown => {
+      return legendItem(shapeSample(kind), `${MARKS[kind]} (${count})`, shown => {
         if (shown) hidden.delete(kind);
         else hidden.add(kind);
         plot.draw();
@@ -888,12 +862,11 @@
     if (!(chart.curves || []).length) return;
     const told = element("span", {className: "under", textContent: curve.note || ""});
     const choice = (text, value) => {
-      const radio = element("input", {type: "radio", name: "curve-" + chart.id, checked: value === curve});
-      radio.addEventListener("change", () => {
+      const radio = element("input", {type: "radio", name: "curve-" + chart.id, checked: value === curve, onchange: () => {
         curve = value;
         told.textContent = value && value.note || "";
         plot.draw();
-      });
+      }});
       return element("label", {className: "item"}, radio, element("span", {textContent: text}));
     };
     plot.host.before(element("div", {className: "legend", role: "radiogroup", ariaLabel: "Curve"},
