@@ -28,7 +28,6 @@ set(texts "")
 foreach(text kShippedLimits:limits/en50160-lv.json
              kPageStyle:tools/quorvex/report/page/report.css
              kPageScript:tools/quorvex/report/page/report.js
-             kChartStyle:${DYGRAPHS}/dygraph.min.css
              kChartScript:${DYGRAPHS}/dygraph.min.js
              kChartTerms:/usr/share/doc/libjs-dygraphs/copyright)
   string(REGEX MATCH "^[^:]+" name ${text})
@@ -37,7 +36,6 @@ foreach(text kShippedLimits:limits/en50160-lv.json
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
   file(READ ${file} content)
   string(REGEX REPLACE "\n//# sourceMappingURL=[^\n]*" "" content "${content}")
-  string(REGEX REPLACE "/\*# sourceMappingURL=[^\n]*" "" content "${content}")
   string(APPEND texts "const char ${name}[] = R\"~~~~(${content})~~~~\";\n")
 endforeach()
 file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/report_texts.cpp @ONLY CONTENT [[

@@ -222,6 +222,12 @@ class Package(unittest.TestCase):
             table = q.table(path, columns=[*RMS, "record"], records=records)
             self.assertEqual(numbers, table.to_numpy()["record"].tolist())
         self.assertEqual([*RMS, "record"], [column.name for column in table.columns])
+        # The rows of a list are there even where none of its values is asked for.
+        waves = q.table(self.folder / "R0002SNP.REC", "samples")
+        orders = q.table(path, "HARMONICS_U", columns=["order"])
+        self.assertEqual([*range(51)] * 144, orders.to_numpy()["order"].tolist())
+        times = q.table(self.folder / "R0002SNP.REC", "samples", columns=["time"])
+        self.assertEqual(waves.to_numpy()["time"].tolist(), times.to_numpy()["time"].tolist())
         self.assertEqual(("V", "float"), (table.columns[0].unit, table.columns[0].type))
         refused: list[tuple[type[Exception], str, dict[str, Any]]] = [
             (FileNotFoundError, "none", {"recording": self.folder / "none"}),

@@ -139,6 +139,7 @@ const Cursor::Binding& Cursor::BindingOf(const Field& layout) {
     if (value.field->time_step) binding.time_step_at = value.offset;
     const auto found = slots_of_.find(name);
     if (found == slots_of_.end()) continue;
+    if (table_.from == Table::From::kLists) CountList(value.list, &binding);
     for (const uint32_t slot : found->second) {
       const Step step = {
           value.field, value.offset, value.step,   slot, slots_[slot].column->part * 4,
@@ -156,6 +157,25 @@ const Cursor::Binding& Cursor::BindingOf(const Field& layout) {
   return *(last_ = &bindings_.back());
 }
 
+void Cursor::CountList(const Repeat& list, Binding* binding) const {
+  const auto is_fixed = [](const Repeat& l) {
+    return l.row == nullptr || l.row->kind == Kind::kSpectrum ||
+           l.row->count_from == CountFrom::kTable;
+  };
+  const auto same = [&](const Repeat& known) {
+    if (is_fixed(list)) {
+      return is_fixed(known) &&
+             quorvex::CountOf(known, nullptr, {}) >= quorvex::CountOf(list, nullptr, {});
+    }
+    return !is_fixed(known) && known.at == list.at && known.row->count == list.row->count &&
+           known.row->count_from == list.row->count_from &&
+           known.row->count_ref == list.row->count_ref;
+  };
+  if (std::none_of(binding->lists.begin(), binding->lists.end(), same)) {
+    binding->lists.push_back(list);
+  }
+}
+
 void Cursor::Bytes(const Piece& piece) {
   if (piece.record == 0 || !IsWanted(piece.record)) return;
   const Binding& binding = BindingOf(piece.layout);
@@ -167,6 +187,11 @@ void Cursor::Bytes(const Piece& piece) {
   uint8_t* const to = block_.get() + size_t{rows_} * 4;
   for (const Copy& copy : binding.floats) std::memcpy(to + copy.to, bytes + copy.offset, 4);
   for (const Step& step : binding.others) Run(step, piece);
+  for (const Repeat& list : binding.lists) {
+    if (piece.first < part_first_) continue;
+    const uint32_t end = piece.first - part_first_ + CountOf(list, bytes, piece.inputs);
+    part_rows_ = std::max(part_rows_, std::min(end, capacity_ - rows_));
+  }
 }
 
 void Cursor::Run(const Step& step, const Piece& piece) {
@@ -187,7 +212,6 @@ void Cursor::Run(const Step& step, const Piece& piece) {
     const uint8_t* at = bytes + step.offset + size_t{i - first} * step.step + step.part_at;
     Put(step, at, piece.inputs, rows_ + i);
   }
-  part_rows_ = std::max(part_rows_, end);
 }
 
 // The rows of a part are complete but for the keys. False: stop here.

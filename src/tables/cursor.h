@@ -48,6 +48,7 @@ class Cursor final : private Listener {
     const char* phase;
     std::vector<Copy> floats;  // of records, the most of all
     std::vector<Step> others;
+    std::vector<Repeat> lists = {};  // of the table, each count once: rows are there whoever asks
     int64_t time_step_at = -1;
   };
   struct Slot {
@@ -66,6 +67,7 @@ class Cursor final : private Listener {
   bool EndRecord(const RecordEnd& end) override;
 
   const Binding& BindingOf(const Field& layout);
+  void CountList(const Repeat& list, Binding* binding) const;
   void Run(const Step& step, const Piece& piece);
   bool EndRows(uint64_t record);
   bool NextRows(Batch* batch);
@@ -96,7 +98,8 @@ class Cursor final : private Listener {
   uint32_t first_element_ = 0, end_element_ = 0;  // where records have elements: rows from and to
   std::vector<Slot> slots_;
   std::vector<size_t> keys_;  // slots that no record has values for
-  std::unordered_map<std::string, std::vector<uint32_t>> slots_of_;  // by path
+  std::unordered_map<std::string, std::vector<uint32_t>>
+      slots_of_;  // by path; empty: not asked for
   std::vector<Binding> bindings_;
   const Binding* last_ = nullptr;
   std::vector<Group> groups_;

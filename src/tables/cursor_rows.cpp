@@ -92,6 +92,9 @@ void Cursor::LayOut(const std::vector<uint32_t>& columns) {
     slots_.push_back({&column, block_size_, 0});
     block_size_ += OddLines((capacity_ + size_t{1}) * WidthOf(column.type));
   }
+  for (const Column& column : table_.columns) {
+    if (table_.from == Table::From::kLists && column.key == Key::kNone) slots_of_[column.path];
+  }
   valid_at_ = block_size_;
   for (Slot& slot : slots_) {
     slot.valid_at = block_size_;

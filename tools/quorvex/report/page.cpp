@@ -129,7 +129,7 @@ std::string PageOf(const Card& card, const ReportRequest& request) {
       "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
       "<meta name=\"color-scheme\" content=\"light dark\">\n<title>" +
       title + "</title>\n<style>\n";
-  html += std::string(kChartStyle) + "\n" + kPageStyle;
+  html += kPageStyle;
   html += "</style>\n</head>\n<body>\n<header>\n<h1>" + title + "</h1>\n" +
           Paragraph(Subject(page), "subject") + "</header>\n<nav aria-label=\"Sections\">\n";
   for (const Section& section : sections) {

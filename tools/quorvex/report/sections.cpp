@@ -210,7 +210,7 @@ std::string VoltageEventsHtml(PageData* page) {
     html += Paragraph("No dip, swell or interruption was recorded.");
   } else {
     html += table.Html() + CutNote(rows);
-    html += ToleranceHtml(limits, points, &page->charts);
+    if (!points.empty()) html += ToleranceHtml(limits, points, &page->charts);
     html += CountsHtml("Dips by residual voltage", limits.dips, counts);
     html += CountsHtml("Swells by voltage", limits.swells, counts);
     html += Paragraph("Interruptions: " + CountText(interruptions[0]) + " short (up to " +

@@ -7,6 +7,6 @@ namespace quorvex::tool {
 extern const char kShippedLimits[];
 extern const char kPageStyle[], kPageScript[];
 // Of the library that draws: dygraphs, as packaged, with its terms.
-extern const char kChartStyle[], kChartScript[], kChartTerms[];
+extern const char kChartScript[], kChartTerms[];
 
 }  // namespace quorvex::tool

@@ -54,8 +54,8 @@ std::string ValueText(const IndexRow& row) {
 }
 
 std::string TableOf(const Week& week, bool every_row) {
-  HtmlTable table("indices", {"Index", "Channel", "#Value", "Limit", "#Within", "#Needed",
-                              "#Intervals used", "#Flagged", "Verdict"});
+  HtmlTable table("indices", {"Index", "Channel", "Verdict", "#Value", "Limit", "#Within",
+                              "#Needed", "#Used", "#Flagged"});
   bool harmonic_shown = false;
   for (const IndexRow& row : week.rows) {
     const bool failing = row.within && row.reach > 1;
@@ -68,10 +68,10 @@ std::string TableOf(const Week& week, bool every_row) {
     std::string verdict = NameOf(row.verdict);
     std::string css_class = verdict;
     std::replace(css_class.begin(), css_class.end(), ' ', '-');
-    table.Class(8, "verdict " + css_class);
-    table.Row({WordsOf(row.limit->index), row.channel, ValueText(row), row.limit_text,
+    table.Class(2, "verdict " + css_class);
+    table.Row({WordsOf(row.limit->index), row.channel, verdict, ValueText(row), row.limit_text,
                row.within ? SharePercent(*row.within) : "", SharePercent(row.limit->needed),
-               CountText(row.used), CountText(row.flagged), verdict},
+               CountText(row.used), CountText(row.flagged)},
               " data-index=\"" + Escaped(row.limit->index) + "\" data-channel=\"" +
                   Escaped(row.channel) + "\" data-needed=\"" + NumberText(row.limit->needed, 9) +
                   "\"");
@@ -110,6 +110,10 @@ std::string WeekHtml(const PageData& page, const Judged& judged) {
   }
   html += Paragraph(state + ".");
   html += TableOf(week, false);
+  html += Paragraph(
+      "Used and flagged are counts of intervals; the value is the one that the needed "
+      "share of them does not go beyond.",
+      "note");
   html += NotMeasured(week);
   html += Details("Every index, order and channel", TableOf(week, true));
   return html;

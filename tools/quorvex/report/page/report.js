@@ -905,7 +905,8 @@
       const turns = [0, 0.14, -0.14, 0.28, -0.28, 0.42, -0.42, 0.6, -0.6].map(turn => turn * 110 / (length + 14));
       const spotted = turns.map(spot).find(free) || spot(0);
       placed.push(spotted);
-      drawing("text", {x: spotted[0].toFixed(1), y: (spotted[1] + 4).toFixed(1), "text-anchor": "middle"}, svg).textContent = vector.label;
+      drawing("text", {x: spotted[0].toFixed(1), y: (spotted[1] + 4).toFixed(1), "text-anchor": "middle",
+        "paint-order": "stroke"}, svg).textContent = vector.label;
     }
     figure.append(svg);
   }
