@@ -85,7 +85,9 @@ ExitCode Report(const ReportOptions& options) {
   const bool gathered = GatherRecordings(options.inputs, &recordings);
   // A folder without recordings gives a report that says so; what is not there gives none.
   for (const std::string& input : options.inputs) {
-    if (input != "-" && !Exists(input)) return kNoInput;
+    if (input == "-" || Exists(input)) continue;
+    Complain(input, "does not exist");
+    return kNoInput;
   }
   if (!gathered && recordings.empty() && options.inputs == std::vector<std::string>{"-"}) {
     return kNoInput;

@@ -44,6 +44,11 @@ const char* UseOf(uint32_t type) {
   }
 }
 
+template <size_t N>
+std::string TextIn(const char (&field)[N]) {
+  return AsUtf8(std::string(field, std::find(field, field + N, '\0')));
+}
+
 CardRecording Look(const std::string& path) {
   CardRecording entry;
   entry.path = path;
@@ -58,12 +63,13 @@ CardRecording Look(const std::string& path) {
   entry.findings = soundness.Result();
   const RecordingFacts facts = tool::FactsOf(path);
   entry.instrument = facts.facts.instrument.value_or("");
-  entry.serial = facts.facts.serial.value_or("");
   entry.connection = facts.facts.connection.value_or("");
   const UifParams& settings = head.settings;
   const bool has_settings = head.type->settings_at != 0;
-  const char* end = std::find(settings.cname_short, std::end(settings.cname_short), '\0');
-  if (has_settings) entry.place = AsUtf8(std::string(settings.cname_short, end));
+  if (has_settings) {
+    entry.serial = TextIn(settings.ee_serial_number);
+    entry.place = TextIn(settings.cname_short);
+  }
   entry.layout = WordOf(*head.type, LayoutOf(*head.type, settings));
   entry.wiring = settings.connection;
   entry.interval = settings.interval;

@@ -158,7 +158,10 @@ std::optional<Limits> LimitsOf(const std::string& text, const Limits* otherwise,
   } catch (const Wrong& wrong) {
     *problem = wrong.text;
   } catch (const Json::parse_error& error) {
-    *problem = "is no JSON: " + std::string(error.what());
+    // Behind the parser's own number of the error.
+    const std::string what = error.what();
+    const size_t bracket = what.find("] ");
+    *problem = "is no JSON: " + (bracket == std::string::npos ? what : what.substr(bracket + 2));
   }
   return std::nullopt;
 }

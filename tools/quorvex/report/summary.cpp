@@ -123,7 +123,10 @@ void AddRecordings(const Card& card, const ReportRequest& request, std::string* 
     entry["connection"] = TextOrNull(r.connection);
     entry["from"] = TextOrNull(TimeOf(r.time.from, request));
     entry["to"] = TextOrNull(TimeOf(r.time.to, request));
-    entry["worst"] = r.findings.list.empty() ? Json() : Json(NameOf(r.findings.worst));
+    const bool unread = r.recording.code != kDone;
+    entry["worst"] = unread                    ? Json(NameOf(Severity::kError))
+                     : r.findings.list.empty() ? Json()
+                                               : Json(NameOf(r.findings.worst));
     uint64_t findings = 0;
     for (const uint64_t found : r.findings.found) findings += found;
     entry["findings"] = findings;
