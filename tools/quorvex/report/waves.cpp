@@ -187,10 +187,11 @@ void AddWaveforms(const Card& card, size_t number, const ReportRequest& request,
     lines.labels.push_back(channel.name);
     lines.units.push_back(channel.unit);
   }
+  const uint64_t records = recording.recording.records.value_or(0);
   ForEachWaveRecord(recording.path, request.read, [&](const WaveRecord& record) {
     if (waves->waveforms.size() >= kMostWaveforms) {
-      ++waves->more_waveforms;
-      return true;
+      waves->more_waveforms += records >= record.number ? records - record.number + 1 : 1;
+      return false;
     }
     const auto rows = SamplesOf(recording.path, channels, record.number, request.read);
     Samples samples(channels.size());
