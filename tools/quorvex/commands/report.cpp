@@ -113,7 +113,7 @@ ExitCode Report(const ReportOptions& options) {
     }
   }
   if (!options.json) return code;
-  Print(SummaryOf(card, request));
+  PrintSummary(card, request, [](const std::string& piece) { Print(piece); });
   return code == kDone && IsAnyOutside(card) ? kDoubtful : code;
 }
 

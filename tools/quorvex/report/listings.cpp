@@ -1,7 +1,6 @@
 #include "report/listings.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace quorvex::tool {
 
@@ -88,15 +87,22 @@ const ListedType* ListedTypeOf(uint32_t type) {
 Listing ListingOf(const std::string& path, size_t recording, const ListedType& type,
                   const ReadOptions& options) {
   Listing listing = {&type, recording, {}};
+  ForEachListed(path, type, options, [&](const std::vector<Cell>& row) {
+    if (++listing.count <= kMostListed) listing.rows.push_back(row);
+  });
+  return listing;
+}
+
+void ForEachListed(const std::string& path, const ListedType& type, const ReadOptions& options,
+                   const std::function<void(const std::vector<Cell>&)>& take) {
   std::vector<std::string> columns;
   for (const ListedColumn& column : type.columns) columns.emplace_back(column.column);
   TableRows rows(path, "records", columns, options);
+  std::vector<Cell> cells(columns.size());
   while (rows.Next()) {
-    std::vector<Cell> cells;
-    for (size_t c = 0; c < columns.size(); ++c) cells.push_back(rows.CellAt(c));
-    listing.rows.push_back(std::move(cells));
+    for (size_t c = 0; c < columns.size(); ++c) cells[c] = rows.CellAt(c);
+    take(cells);
   }
-  return listing;
 }
 
 }  // namespace quorvex::tool

@@ -11,13 +11,12 @@
 namespace quorvex::tool {
 namespace {
 
-constexpr size_t kMostRows = 500;
 constexpr size_t kMostSpectra = 4;
 
 // Longer tables are cut, and say so.
-std::string CutNote(size_t rows) {
-  if (rows <= kMostRows) return "";
-  return Paragraph("The first " + std::to_string(kMostRows) + " of " + CountText(rows) +
+std::string CutNote(uint64_t rows) {
+  if (rows <= kMostListed) return "";
+  return Paragraph("The first " + std::to_string(kMostListed) + " of " + CountText(rows) +
                    " are shown; the figures for programs have all.");
 }
 
@@ -191,7 +190,7 @@ std::string VoltageEventsHtml(PageData* page) {
       } else {
         ++counts[event.event_class];
       }
-      if (++rows > kMostRows) continue;
+      if (++rows > kMostListed) continue;
       table.Row({ShownTime(event.from, page->request), NameOf(event.kind), channels,
                  NumberText(AsWritten(event.percent)), NumberText(AsWritten(event.voltage)),
                  ended ? NumberText(event.seconds(), 7) : "not over", event.event_class});
@@ -251,11 +250,13 @@ std::string ListingHtml(const PageData& page, const char* key) {
     }
     titles.emplace_back("Recording");
     HtmlTable table("", titles);
-    size_t rows = 0;
+    uint64_t rows = 0;
     for (const Listing& listing : page.card.listings) {
       if (listing.type != &type) continue;
-      for (const std::vector<Cell>& row : listing.rows) {
-        if (++rows > kMostRows) continue;
+      const uint64_t before = rows;
+      rows += listing.count;
+      for (size_t i = 0; i < listing.rows.size() && before + i < kMostListed; ++i) {
+        const std::vector<Cell>& row = listing.rows[i];
         std::vector<std::string> cells;
         for (const Cell& cell : row) cells.push_back(CellText(cell, page.request));
         cells.push_back(ShownName(page, listing.recording));

@@ -31,23 +31,25 @@ Json CellOf(const Cell& cell, const ReportRequest& request) {
   return {};
 }
 
+using Sink = std::function<void(const std::string&)>;
+
 // A list, an entry a line.
 class List {
  public:
-  explicit List(std::string* to) : to_(to) {}
+  explicit List(const Sink& to) : to_(to) {}
   void Add(const Json& entry) {
-    *to_ += begun_ ? ",\n  " : "\n  ";
-    *to_ += Shown(entry.dump(-1, ' ', false, Json::error_handler_t::replace), true);
+    to_((begun_ ? ",\n  " : "\n  ") +
+        Shown(entry.dump(-1, ' ', false, Json::error_handler_t::replace), true));
     begun_ = true;
   }
-  void End() { *to_ += begun_ ? "\n]" : "]"; }
+  void End() { to_(begun_ ? "\n]" : "]"); }
 
  private:
-  std::string* to_;
+  const Sink& to_;
   bool begun_ = false;
 };
 
-void AddAssessment(const Card& card, const ReportRequest& request, std::string* to) {
+void AddAssessment(const Card& card, const ReportRequest& request, const Sink& to) {
   List list(to);
   for (const Chain& chain : card.chains) {
     Json continued = Json::array();
@@ -79,7 +81,7 @@ void AddAssessment(const Card& card, const ReportRequest& request, std::string* 
   list.End();
 }
 
-void AddEvents(const Card& card, const ReportRequest& request, std::string* to) {
+void AddEvents(const Card& card, const ReportRequest& request, const Sink& to) {
   List list(to);
   for (const CardEvents& events : card.events) {
     for (const VoltageEvent& event : events.recorded.events) {
@@ -98,23 +100,24 @@ void AddEvents(const Card& card, const ReportRequest& request, std::string* to) 
 }
 
 void AddListing(const Card& card, const ListedType& type, const ReportRequest& request,
-                std::string* to) {
+                const Sink& to) {
   List list(to);
   for (const Listing& listing : card.listings) {
     if (listing.type != &type) continue;
-    for (const std::vector<Cell>& row : listing.rows) {
+    const auto add = [&](const std::vector<Cell>& row) {
       Json entry;
       for (size_t c = 0; c < row.size(); ++c) {
         entry[type.columns[c].key] = CellOf(row[c], request);
       }
       entry["recording"] = NameOf(card, listing.recording);
       list.Add(entry);
-    }
+    };
+    ForEachListed(card.recordings[listing.recording].path, type, request.read, add);
   }
   list.End();
 }
 
-void AddRecordings(const Card& card, const ReportRequest& request, std::string* to) {
+void AddRecordings(const Card& card, const ReportRequest& request, const Sink& to) {
   List list(to);
   for (const CardRecording& r : card.recordings) {
     Json entry = JsonOf(r.path, r.recording, r.recording.records);
@@ -137,9 +140,9 @@ void AddRecordings(const Card& card, const ReportRequest& request, std::string* 
   list.End();
 }
 
-void AddLimits(const Limits& limits, std::string* to) {
-  *to += "{\"name\": " + Json(limits.name).dump() + ", \"edition\": " + Json(limits.edition).dump();
-  *to += ", \"note\": " + Json(limits.note).dump() + ", \"rows\": [";
+void AddLimits(const Limits& limits, const Sink& to) {
+  to("{\"name\": " + Json(limits.name).dump() + ", \"edition\": " + Json(limits.edition).dump() +
+     ", \"note\": " + Json(limits.note).dump() + ", \"rows\": [");
   List list(to);
   for (const Limit& limit : limits.rows) {
     Json entry = {{"index", limit.index}};
@@ -152,7 +155,7 @@ void AddLimits(const Limits& limits, std::string* to) {
     list.Add(entry);
   }
   list.End();
-  *to += "}";
+  to("}");
 }
 
 }  // namespace
@@ -175,20 +178,20 @@ bool IsAnyOutside(const Card& card) {
   return false;
 }
 
-std::string SummaryOf(const Card& card, const ReportRequest& request) {
-  std::string text = "{\n\"assessment\": [";
-  AddAssessment(card, request, &text);
-  text += ",\n\"events\": [";
-  AddEvents(card, request, &text);
+void PrintSummary(const Card& card, const ReportRequest& request, const Sink& print) {
+  print("{\n\"assessment\": [");
+  AddAssessment(card, request, print);
+  print(",\n\"events\": [");
+  AddEvents(card, request, print);
   for (const ListedType& type : ListedTypes()) {
-    text += ",\n\"" + std::string(type.key) + "\": [";
-    AddListing(card, type, request, &text);
+    print(",\n\"" + std::string(type.key) + "\": [");
+    AddListing(card, type, request, print);
   }
-  text += ",\n\"recordings\": [";
-  AddRecordings(card, request, &text);
-  text += ",\n\"limits\": ";
-  AddLimits(request.limits, &text);
-  return text + "\n}\n";
+  print(",\n\"recordings\": [");
+  AddRecordings(card, request, print);
+  print(",\n\"limits\": ");
+  AddLimits(request.limits, print);
+  print("\n}\n");
 }
 
 }  // namespace quorvex::tool
