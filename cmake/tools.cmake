@@ -27,7 +27,11 @@ find_path(DYGRAPHS dygraph.min.js REQUIRED PATHS /usr/share/javascript/dygraphs
 set(texts "")
 foreach(text kShippedLimits:limits/en50160-lv.json
              kPageStyle:tools/quorvex/report/page/report.css
-             kPageScript:tools/quorvex/report/page/report.js
+             kPageBase:tools/quorvex/report/page/base.js
+             kPagePlot:tools/quorvex/report/page/plot.js
+             kPageLines:tools/quorvex/report/page/lines.js
+             kPagePainted:tools/quorvex/report/page/painted.js
+             kPageDrawing:tools/quorvex/report/page/page.js
              kChartScript:${DYGRAPHS}/dygraph.min.js
              kChartTerms:/usr/share/doc/libjs-dygraphs/copyright)
   string(REGEX MATCH "^[^:]+" name ${text})

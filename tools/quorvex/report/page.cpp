@@ -153,8 +153,11 @@ std::string PageOf(const Card& card, const ReportRequest& request) {
                   "<pre>" + Escaped(kChartTerms) + "</pre>\n");
   html += "</footer>\n<script type=\"application/json\" id=\"data\">" + page.charts.Json() +
           "</script>\n<script>";
-  html += std::string(kChartScript) + "</script>\n<script>\n" + kPageScript;
-  return html + "</script>\n</body>\n</html>\n";
+  html += std::string(kChartScript) + "</script>\n<script>\n(function () {\n\"use strict\";\n";
+  for (const char* part : {kPageBase, kPagePlot, kPageLines, kPagePainted, kPageDrawing}) {
+    html += part;
+  }
+  return html + "})();\n</script>\n</body>\n</html>\n";
 }
 
 }  // namespace quorvex::tool

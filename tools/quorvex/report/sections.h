@@ -33,6 +33,10 @@ std::string WaveformsSection(const PageData& page);
 std::string EnergySection(const PageData& page);
 std::string HealthSection(const PageData& page);
 
+// "R0005SNP.REC, record 1, 2024-03-04 10:20:05"
+std::string RecordName(const PageData& page, const Wave& wave);
+// Says of a longer table that it is cut; nothing of others.
+std::string CutNote(uint64_t rows);
 // A figure that the page's script draws into.
 std::string FigureHtml(const Figure& figure, const std::string& unit = "");
 // Listings of a type; nothing where there are none.

@@ -5,7 +5,9 @@
 namespace quorvex::tool {
 
 extern const char kShippedLimits[];
-extern const char kPageStyle[], kPageScript[];
+extern const char kPageStyle[];
+// Of the page's script, in this order.
+extern const char kPageBase[], kPagePlot[], kPageLines[], kPagePainted[], kPageDrawing[];
 // Of the library that draws: dygraphs, as packaged, with its terms.
 extern const char kChartScript[], kChartTerms[];
 
