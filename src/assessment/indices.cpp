@@ -18,9 +18,9 @@ std::string Shown(double value) {
   return text;
 }
 
-// The verdict where `there` of `expected` parts of the week are.
+// The verdict where `there` of `expected` parts of the week are; no parts make no week.
 void Judge(bool is_within, uint64_t there, uint64_t expected, IndexRow* row) {
-  const bool full = there * 100 >= expected * 95;
+  const bool full = expected > 0 && there * 100 >= expected * 95;
   row->verdict = !full ? Verdict::kNotAFullWeek : is_within ? Verdict::kWithin : Verdict::kOutside;
 }
 

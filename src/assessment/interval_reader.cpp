@@ -33,6 +33,7 @@ std::vector<std::string> WantSpectra(const std::string& front,
 Subject SubjectOf(const UifParams& settings, double nominal) {
   Subject subject;
   subject.nominal = nominal > 0 ? nominal : static_cast<double>(settings.nominal_voltage);
+  if (!std::isfinite(subject.nominal)) subject.nominal = 0;
   subject.frequency = settings.system_frequency;
   subject.interval = int64_t{settings.interval} * kSecond;
   if (subject.interval > 0 && kTenMinutes % subject.interval == 0) {
