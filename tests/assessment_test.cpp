@@ -297,7 +297,8 @@ TEST(Assessment, Wirings) {
         made += u + spectrum + std::to_string((first + 4) * step) + "=4";
       }
       std::map<std::string, std::string> told;
-      for (const IndexRow& row : Judged(made).weeks.at(0).rows) {
+      const Assessment assessment = Judged(made);
+      for (const IndexRow& row : assessment.weeks.at(0).rows) {
         if (row.used == 0 || row.limit->needed == 1) continue;
         told[row.limit->index] +=
             row.channel + "=" + std::to_string(std::lround(*row.highest)) + " ";
@@ -448,6 +449,12 @@ TEST(VoltageEvents, OfPhases) {
        "dip u23 70 % 0.2 s B1",
        {400, 90, 110, 5, 4}},
       {{{0, 2, kIn, kDip, 360.1, 0}, {0.2, 2, kDip, kIn, 361, 0}}, "", {400, 90, 110, 5, 4}},
+      {{{0, 1, kIn, kDip, 57.15, 0}, {0.2, 1, kDip, kIn, 60, 0}},
+       "dip u1 90 % 0.2 s",
+       {63.5, 57.15, 69.85, 3.175}},
+      {{{0, 1, kIn, kSwell, 69.85, 0}, {0.2, 1, kSwell, kIn, 66, 76.2}},
+       "swell u1 120 % 0.2 s S1",
+       {63.5, 90, 110, 5}},
       {{{0, 1, kIn, kSwell, 253, 0}, {0.2, 1, kSwell, kIn, 250, 0}}, "swell u1 110 % 0.2 s T1"},
       {{{0, 1, kIn, kSwell, 252.9, 0}, {0.2, 1, kSwell, kIn, 250, 0}}, ""},
   };
