@@ -241,7 +241,10 @@ Assessment Assess(const std::vector<std::string>& paths, const Limits& limits, d
     while (reader.Next()) {
       Interval interval = {reader.Time(), 0, false};
       const Span& time = interval.time;
-      if (time.from == kNoTime || time.to <= time.from || (last != kNoTime && time.from <= last)) {
+      // One that is longer than two has a damaged time.
+      const bool sound = time.from != kNoTime && time.to > time.from &&
+                         (subject.interval == 0 || time.to - time.from <= 2 * subject.interval);
+      if (!sound || (last != kNoTime && time.from <= last)) {
         ++result.without_time;
         continue;
       }

@@ -54,7 +54,8 @@ struct Week {
 
 struct Assessment {
   std::vector<Week> weeks;
-  uint64_t without_time = 0;  // records that have none, or one that is not behind the one before
+  uint64_t without_time = 0;  // records that have none, or one that cannot be or is not behind the
+                              // one before
 };
 
 // Of recordings of which each continues the one before. Intervals that meet a flag are left out but

@@ -96,7 +96,7 @@ void IntervalReader::TakeRecord(const Interval& interval, Gathered* week) {
   week->has_frequency = week->has_frequency || frequencies_.Knows(1);
   while (more_frequencies_ && frequencies_.Integer(0) <= record) {
     if (frequencies_.Integer(0) == record) {
-      week->frequency.Take(++frequency_, frequencies_.Number(1), false);
+      week->frequency.Take(++week->frequencies, frequencies_.Number(1), false);
     }
     more_frequencies_ = frequencies_.Next();
   }
