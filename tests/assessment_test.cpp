@@ -311,6 +311,14 @@ TEST(Assessment, Cases) {
   }
 }
 
+TEST(Assessment, DamagedTimesMakeNoEndOfWeeks) {
+  std::string made = "compact every=7200";
+  for (int i = 0; i < 700; ++i) made += " 1 u1=230 skip=90";
+  const Assessment assessment = Judged(made);
+  EXPECT_EQ(700, assessment.weeks.size() + assessment.without_time);
+  EXPECT_LE(assessment.weeks.size(), 600);
+}
+
 // A class has its lower bound of voltages and its upper one of durations, whatever the nominal
 // voltage: percents of 63.5 and 231 V are no floats.
 TEST(Assessment, ClassesOfEvents) {

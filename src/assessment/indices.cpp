@@ -11,6 +11,8 @@ namespace quorvex {
 namespace {
 
 constexpr size_t kMostGaps = 20;
+// More than instruments record; damaged times could make a week of each record.
+constexpr size_t kMostWeeks = 600;
 
 std::string Shown(double value) {
   char text[32];
@@ -249,7 +251,13 @@ Assessment Assess(const std::vector<std::string>& paths, const Limits& limits, d
         continue;
       }
       if (begin == kNoTime) begin = time.from;
-      if (result.weeks.empty() || (time.from - begin) / kWeek != number) begin_week(time.from);
+      if (result.weeks.empty() || (time.from - begin) / kWeek != number) {
+        if (result.weeks.size() == kMostWeeks) {
+          ++result.without_time;
+          continue;
+        }
+        begin_week(time.from);
+      }
       Week& week = result.weeks.back();
       ++week.intervals;
       // Clocks are corrected by a little now and then.
