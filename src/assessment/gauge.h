@@ -1,7 +1,9 @@
 // One index of one channel over one week: gathers its values and says how many are within a limit.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 namespace quorvex {
@@ -24,13 +26,13 @@ class Gauge {
   Gauge() = default;
   explicit Gauge(uint32_t parts) : parts_(parts) {}
 
-  // The value of an interval in a window; windows come in ascending order. NaN is no value. What is
-  // flagged is left out, and counted.
+  // The value of an interval in a window; windows come in ascending order. NaN and what no float
+  // can be is no value. What is flagged is left out, and counted.
   void Take(int64_t window, double value, bool flagged) {
     if (window != window_) Close();
     window_ = window;
     flagged_window_ = flagged_window_ || flagged;
-    if (!(value == value)) return;
+    if (!(std::abs(value) <= kMost)) return;
     ++got_;
     squares_ += value * value;
     last_ = value;
@@ -51,6 +53,7 @@ class Gauge {
 
  private:
   static constexpr int64_t kNone = INT64_MIN;
+  static constexpr double kMost = std::numeric_limits<float>::max();
   void Close();
 
   uint32_t parts_ = 1;

@@ -11,6 +11,8 @@ namespace quorvex {
 namespace {
 
 constexpr size_t kMostGaps = 20;
+// More than instruments record; damaged times could make a week of each record.
+constexpr size_t kMostWeeks = 600;
 
 std::string Shown(double value) {
   char text[32];
@@ -18,9 +20,9 @@ std::string Shown(double value) {
   return text;
 }
 
-// The verdict where `there` of `expected` parts of the week are.
+// The verdict where `there` of `expected` parts of the week are; no parts make no week.
 void Judge(bool is_within, uint64_t there, uint64_t expected, IndexRow* row) {
-  const bool full = there * 100 >= expected * 95;
+  const bool full = expected > 0 && there * 100 >= expected * 95;
   row->verdict = !full ? Verdict::kNotAFullWeek : is_within ? Verdict::kWithin : Verdict::kOutside;
 }
 
@@ -241,12 +243,21 @@ Assessment Assess(const std::vector<std::string>& paths, const Limits& limits, d
     while (reader.Next()) {
       Interval interval = {reader.Time(), 0, false};
       const Span& time = interval.time;
-      if (time.from == kNoTime || time.to <= time.from || (last != kNoTime && time.from <= last)) {
+      // One that is longer than two has a damaged time.
+      const bool sound = time.from != kNoTime && time.to > time.from &&
+                         (subject.interval == 0 || time.to - time.from <= 2 * subject.interval);
+      if (!sound || (last != kNoTime && time.from <= last)) {
         ++result.without_time;
         continue;
       }
       if (begin == kNoTime) begin = time.from;
-      if (result.weeks.empty() || (time.from - begin) / kWeek != number) begin_week(time.from);
+      if (result.weeks.empty() || (time.from - begin) / kWeek != number) {
+        if (result.weeks.size() == kMostWeeks) {
+          ++result.without_time;
+          continue;
+        }
+        begin_week(time.from);
+      }
       Week& week = result.weeks.back();
       ++week.intervals;
       // Clocks are corrected by a little now and then.

@@ -54,7 +54,9 @@ struct Week {
 
 struct Assessment {
   std::vector<Week> weeks;
-  uint64_t without_time = 0;  // records that have none, or one that is not behind the one before
+  // Records that have none, or one that cannot be, is not behind the one before, or is of one week
+  // too many.
+  uint64_t without_time = 0;
 };
 
 // Of recordings of which each continues the one before. Intervals that meet a flag are left out but

@@ -33,6 +33,7 @@ std::vector<std::string> WantSpectra(const std::string& front,
 Subject SubjectOf(const UifParams& settings, double nominal) {
   Subject subject;
   subject.nominal = nominal > 0 ? nominal : static_cast<double>(settings.nominal_voltage);
+  if (!std::isfinite(subject.nominal)) subject.nominal = 0;
   subject.frequency = settings.system_frequency;
   subject.interval = int64_t{settings.interval} * kSecond;
   if (subject.interval > 0 && kTenMinutes % subject.interval == 0) {
@@ -95,7 +96,7 @@ void IntervalReader::TakeRecord(const Interval& interval, Gathered* week) {
   week->has_frequency = week->has_frequency || frequencies_.Knows(1);
   while (more_frequencies_ && frequencies_.Integer(0) <= record) {
     if (frequencies_.Integer(0) == record) {
-      week->frequency.Take(++frequency_, frequencies_.Number(1), false);
+      week->frequency.Take(++week->frequencies, frequencies_.Number(1), false);
     }
     more_frequencies_ = frequencies_.Next();
   }

@@ -52,8 +52,9 @@ struct ChannelGauges {
 struct Extremes {
   double lowest = kNone, highest = kNone;
   void Take(double value) {
-    if (!(value >= lowest)) lowest = value == value ? value : lowest;
-    if (!(value <= highest)) highest = value == value ? value : highest;
+    if (!std::isfinite(value)) return;
+    if (!(value >= lowest)) lowest = value;
+    if (!(value <= highest)) highest = value;
   }
 };
 
@@ -64,6 +65,7 @@ struct Gathered {
   bool has_unbalance = false, has_frequency = false;
   Gauge unbalance, frequency;
   Extremes frequency_extremes;
+  int64_t frequencies = 0;  // so far, with those that have no value
 };
 
 struct Interval {
@@ -143,7 +145,6 @@ class IntervalReader {
   int unbalance_ = -1, f_least_ = -1, f_most_ = -1;
   std::vector<ChannelColumns> channel_at_;
   std::vector<SpectrumColumn> voltage_at_, current_at_;
-  int64_t frequency_ = 0;
 };
 
 }  // namespace quorvex

@@ -12,6 +12,11 @@
 namespace quorvex {
 namespace {
 
+constexpr double kShortest = 0.01;  // seconds: what is over sooner has no class
+
+// Values are recorded as floats, so what they are compared with is the nearest float too.
+float Nearest(double value) { return static_cast<float>(value); }
+
 // Of one phase.
 struct PhaseEvent {
   bool swell;
@@ -22,7 +27,7 @@ struct PhaseEvent {
 
 struct PhaseState {
   std::optional<PhaseEvent> open;
-  int64_t code_before = kNoTime;  // the kind of event that the phase was in when it began
+  int64_t code_before = kNoTime;  // the kind of event that the phase was in when it left the band
 };
 
 Thresholds ThresholdsOf(const RecordingHead& head, double nominal) {
@@ -52,7 +57,7 @@ Thresholds ThresholdsOf(const RecordingHead& head, double nominal) {
       made_for > 0 && std::abs(volts.dip / 100 - 0.9) < std::abs(volts.dip / made_for - 0.9);
   if (volts.from_percent) {
     for (double* value : {&volts.dip, &volts.swell, &volts.interruption}) {
-      *value *= made_for / 100;
+      *value = *value * made_for / 100;
     }
   }
   return volts;
@@ -75,20 +80,22 @@ class Follower {
 
   void Take(const Transition& t) {
     PhaseState& state = phases_[t.phase];
-    const bool low = t.voltage <= thresholds_.dip;
-    const bool high = thresholds_.swell > 0 && t.voltage >= thresholds_.swell;
+    const bool low = Nearest(t.voltage) <= Nearest(thresholds_.dip);
+    const bool high = thresholds_.swell > 0 && Nearest(t.voltage) >= Nearest(thresholds_.swell);
     if (state.open) {
       Worsen(t, &*state.open);
       const bool other_side = state.open->swell ? low : high;
       const bool returned = t.from_code != t.to_code && t.to_code == state.code_before;
       if (!other_side && !returned && (low || high)) return;
-      state.open->to = t.time;
+      // A clock that was set back meanwhile does not say how long it was.
+      if (t.time >= state.open->from) state.open->to = t.time;
       ended_.push_back(*state.open);
       state.open.reset();
       if (!other_side) return;
+    } else {
+      if (!low && !high) return;
+      state.code_before = t.from_code;
     }
-    if (!low && !high) return;
-    state.code_before = t.from_code;
     state.open = PhaseEvent{high, t.time, kNoTime, t.phase, t.voltage};
   }
 
@@ -122,24 +129,34 @@ class Follower {
 // Phases that are out at the same time are one event.
 struct Joined {
   VoltageEvent event;
+  int64_t reach;                    // as far as it is certain to go
   std::map<int64_t, double> worst;  // by phase
 };
 
 std::vector<Joined> Join(const std::vector<PhaseEvent>& phases, bool swells) {
   std::vector<Joined> joined;
+  size_t unfinished = SIZE_MAX;
   for (const PhaseEvent& phase : phases) {
     if (phase.swell != swells) continue;
-    const bool meets = !joined.empty() && joined.back().event.to != kNoTime &&
-                       phase.from <= joined.back().event.to;
-    if (!meets) {
+    // A phase that is still out when the recording ends may also lack the transition by which it
+    // was back, so it only meets what meets its beginning, and what is still out as well.
+    const auto meets = [&](const Joined& before) {
+      return phase.from <= before.reach || (phase.to == kNoTime && before.event.to == kNoTime);
+    };
+    size_t place = joined.size() - 1;
+    if (!joined.empty() && !meets(joined[place])) place = unfinished;
+    if (place >= joined.size() || !meets(joined[place])) {
       const EventKind kind = swells ? EventKind::kSwell : EventKind::kDip;
-      joined.push_back({{kind, phase.from, phase.from, {}, phase.worst, 0}, {}});
+      joined.push_back({{kind, phase.from, phase.from, {}, phase.worst, 0}, phase.from, {}});
+      place = joined.size() - 1;
     }
-    VoltageEvent& event = joined.back().event;
-    event.to = phase.to == kNoTime ? kNoTime : std::max(event.to, phase.to);
+    if (phase.to == kNoTime) unfinished = place;
+    joined[place].reach = std::max({joined[place].reach, phase.from, phase.to});
+    VoltageEvent& event = joined[place].event;
+    event.to = phase.to == kNoTime || event.to == kNoTime ? kNoTime : std::max(event.to, phase.to);
     event.voltage =
         swells ? std::max(event.voltage, phase.worst) : std::min(event.voltage, phase.worst);
-    const auto [entry, is_new] = joined.back().worst.emplace(phase.phase, phase.worst);
+    const auto [entry, is_new] = joined[place].worst.emplace(phase.phase, phase.worst);
     if (!is_new && (swells ? phase.worst > entry->second : phase.worst < entry->second)) {
       entry->second = phase.worst;
     }
@@ -160,8 +177,11 @@ std::string ClassOf(const VoltageEvent& event, const Limits& limits) {
     return event.seconds() <= limits.short_interruption ? "short" : "long";
   }
   const EventClasses& classes = event.kind == EventKind::kDip ? limits.dips : limits.swells;
+  if (event.seconds() < kShortest) return "";
+  // 50.8 V as a float are a little less than 80 % of 63.5 V.
+  const double percent = std::round(event.percent * 1e4) / 1e4;
   for (const EventClasses::Row& row : classes.rows) {
-    if (!(event.percent >= row.from && event.percent < row.to)) continue;
+    if (!(percent >= row.from && percent < row.to)) continue;
     for (size_t c = 0; c < classes.seconds.size(); ++c) {
       if (event.seconds() <= classes.seconds[c]) return row.name + std::to_string(c + 1);
     }
@@ -198,7 +218,7 @@ RecordedEvents EventsOf(const std::string& path, const Limits& limits, double no
         const bool known = phase >= 1 && phase <= static_cast<int64_t>(channels.size());
         event.channels.push_back(known ? channels[static_cast<size_t>(phase - 1)]
                                        : "phase " + std::to_string(phase));
-        all_out = all_out && known && worst < thresholds.interruption;
+        all_out = all_out && known && Nearest(worst) < Nearest(thresholds.interruption);
       }
       if (all_out && !swells) event.kind = EventKind::kInterruption;
       event.percent = 100 * event.voltage / thresholds.nominal;
