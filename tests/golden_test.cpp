@@ -178,8 +178,9 @@ TEST_P(Golden, CutAnywhere) {
   const size_t first = FindRecordType(GetParam().type)->records_at;
   while (!file.empty() && !HasFailure()) {
     const size_t size = file.size();
-    const auto near = [size](size_t place) { return size < place + 24 && size + 8 > place; };
-    file.resize(size - (near(0) || near(first) || near(second) ? 1 : std::min<size_t>(size, 331)));
+    const auto is_near = [size](size_t place) { return size < place + 24 && size + 8 > place; };
+    file.resize(
+        size - (is_near(0) || is_near(first) || is_near(second) ? 1 : std::min<size_t>(size, 331)));
     Converted(file);
     EXPECT_FALSE(HasFailure()) << file.size();
   }

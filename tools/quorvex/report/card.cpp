@@ -75,6 +75,7 @@ CardRecording Look(const std::string& path) {
   entry.interval = settings.interval;
   entry.nominal = static_cast<double>(settings.nominal_voltage);
   entry.frequency = settings.system_frequency;
+  for (int s = 0; s < 2; ++s) entry.signals[s] = static_cast<double>(settings.signal[s].f);
   entry.used_for = UseOf(entry.type());
   if (!entry.recording.has_layout) {
     entry.used_for = "";
@@ -98,6 +99,16 @@ std::vector<Span> FlagsFor(const Card& card, const std::string& serial) {
   return Apart(std::move(flags));
 }
 
+// What must be the same for recordings to continue each other.
+std::string SubjectOf(const CardRecording& entry) {
+  std::string subject = entry.serial + '\n' + entry.layout + '\n' + std::to_string(entry.wiring) +
+                        '\n' + std::to_string(entry.interval);
+  for (const double number : {entry.nominal, entry.frequency, entry.signals[0], entry.signals[1]}) {
+    subject += '\n' + std::to_string(number);
+  }
+  return subject;
+}
+
 void AssessChains(const ReportRequest& request, Card* card) {
   std::vector<Stretch> stretches;
   std::vector<size_t> numbers;
@@ -111,10 +122,7 @@ void AssessChains(const ReportRequest& request, Card* card) {
       entry.left_out = "has no records";
       continue;
     }
-    const std::string subject = entry.serial + '\n' + entry.layout + '\n' +
-                                std::to_string(entry.wiring) + '\n' +
-                                std::to_string(entry.interval);
-    stretches.push_back({subject, entry.time, interval});
+    stretches.push_back({SubjectOf(entry), entry.time, interval});
     numbers.push_back(i);
   }
   for (const std::vector<size_t>& stretch_numbers : Chains(stretches)) {

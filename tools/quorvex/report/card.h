@@ -25,7 +25,7 @@ struct CardRecording {
   std::string left_out;  // why
   uint8_t wiring = 0;    // code
   uint32_t interval = 0;
-  double nominal = 0, frequency = 0;
+  double nominal = 0, frequency = 0, signals[2] = {};
 
   uint32_t type() const { return recording.type != nullptr ? recording.type->type : 0; }
 };

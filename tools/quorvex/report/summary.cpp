@@ -62,6 +62,7 @@ void AddAssessment(const Card& card, const ReportRequest& request, const Sink& t
                   {"channel", row.channel},
                   {"recording", NameOf(card, chain.recordings.front())},
                   {"continued", continued},
+                  {"without_time", chain.assessment.without_time},
                   {"from", TimeOf(week.time.from, request)},
                   {"to", TimeOf(week.time.to, request)},
                   {"limit", row.limit_text},

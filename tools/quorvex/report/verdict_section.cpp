@@ -108,6 +108,10 @@ std::string WeekHtml(const PageData& page, const Judged& judged) {
     }
     if (week.gap_count > week.gaps.size()) state += " and more";
   }
+  if (judged.chain->assessment.without_time > 0) {
+    state += "; of all weeks together " + CountText(judged.chain->assessment.without_time) +
+             " records are left out, as their times cannot be";
+  }
   html += Paragraph(state + ".");
   html += TableOf(week, false);
   html += Paragraph(
