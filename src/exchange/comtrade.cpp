@@ -330,10 +330,10 @@ void AppendComtradeSample(const ComtradeRecord& record, const ComtradeForm& form
         AppendNumber(to, missing ? kMissingText : scaled);
         break;
       case ComtradeData::kBinary:
-        AppendBytes(to, missing ? INT16_MIN : static_cast<int16_t>(scaled));
+        AppendBytes(to, static_cast<int16_t>(missing ? INT16_MIN : scaled));
         break;
       case ComtradeData::kBinary32:
-        AppendBytes(to, missing ? INT32_MIN : static_cast<int32_t>(scaled));
+        AppendBytes(to, static_cast<int32_t>(missing ? INT32_MIN : scaled));
         break;
       case ComtradeData::kFloat32:
         AppendBytes(to, missing ? std::numeric_limits<float>::lowest() : static_cast<float>(value));

@@ -213,6 +213,7 @@ ExitCode Export(const ExportOptions& options) {
   ExportRequest request;
   request.tables = options.tables;
   request.overwrite = options.overwrite;
+  request.quiet = options.quiet;
   Range range;
   if (!options.records.empty()) {
     if (!ParseRange(options.records, &range)) {

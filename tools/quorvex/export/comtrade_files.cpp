@@ -53,18 +53,14 @@ bool Prepare(const std::vector<WaveChannel>& channels, uint64_t number,
   };
   if (!Pass(channels, number, request.read, job, find)) return false;
   record->step = finder.Step();
+  const std::string why = called + " has no believable sampling rate, ";
   const std::string at = std::to_string(record->frequency) + " Hz";
   if (record->step > 0) {
-    job->notes.push_back(called + " says no sampling rate that could be; its zero crossings at " +
-                         at + " come to " + std::to_string(std::llround(1 / record->step)) +
-                         " samples a second");
+    job->notes.push_back(why + "but periods; at " + at + " they make it " +
+                         std::to_string(std::llround(1 / record->step)) + " samples a second");
     return true;
   }
-  if (refused->empty()) {
-    *refused = called +
-               " says no sampling rate that could be, and its samples show no periods of " + at +
-               "; it is not written";
-  }
+  if (refused->empty()) *refused = why + "nor periods of " + at + "; it is not written";
   return false;
 }
 
@@ -109,12 +105,13 @@ void RunJob(const ExportRequest& request, const ComtradeForm& form, unsigned wor
   const std::vector<uint64_t> numbers = WaveNumbers(job->input);
   const std::string stem = job->output, named = job->named;
   std::string refused;
-  uint64_t done = 0;
+  uint64_t done = 0, written = 0;
   ForEachWaveRecord(job->input, request.read, [&](const WaveRecord& wave) {
     ComtradeRecord record = DescribeComtrade(opened.head.settings, channels, wave, request.read);
     if (Prepare(channels, wave.number, request, &record, job, &refused)) {
       job->output = stem + NumberIn(numbers, wave.number);
       job->named = named + NumberIn(numbers, wave.number);
+      ++written;
       WriteRecord(channels, wave.number, record, form, request, worker, placed, job);
     }
     job->fraction = static_cast<float>(++done) / static_cast<float>(numbers.size());
@@ -122,6 +119,8 @@ void RunJob(const ExportRequest& request, const ComtradeForm& form, unsigned wor
   });
   job->output = stem;
   if (job->problem.empty() && !refused.empty()) job->Fail(kNoInput, job->input, refused);
+  if (job->problem.empty() && written == 0) job->Fail(kNoInput, job->input, "has no samples");
+  if (request.quiet || written == 0) job->notes.clear();
 }
 
 }  // namespace
