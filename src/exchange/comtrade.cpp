@@ -50,9 +50,9 @@ void AppendBytes(std::string* to, T value) {
 }
 
 // With zeros in front.
-void AppendDigits(std::string* to, int64_t number, size_t digits) {
+void AppendDigits(std::string* to, int64_t number, size_t digits, const char* behind = "") {
   const std::string text = std::to_string(number);
-  to->append(digits - std::min(digits, text.size()), '0').append(text);
+  to->append(digits - std::min(digits, text.size()), '0').append(text).append(behind);
 }
 
 // Names come from the instrument: whatever could end a field or a line, or needs an encoding, which
@@ -67,31 +67,23 @@ std::string NameField(const char* text, size_t room) {
   return name;
 }
 
-// Zeros stand for a time that is not known.
 void AppendTime(std::string* to, int64_t microseconds) {
-  if (microseconds == kNoTime) {
+  if (microseconds == kNoTime) {  // which zeros stand for
     *to += "00/00/0000,00:00:00.000000\r\n";
     return;
   }
-  const std::chrono::sys_time<std::chrono::microseconds> time{
-      std::chrono::microseconds(microseconds)};
+  using Microseconds = std::chrono::microseconds;
+  const std::chrono::sys_time<Microseconds> time{Microseconds(microseconds)};
   const auto day = std::chrono::floor<std::chrono::days>(time);
   const std::chrono::year_month_day date(day);
   const std::chrono::hh_mm_ss clock(time - day);
-  AppendDigits(to, static_cast<unsigned>(date.day()), 2);
-  *to += '/';
-  AppendDigits(to, static_cast<unsigned>(date.month()), 2);
-  *to += '/';
-  AppendDigits(to, static_cast<int>(date.year()), 4);
-  *to += ',';
-  AppendDigits(to, clock.hours().count(), 2);
-  *to += ':';
-  AppendDigits(to, clock.minutes().count(), 2);
-  *to += ':';
-  AppendDigits(to, clock.seconds().count(), 2);
-  *to += '.';
-  AppendDigits(to, clock.subseconds().count(), 6);
-  *to += kLineEnd;
+  AppendDigits(to, static_cast<unsigned>(date.day()), 2, "/");
+  AppendDigits(to, static_cast<unsigned>(date.month()), 2, "/");
+  AppendDigits(to, static_cast<int>(date.year()), 4, ",");
+  AppendDigits(to, clock.hours().count(), 2, ":");
+  AppendDigits(to, clock.minutes().count(), 2, ":");
+  AppendDigits(to, clock.seconds().count(), 2, ".");
+  AppendDigits(to, clock.subseconds().count(), 6, kLineEnd);
 }
 
 // "+1", "-3h30", "0"
@@ -140,18 +132,14 @@ ComtradeChannel ChannelIn(const UifParams& settings, const WaveChannel& wave) {
   return channel;
 }
 
-void AppendChannel(const ComtradeChannel& channel, const ComtradeScale& scale,
-                   const Storage& storage, std::string* to) {
+void AppendChannel(const ComtradeChannel& channel, const Storage& storage, std::string* to) {
   *to += ',' + channel.name + ',' + channel.phase + ",," + channel.unit + ',';
-  AppendNumber(to, scale.step);
+  AppendNumber(to, channel.step);
   *to += ',';
-  AppendNumber(to, scale.offset);
+  AppendNumber(to, channel.offset);
   // All channels are sampled at once.
   *to += std::string(",0,") + storage.low + ',' + storage.high + ',';
-  AppendNumber(to, channel.primary);
-  *to += ',';
-  AppendNumber(to, channel.secondary);
-  *to += std::string(",P") + kLineEnd;
+  *to += std::to_string(channel.primary) + ',' + std::to_string(channel.secondary) + ",P\r\n";
 }
 
 }  // namespace
@@ -244,23 +232,17 @@ double StepFinder::Step() const {
   return 0;
 }
 
-std::vector<ComtradeScale> ComtradeScales(const ComtradeRecord& record, const ComtradeForm& form) {
+void FindScales(const ComtradeForm& form, ComtradeRecord* record) {
   // Readers calculate in doubles, so a step much below their own is of no use.
   constexpr double kFinestStep = 0x1p-48;
   const auto limit = static_cast<double>(StorageOf(form).limit);
-  std::vector<ComtradeScale> scales;
-  for (const ComtradeChannel& channel : record.channels) {
-    ComtradeScale scale;
-    if (limit > 0 && channel.values > 0) {
-      scale.offset = channel.low + (channel.high - channel.low) / 2;
-      scale.step =
-          std::max((channel.high - channel.low) / 2 / limit, std::abs(scale.offset) * kFinestStep);
-      // Where all are the same, the offset says it all.
-      if (channel.low == channel.high) scale.step = 1;
-    }
-    scales.push_back(scale);
+  for (ComtradeChannel& channel : record->channels) {
+    if (limit == 0 || channel.values == 0) continue;
+    const double half = (channel.high - channel.low) / 2;
+    channel.offset = channel.low + half;
+    // Where all samples are the same, the offset says it all.
+    if (half > 0) channel.step = std::max(half / limit, std::abs(channel.offset) * kFinestStep);
   }
-  return scales;
 }
 
 std::string ComtradeConfiguration(const ComtradeRecord& record, const ComtradeForm& form) {
@@ -270,13 +252,11 @@ std::string ComtradeConfiguration(const ComtradeRecord& record, const ComtradeFo
   text +=
       record.station + ',' + record.device + (form.revision_2013 ? ",2013" : ",1999") + kLineEnd;
   text += channels + ',' + channels + "A,0D" + kLineEnd;
-  const std::vector<ComtradeScale> scales = ComtradeScales(record, form);
   for (size_t c = 0; c < record.channels.size(); ++c) {
     text += std::to_string(c + 1);
-    AppendChannel(record.channels[c], scales[c], storage, &text);
+    AppendChannel(record.channels[c], storage, &text);
   }
-  text += std::to_string(record.frequency) + kLineEnd;
-  text += std::string("1") + kLineEnd;
+  text += std::to_string(record.frequency) + "\r\n1\r\n";  // one rate
   // Without the last digits, so that 1 / 0.0003 is not 3333.3333333333335.
   AppendNumber(&text, 1 / record.step, std::chars_format::general, 10);
   text += ',' + std::to_string(record.samples) + kLineEnd;
@@ -301,8 +281,7 @@ std::string ComtradeConfiguration(const ComtradeRecord& record, const ComtradeFo
   return text + " ---" + kLineEnd;
 }
 
-void AppendComtradeSample(const ComtradeRecord& record, const ComtradeForm& form,
-                          const std::vector<ComtradeScale>& scales, uint64_t number,
+void AppendComtradeSample(const ComtradeRecord& record, const ComtradeForm& form, uint64_t number,
                           const TableRows& sample, std::string* to) {
   const bool text = form.data == ComtradeData::kAscii;
   const auto limit = static_cast<double>(StorageOf(form).limit);
@@ -321,7 +300,7 @@ void AppendComtradeSample(const ComtradeRecord& record, const ComtradeForm& form
     const bool missing = !std::isfinite(value);
     int64_t scaled = 0;
     if (!missing && limit > 0) {
-      const double exact = (value - scales[c].offset) / scales[c].step;
+      const double exact = (value - record.channels[c].offset) / record.channels[c].step;
       scaled = std::llround(std::clamp(exact, -limit, limit));
     }
     switch (form.data) {

@@ -25,11 +25,7 @@ struct ComtradeChannel {
   // Of the samples that have a value.
   uint64_t values = 0;
   double low = 0, high = 0, sum_of_sizes = 0;
-};
-
-// A sample is `number * step + offset`.
-struct ComtradeScale {
-  double step = 1, offset = 0;
+  double step = 1, offset = 0;  // a sample is `number * step + offset`
 };
 
 struct ComtradeRecord {
@@ -71,14 +67,13 @@ class StepFinder {
 };
 
 // With the ranges of the first pass.
-std::vector<ComtradeScale> ComtradeScales(const ComtradeRecord& record, const ComtradeForm& form);
+void FindScales(const ComtradeForm& form, ComtradeRecord* record);
 
 // What stands in front of the samples: the configuration; of one file its first sections.
 std::string ComtradeConfiguration(const ComtradeRecord& record, const ComtradeForm& form);
 
 // A step of the last pass; samples are numbered from 1.
-void AppendComtradeSample(const ComtradeRecord& record, const ComtradeForm& form,
-                          const std::vector<ComtradeScale>& scales, uint64_t number,
+void AppendComtradeSample(const ComtradeRecord& record, const ComtradeForm& form, uint64_t number,
                           const TableRows& sample, std::string* to);
 
 }  // namespace quorvex

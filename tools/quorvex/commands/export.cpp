@@ -6,7 +6,7 @@
 #include "export/comtrade_files.h"
 #include "export/csv_files.h"
 #include "export/database.h"
-#include "export/file_places.h"
+#include "export/output_files.h"
 #include "shared/gather.h"
 #include "shared/help.h"
 #include "shared/messages.h"

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <memory>
 
-#include "export/output_file.h"
+#include "export/output_files.h"
 #include "shared/gather.h"
 
 namespace quorvex::tool {
@@ -35,10 +35,7 @@ bool Pass(const std::vector<WaveChannel>& channels, uint64_t record, const ReadO
 // reason in `refused` or the job.
 bool Prepare(const std::vector<WaveChannel>& channels, uint64_t number,
              const ExportRequest& request, ComtradeRecord* record, Job* job, std::string* refused) {
-  const auto measure = [&](const TableRows& sample) {
-    TakeRange(sample, record);
-    return true;
-  };
+  const auto measure = [&](const TableRows& sample) { return TakeRange(sample, record), true; };
   if (!Pass(channels, number, request.read, job, measure)) return false;
   const std::string called = "record " + std::to_string(number);
   if (record->samples == 0) {
@@ -47,10 +44,7 @@ bool Prepare(const std::vector<WaveChannel>& channels, uint64_t number,
   }
   if (record->step > 0) return true;
   StepFinder finder(*record);
-  const auto find = [&](const TableRows& sample) {
-    finder.Take(sample);
-    return true;
-  };
+  const auto find = [&](const TableRows& sample) { return finder.Take(sample), true; };
   if (!Pass(channels, number, request.read, job, find)) return false;
   record->step = finder.Step();
   const std::string why = called + " has no believable sampling rate, ";
@@ -68,7 +62,6 @@ void WriteRecord(const std::vector<WaveChannel>& channels, uint64_t number,
                  const ComtradeRecord& record, const ComtradeForm& form,
                  const ExportRequest& request, unsigned worker, Placed* placed, Job* job) {
   const std::string stem = job->output, named = job->named;
-  const std::vector<ComtradeScale> scales = ComtradeScales(record, form);
   const auto write = [&](const char* ending, const std::function<bool(Writer*)>& content) {
     job->output = stem + ending;
     job->named = named + ending;
@@ -81,7 +74,7 @@ void WriteRecord(const std::vector<WaveChannel>& channels, uint64_t number,
   const auto samples = [&](Writer* writer) {
     uint64_t sample = 0;
     const auto append = [&](const TableRows& row) {
-      AppendComtradeSample(record, form, scales, ++sample, row, writer->text());
+      AppendComtradeSample(record, form, ++sample, row, writer->text());
       return writer->WriteWhereFull();
     };
     if (!Pass(channels, number, request.read, job, append)) return false;
@@ -111,6 +104,7 @@ void RunJob(const ExportRequest& request, const ComtradeForm& form, unsigned wor
     if (Prepare(channels, wave.number, request, &record, job, &refused)) {
       job->output = stem + NumberIn(numbers, wave.number);
       job->named = named + NumberIn(numbers, wave.number);
+      FindScales(form, &record);
       ++written;
       WriteRecord(channels, wave.number, record, form, request, worker, placed, job);
     }

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "export/output_file.h"
+#include "export/output_files.h"
 #include "shared/gather.h"
 #include "shared/text_file.h"
 #include "tables/csv.h"

@@ -1,4 +1,4 @@
-// The folder that files of recordings are exported into, and their names there.
+// Files that exports write into a folder: their places, and how they get there.
 #pragma once
 
 #include <functional>
@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "shared/output_places.h"
+#include "support/file.h"
 
 namespace quorvex::tool {
 
@@ -34,5 +35,30 @@ class FilePlaces {
   OutputPlaces places_;
   std::map<std::string, std::string> stems_;
 };
+
+// Gathers text, and hands it on in large pieces.
+class Writer {
+ public:
+  explicit Writer(FileHandle* file) : file_(file) { text_.reserve(2 * kPiece); }
+
+  std::string* text() { return &text_; }
+  // False where writing was given up; the job says why.
+  bool WriteWhereFull() { return text_.size() < kPiece || Write(); }
+  bool Write();
+
+ private:
+  static constexpr size_t kPiece = 1 << 18;
+
+  FileHandle* file_;  // null: standard output
+  std::string text_;
+};
+
+// The job's problem where writing was given up, unless it has one already.
+void FailWriting(Job* job);
+
+// Writes the job's output through `write`, which returns false where it gave up. It gets its name
+// when it is complete. `what` it is, in words.
+void WriteOutput(const char* what, bool overwrite, unsigned worker, Placed* placed, Job* job,
+                 const std::function<bool(Writer*)>& write);
 
 }  // namespace quorvex::tool
