@@ -195,8 +195,11 @@ void StepFinder::Take(const TableRows& sample) {
     Crossings& channel = channels_[c];
     const double value = sample.Number(c), before = channel.before;
     channel.before = value;
-    // From a gap on it begins anew: comparisons with NaN are false.
-    if (!std::isfinite(value)) channel.below = false, channel.last = -1;
+    if (!std::isfinite(value)) {  // from a gap on it begins anew
+      channel.below = false;
+      channel.last = -1;
+      continue;
+    }
     if (channel.below && before < 0 && value >= 0) {
       channel.at = place - value / (value - before);
     }

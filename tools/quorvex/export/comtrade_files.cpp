@@ -35,7 +35,10 @@ bool Pass(const std::vector<WaveChannel>& channels, uint64_t record, const ReadO
 // reason in `refused` or the job.
 bool Prepare(const std::vector<WaveChannel>& channels, uint64_t number,
              const ExportRequest& request, ComtradeRecord* record, Job* job, std::string* refused) {
-  const auto measure = [&](const TableRows& sample) { return TakeRange(sample, record), true; };
+  const auto measure = [&](const TableRows& sample) {
+    TakeRange(sample, record);
+    return true;
+  };
   if (!Pass(channels, number, request.read, job, measure)) return false;
   const std::string called = "record " + std::to_string(number);
   if (record->samples == 0) {
@@ -44,7 +47,10 @@ bool Prepare(const std::vector<WaveChannel>& channels, uint64_t number,
   }
   if (record->step > 0) return true;
   StepFinder finder(*record);
-  const auto find = [&](const TableRows& sample) { return finder.Take(sample), true; };
+  const auto find = [&](const TableRows& sample) {
+    finder.Take(sample);
+    return true;
+  };
   if (!Pass(channels, number, request.read, job, find)) return false;
   record->step = finder.Step();
   const std::string why = called + " has no believable sampling rate, ";
