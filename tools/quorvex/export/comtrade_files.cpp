@@ -4,7 +4,6 @@
 #include <memory>
 
 #include "export/output_files.h"
-#include "shared/gather.h"
 
 namespace quorvex::tool {
 namespace {
