@@ -236,15 +236,13 @@ double StepFinder::Step() const {
 }
 
 void FindScales(const ComtradeForm& form, ComtradeRecord* record) {
-  // Readers calculate in doubles, so a step much below their own is of no use.
-  constexpr double kFinestStep = 0x1p-48;
   const auto limit = static_cast<double>(StorageOf(form).limit);
   for (ComtradeChannel& channel : record->channels) {
     if (limit == 0 || channel.values == 0) continue;
     const double half = (channel.high - channel.low) / 2;
     channel.offset = channel.low + half;
     // Where all samples are the same, the offset says it all.
-    if (half > 0) channel.step = std::max(half / limit, std::abs(channel.offset) * kFinestStep);
+    if (half > 0) channel.step = half / limit;
   }
 }
 
