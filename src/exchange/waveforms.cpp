@@ -29,6 +29,12 @@ constexpr Wired kWired[] = {
     {kInverter, {"iinv", ""}},
 };
 
+int64_t Shifted(const DateTimeRecord& time, const ReadOptions& options) {
+  const int64_t at = MicrosecondsOf(time);
+  if (at == kNoTime || !options.utc_offset) return at;
+  return at - int64_t{*options.utc_offset} * 60 * 1000000;
+}
+
 }  // namespace
 
 std::vector<WaveChannel> WaveChannels(const std::string& path) {
@@ -53,24 +59,33 @@ std::vector<WaveChannel> WaveChannels(const std::string& path) {
   return channels;
 }
 
+std::vector<uint64_t> WaveNumbers(const std::string& path) {
+  std::vector<uint64_t> numbers;
+  if (WaveChannels(path).empty()) return numbers;
+  TableRows records(path, "records", {"record"}, {});
+  while (records.Next()) numbers.push_back(static_cast<uint64_t>(records.Integer(0)));
+  return numbers;
+}
+
 void ForEachWaveRecord(const std::string& path, const ReadOptions& options,
                        const std::function<bool(const WaveRecord&)>& take) {
+  const std::vector<WaveChannel> channels = WaveChannels(path);
+  if (channels.empty()) return;
   TableRows records(path, "records", {"record", "timeStart", "TIME_START"}, options);
   while (records.Next()) {
     WaveRecord record = {static_cast<uint64_t>(records.Integer(0)), records.Integer(1)};
     if (record.start == kNoTime) record.start = records.Integer(2);
     ReadOptions one = options;
     one.first = one.last = record.number;
-    // The second sample's time is the step, where that is believable.
-    TableRows samples(path, kSamples, {"time"}, one);
+    // The second sample's time is the step, where that is believable. It has one only beside a
+    // value.
+    TableRows samples(path, kSamples, {"time", channels.front().column}, one);
     if (samples.Next() && samples.Next() && samples.Number(0) > 0) record.step = samples.Number(0);
-    // A capture has its time in the settings.
+    // A capture has its times in the settings, as it has its step.
     const UifParams& settings = records.head().settings;
-    if (records.head().type->once && record.start == kNoTime) {
-      record.start = MicrosecondsOf(settings.transients.start_time);
-      if (record.start != kNoTime && options.utc_offset) {
-        record.start -= int64_t{*options.utc_offset} * 60 * 1000000;
-      }
+    if (records.head().type->step_at >= 0) {
+      record.start = Shifted(settings.transients.start_time, options);
+      record.trigger = Shifted(settings.transients.trig_time, options);
     }
     if (!take(record)) return;
   }

@@ -24,9 +24,12 @@ std::vector<WaveChannel> WaveChannels(const std::string& path);
 
 struct WaveRecord {
   uint64_t number = 0;
-  int64_t start = kNoTime;
+  int64_t start = kNoTime, trigger = kNoTime;
   double step = 0;  // seconds; 0 where no believable one is recorded
 };
+
+// The numbers of the records that the recording has, read without their samples.
+std::vector<uint64_t> WaveNumbers(const std::string& path);
 
 // Every record of the recording, in order, told one by one until `take` returns false.
 void ForEachWaveRecord(const std::string& path, const ReadOptions& options,

@@ -1,11 +1,12 @@
 // quorvex export writes recordings as tables.
 #include <algorithm>
-#include <cctype>
 #include <set>
 
 #include "commands/commands.h"
+#include "export/comtrade_files.h"
 #include "export/csv_files.h"
 #include "export/database.h"
+#include "export/output_files.h"
 #include "shared/gather.h"
 #include "shared/help.h"
 #include "shared/messages.h"
@@ -18,16 +19,10 @@ namespace {
 struct ExportOptions {
   std::vector<std::string> inputs, tables;
   std::string output, format, records, utc_offset;
+  ComtradeAsked comtrade;
   unsigned jobs = 0;
   bool list = false, overwrite = false, quiet = false;
 };
-
-std::string StemOf(const std::string& recording) {
-  if (IsSpooled(recording)) return "recording";
-  const std::string name = NameOnly(recording);
-  const size_t dot = name.rfind('.');
-  return dot == std::string::npos || dot == 0 ? name : name.substr(0, dot);
-}
 
 // Looks at a recording before anything is written.
 bool Look(const ExportRequest& request, Job* job) {
@@ -70,42 +65,6 @@ ExitCode List(const std::vector<std::string>& recordings, const ExportRequest& r
   return code;
 }
 
-// Takes the places of all of a recording's files, or fails it.
-class CsvPlaces {
- public:
-  explicit CsvPlaces(const ExportOptions& options) : places_("table", options.overwrite) {}
-
-  void Take(const std::string& folder, const ExportRequest& request, Job* job) {
-    const std::string stem = Inside(folder, StemOf(job->input));
-    // Folders travel: names that differ by case only would be one elsewhere.
-    std::string key = NameOnly(stem);
-    std::transform(key.begin(), key.end(), key.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    const auto [entry, is_new] = stems_.emplace(key, job->input);
-    if (!is_new) {
-      return job->Fail(kNoOutput, job->input,
-                       "its tables would be those of " + entry->second + " already");
-    }
-    const Opened opened(job->input);
-    for (const Table* table : opened.Wanted(request).value_or(std::vector<const Table*>())) {
-      job->output = job->named = CsvName(stem, *table);
-      if (job->named.size() > kMaxPath) {
-        job->Fail(kNoOutput, job->named, "the path is longer than 511 bytes");
-      } else if (IsFolder(job->named)) {
-        job->Fail(kNoOutput, job->named, "is a folder");
-      } else {
-        places_.Take(job);
-      }
-      if (!job->problem.empty()) return;
-    }
-    job->output = job->named = stem;
-  }
-
- private:
-  OutputPlaces places_;
-  std::map<std::string, std::string> stems_;
-};
-
 void TellSummary(const std::deque<Job>& jobs, const std::string& where) {
   const auto written =
       std::count_if(jobs.begin(), jobs.end(), [](const Job& job) { return job.problem.empty(); });
@@ -114,12 +73,15 @@ void TellSummary(const std::deque<Job>& jobs, const std::string& where) {
       where);
 }
 
-ExitCode Run(std::deque<Job>* jobs, const ExportOptions& options, const Work& work,
-             unsigned workers, Progress* progress) {
+// `what` the outputs are, in the plural.
+ExitCode Run(std::deque<Job>* jobs, const ExportOptions& options, const char* what,
+             const Work& work, unsigned workers, Progress* progress) {
   const bool finished = RunJobs(jobs, work, workers, progress);
-  TellExisting(*jobs, "tables");
+  TellExisting(*jobs, what);
   if (!finished) Say("cancelled");
-  if (jobs->size() > 1 && !options.quiet) TellSummary(*jobs, "tables in " + options.output);
+  if (jobs->size() > 1 && !options.quiet) {
+    TellSummary(*jobs, std::string(what) + " in " + options.output);
+  }
   InterruptsAreDone();
   if (!finished) return kCancelled;
   const auto failed =
@@ -130,10 +92,7 @@ ExitCode Run(std::deque<Job>* jobs, const ExportOptions& options, const Work& wo
 ExitCode ToFolder(const ExportOptions& options, const ExportRequest& request, std::deque<Job>* jobs,
                   Progress* progress) {
   const std::string& folder = options.output;
-  if (Exists(folder) && !IsFolder(folder)) {
-    Complain(folder, "is no folder; CSV files need one");
-    return kUsage;
-  }
+  if (!TakesFiles(folder, "CSV")) return kUsage;
   const std::string columns_path = Inside(folder, "columns.csv");
   if (const std::string problem = ColumnsProblem(folder); !problem.empty()) {
     Complain(columns_path, problem);
@@ -142,16 +101,22 @@ ExitCode ToFolder(const ExportOptions& options, const ExportRequest& request, st
   // Where nothing can be read no folder is made.
   bool any = false;
   for (Job& job : *jobs) any = Look(request, &job) || any;
-  if (any && !IsFolder(folder) && !CreateFolder(folder)) {
-    Complain(folder, "cannot be created: " + SystemError());
-    return kNoOutput;
-  }
-  CsvPlaces places(options);
+  if (any && !MakeFolder(folder)) return kNoOutput;
+  FilePlaces places("table", options.overwrite);
   for (Job& job : *jobs) {
-    if (job.problem.empty()) places.Take(folder, request, &job);
+    if (!job.problem.empty()) continue;
+    const auto names_of = [&](const std::string& stem) {
+      std::vector<std::string> names;
+      const Opened opened(job.input);
+      for (const Table* table : opened.Wanted(request).value_or(std::vector<const Table*>())) {
+        names.push_back(CsvName(stem, *table));
+      }
+      return names;
+    };
+    places.Take(folder, names_of, &job);
   }
   const auto columns = std::make_shared<ColumnLines>();
-  ExitCode code = Run(jobs, options, WritingCsv(request, columns),
+  ExitCode code = Run(jobs, options, "tables", WritingCsv(request, columns),
                       WorkersFor(options.jobs, jobs->size()), progress);
   if (columns->lines.empty()) return code;
   if (const std::string problem = WriteColumns(folder, columns->lines); !problem.empty()) {
@@ -171,7 +136,7 @@ ExitCode ToOutput(const ExportOptions& options, const ExportRequest& request, st
   job.named = "standard output";
   Look(request, &job);
   const auto columns = std::make_shared<ColumnLines>();
-  return Run(jobs, options, WritingCsv(request, columns), 1, progress);
+  return Run(jobs, options, "tables", WritingCsv(request, columns), 1, progress);
 }
 
 ExitCode ToDatabase(const ExportOptions& options, const ExportRequest& request,
@@ -193,7 +158,44 @@ ExitCode ToDatabase(const ExportOptions& options, const ExportRequest& request,
     Complain(options.output, problem);
     return kNoOutput;
   }
-  return Run(jobs, options, work, 1, progress);
+  return Run(jobs, options, "tables", work, 1, progress);
+}
+
+// A card has recordings without waveforms too. They are told, and are a failure only where that
+// leaves nothing to write.
+ExitCode ToComtrade(const ExportOptions& options, const ExportRequest& request,
+                    std::deque<Job>* jobs, Progress* progress) {
+  ComtradeForm form;
+  if (const std::string problem = FormOf(options.comtrade, &form); !problem.empty()) {
+    Say(problem);
+    return kUsage;
+  }
+  if (options.output == "-") {
+    Complain("-o -", "COMTRADE files need a folder");
+    return kUsage;
+  }
+  if (!TakesFiles(options.output, "COMTRADE")) return kUsage;
+  std::deque<std::vector<std::string>> endings;
+  bool any = false;
+  for (Job& job : *jobs) {
+    endings.emplace_back();
+    if (!Look(request, &job)) continue;
+    endings.back() = ComtradeEndings(job.input, request.read, form);
+    if (endings.back().empty()) job.Fail(kDone, job.input, "has no waveforms");
+    any = any || !endings.back().empty();
+  }
+  if (any && !MakeFolder(options.output)) return kNoOutput;
+  FilePlaces places("file", options.overwrite);
+  for (size_t i = 0; i < jobs->size(); ++i) {
+    const auto names_of = [&](const std::string& stem) {
+      for (std::string& ending : endings[i]) ending.insert(0, stem);
+      return endings[i];
+    };
+    if ((*jobs)[i].problem.empty()) places.Take(options.output, names_of, &(*jobs)[i]);
+  }
+  const ExitCode code = Run(jobs, options, "files", WritingComtrade(request, form),
+                            WorkersFor(options.jobs, jobs->size()), progress);
+  return code == kDone && !any ? kUnknownType : code;
 }
 
 // What is to be written is said, or follows from the output's name.
@@ -211,6 +213,7 @@ ExitCode Export(const ExportOptions& options) {
   ExportRequest request;
   request.tables = options.tables;
   request.overwrite = options.overwrite;
+  request.quiet = options.quiet;
   Range range;
   if (!options.records.empty()) {
     if (!ParseRange(options.records, &range)) {
@@ -226,6 +229,16 @@ ExitCode Export(const ExportOptions& options) {
     Say("no Arrow files are written; the library QuorvexTables and the Python package hand out "
         "Arrow "
         "streams, which other programs make files of");
+    return kUsage;
+  }
+  const bool comtrade = format == "comtrade";
+  const ComtradeAsked& asked = options.comtrade;
+  if (comtrade && (options.list || !options.tables.empty())) {
+    Say("--format comtrade writes waveforms, not tables: --list and --table do not go with it");
+    return kUsage;
+  }
+  if (!comtrade && (!asked.revision.empty() || !asked.data.empty() || asked.one_file)) {
+    Say("--comtrade, --data and --cff go with --format comtrade");
     return kUsage;
   }
   if (options.output.empty() && !options.list) {
@@ -244,7 +257,9 @@ ExitCode Export(const ExportOptions& options) {
   std::deque<Job> jobs;
   for (const std::string& recording : recordings) jobs.emplace_back().input = recording;
   ExitCode code = kDone;
-  if (format == "sqlite") {
+  if (comtrade) {
+    code = ToComtrade(options, request, &jobs, &progress);
+  } else if (format == "sqlite") {
     code = ToDatabase(options, request, &jobs, &progress);
   } else if (options.output == "-") {
     code = ToOutput(options, request, &jobs, &progress);
@@ -258,15 +273,18 @@ ExitCode Export(const ExportOptions& options) {
 
 Command AddExport(CLI::App& app) {
   const auto options = std::make_shared<ExportOptions>();
-  CLI::App* line = app.add_subcommand("export", "Write recordings as tables: CSV, SQLite");
+  CLI::App* line = app.add_subcommand(
+      "export", "Write recordings as tables: CSV, SQLite; waveforms as COMTRADE");
   TakePaths(line, &options->inputs);
   line->add_option(
           "-o,--output", options->output,
           "A folder for CSV files, one a table; a database, which ends in .sqlite or .db; - "
           "is standard output, for one table of one recording")
       ->option_text("PATH");
-  line->add_option("--format", options->format, "csv or sqlite, whatever the output is called")
-      ->check(CLI::IsMember({"csv", "sqlite", "arrow"}))
+  line->add_option("--format", options->format,
+                   "csv or sqlite, whatever the output is called; comtrade: waveforms as COMTRADE, "
+                   "into a folder")
+      ->check(CLI::IsMember({"csv", "sqlite", "arrow", "comtrade"}))
       ->option_text("FORMAT");
   line->add_option(
           "--table", options->tables,
@@ -281,6 +299,17 @@ Command AddExport(CLI::App& app) {
                    "What the instrument's clock is ahead of UTC: +01:00. Times are shifted to UTC "
                    "then, and end in Z; otherwise they are the clock's, and say nothing of a zone")
       ->option_text("±HH:MM");
+  line->add_option("--comtrade", options->comtrade.revision,
+                   "Revision of COMTRADE, 1999 by default")
+      ->check(CLI::IsMember({"1999", "2013"}))
+      ->option_text("YEAR");
+  line->add_option("--data", options->comtrade.data,
+                   "How COMTRADE has samples: binary (16 bits, the default), ascii; with the "
+                   "revision of 2013 also binary32, float32")
+      ->check(CLI::IsMember({"ascii", "binary", "binary32", "float32"}))
+      ->option_text("TYPE");
+  line->add_flag("--cff", options->comtrade.one_file,
+                 "COMTRADE as one .cff file, as the revision of 2013 has it");
   line->add_flag("--list", options->list,
                  "Say as CSV which tables and columns there are, with units and meanings");
   line->add_flag(
@@ -297,6 +326,7 @@ Command AddExport(CLI::App& app) {
   line->footer(
       Footer({"quorvex export card -o tables/", "quorvex export card -o card.sqlite",
               "quorvex export R0001GEN.REC --table records -o - | mlr --icsv --opprint head",
+              "quorvex export R0005WAV.REC --format comtrade -o waves/",
               "quorvex export R0001GEN.REC --list"},
              {kDone, kUsage, kNoInput, kUnknownType, kCutShort, kNoOutput, kCancelled}));
   return {line, [options] { return Export(*options); }};

@@ -1,45 +1,15 @@
 #include "export/csv_files.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
-#include <utility>
 
+#include "export/output_files.h"
 #include "shared/gather.h"
-#include "shared/messages.h"
 #include "shared/text_file.h"
-#include "support/file.h"
 #include "tables/csv.h"
 
 namespace quorvex::tool {
 namespace {
-
-constexpr size_t kPiece = 1 << 18;
-
-// Gathers text, and hands it on in large pieces.
-class Writer {
- public:
-  explicit Writer(FileHandle* file) : file_(file) { text_.reserve(2 * kPiece); }
-
-  std::string* text() { return &text_; }
-  // False where writing was given up; the job says why.
-  bool WriteWhereFull() { return text_.size() < kPiece || Write(); }
-  bool Write() {
-    bool written = false;
-    if (file_ == nullptr) {
-      written = Print(text_);
-    } else {
-      const auto size = static_cast<uint32_t>(text_.size());
-      written = WriteAll(file_, text_.data(), size, GoOn) == size;
-    }
-    text_.clear();
-    return written;
-  }
-
- private:
-  FileHandle* file_;  // null: standard output
-  std::string text_;
-};
 
 bool WriteTable(Opened* opened, const Table& table, const ReadOptions& options, Writer* to,
                 Job* job) {
@@ -53,28 +23,6 @@ bool WriteTable(Opened* opened, const Table& table, const ReadOptions& options, 
     return to->WriteWhereFull();
   });
   return read && to->Write();
-}
-
-void FailWriting(Job* job) {
-  if (!job->problem.empty()) return;
-  if (Interrupted()) return job->Fail(kCancelled, job->input, "cancelled");
-  job->Fail(
-      kNoOutput, job->named,
-      "cannot be written" + (job->write_error != 0 ? ": " + TextOfError(job->write_error) : ""));
-}
-
-void WriteFile(Opened* opened, const Table& table, const ExportRequest& request, unsigned worker,
-               Placed* placed, Job* job) {
-  Scratch scratch(worker);
-  if (!scratch.Create(FolderOf(job->output))) {
-    return job->Fail(kNoOutput, job->named, "cannot be written: " + LastError());
-  }
-  FileHandle* file = OpenFile(scratch.path().c_str(), kOpenCreate);
-  if (file == nullptr) return job->Fail(kNoOutput, job->named, "cannot be written: " + LastError());
-  Writer writer(file);
-  const bool written = WriteTable(opened, table, request.read, &writer, job);
-  if (!CloseFile(file) || !written) return FailWriting(job);
-  placed->Put(&scratch, request.overwrite, "table", job);
 }
 
 void RunJob(const ExportRequest& request, unsigned worker, Placed* placed, ColumnLines* columns,
@@ -95,7 +43,9 @@ void RunJob(const ExportRequest& request, unsigned worker, Placed* placed, Colum
   for (size_t i = 0; i < wanted->size() && job->problem.empty(); ++i) {
     job->output = CsvName(stem, *(*wanted)[i]);
     job->named = CsvName(named, *(*wanted)[i]);
-    WriteFile(&opened, *(*wanted)[i], request, worker, placed, job);
+    WriteOutput("table", request.overwrite, worker, placed, job, [&](Writer* writer) {
+      return WriteTable(&opened, *(*wanted)[i], request.read, writer, job);
+    });
     job->fraction = static_cast<float>(i + 1) / static_cast<float>(wanted->size());
   }
   job->output = stem;

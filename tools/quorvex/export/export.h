@@ -14,7 +14,7 @@ namespace quorvex::tool {
 struct ExportRequest {
   std::vector<std::string> tables;  // empty: all
   ReadOptions read;
-  bool overwrite = false;
+  bool overwrite = false, quiet = false;
 };
 
 // A recording that is open for its tables. Where `problem` is not empty it is not.

@@ -6,7 +6,6 @@
 #include <condition_variable>
 #include <cstdio>
 #include <thread>
-#include <vector>
 
 #include "shared/messages.h"
 
@@ -36,7 +35,8 @@ void Tell(const Job& job, Progress* progress) {
   const std::vector<std::string> lines = LinesOf(job.findings, Severity::kWarning);
   const bool interrupted = job.code == kCancelled && Interrupted();
   const bool problem = !job.problem.empty() && !interrupted && !job.exists;
-  if (problem || !lines.empty()) progress->Clear();
+  if (problem || !lines.empty() || !job.notes.empty()) progress->Clear();
+  for (const std::string& note : job.notes) Complain(job.input, note);
   for (const std::string& line : lines) Complain(job.input, line);
   if (problem) Complain(job.culprit, job.problem);
 }

@@ -8,6 +8,7 @@
 #include <mutex>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "findings/findings.h"
 #include "shared/inspection.h"
@@ -28,9 +29,10 @@ struct Job {
   Recording recording;
   Range range;
   ExitCode code = kDone;
-  std::string culprit;  // the file that a problem is about
-  std::string problem;  // empty where there is none
-  bool exists = false;  // the problem is that the document is there already
+  std::string culprit;             // the file that a problem is about
+  std::string problem;             // empty where there is none
+  bool exists = false;             // the problem is that the document is there already
+  std::vector<std::string> notes;  // what is to be known of what was made
   Findings findings;
   std::atomic<float> fraction{0};
   std::atomic<bool> waiting{false};  // for room on its disk
