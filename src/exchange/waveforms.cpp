@@ -69,17 +69,15 @@ std::vector<uint64_t> WaveNumbers(const std::string& path) {
 
 void ForEachWaveRecord(const std::string& path, const ReadOptions& options,
                        const std::function<bool(const WaveRecord&)>& take) {
-  const std::vector<WaveChannel> channels = WaveChannels(path);
-  if (channels.empty()) return;
+  if (WaveChannels(path).empty()) return;
   TableRows records(path, "records", {"record", "timeStart", "TIME_START"}, options);
   while (records.Next()) {
     WaveRecord record = {static_cast<uint64_t>(records.Integer(0)), records.Integer(1)};
     if (record.start == kNoTime) record.start = records.Integer(2);
     ReadOptions one = options;
     one.first = one.last = record.number;
-    // The second sample's time is the step, where that is believable. It has one only beside a
-    // value.
-    TableRows samples(path, kSamples, {"time", channels.front().column}, one);
+    // The second sample's time is the step, where that is believable.
+    TableRows samples(path, kSamples, {"time"}, one);
     if (samples.Next() && samples.Next() && samples.Number(0) > 0) record.step = samples.Number(0);
     // A capture has its times in the settings, as it has its step.
     const UifParams& settings = records.head().settings;
