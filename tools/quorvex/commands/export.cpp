@@ -6,6 +6,7 @@
 #include "commands/commands.h"
 #include "export/csv_files.h"
 #include "export/database.h"
+#include "export/pqdif_file.h"
 #include "shared/gather.h"
 #include "shared/help.h"
 #include "shared/messages.h"
@@ -20,6 +21,8 @@ struct ExportOptions {
   std::string output, format, records, utc_offset;
   unsigned jobs = 0;
   bool list = false, overwrite = false, quiet = false;
+  bool plain = false;
+  uint64_t largest = pqdif::kLargestFile;  // of PQDIF files
 };
 
 std::string StemOf(const std::string& recording) {
@@ -196,6 +199,21 @@ ExitCode ToDatabase(const ExportOptions& options, const ExportRequest& request,
   return Run(jobs, options, work, 1, progress);
 }
 
+// A card in one file: there is no part of it to be chosen.
+ExitCode ToPqdif(const ExportOptions& options, const ExportRequest& request,
+                 const std::vector<std::string>& recordings, Progress* progress) {
+  return ExportPqdif({options.output, request.read, options.plain, options.overwrite, options.quiet,
+                      options.largest},
+                     recordings, progress);
+}
+
+const char* PqdifProblem(const ExportOptions& options) {
+  if (options.list || !options.tables.empty()) return "--list and --table are for tables";
+  if (!options.records.empty()) return "--records is for tables; PQDIF takes whole recordings";
+  if (options.output == "-") return "PQDIF files do not go to standard output";
+  return nullptr;
+}
+
 // What is to be written is said, or follows from the output's name.
 std::string FormatOf(const ExportOptions& options) {
   if (!options.format.empty()) return options.format;
@@ -203,6 +221,7 @@ std::string FormatOf(const ExportOptions& options) {
     return options.output.size() > end.size() &&
            options.output.compare(options.output.size() - end.size(), end.size(), end) == 0;
   };
+  if (ends(".pqd")) return "pqdif";
   if (ends(".arrow") || ends(".arrows")) return "arrow";
   return ends(".sqlite") || ends(".db") ? "sqlite" : "csv";
 }
@@ -228,6 +247,12 @@ ExitCode Export(const ExportOptions& options) {
         "streams, which other programs make files of");
     return kUsage;
   }
+  const char* problem = format == "pqdif" ? PqdifProblem(options) : nullptr;
+  if (problem == nullptr && format != "pqdif" && options.plain) problem = "--plain is for PQDIF";
+  if (problem != nullptr) {
+    Say(problem);
+    return kUsage;
+  }
   if (options.output.empty() && !options.list) {
     Say("export needs -o: a folder, a database that ends in .sqlite, or -; see --help");
     return kUsage;
@@ -241,6 +266,10 @@ ExitCode Export(const ExportOptions& options) {
     return code == kDone && !gathered ? kNoInput : code;
   }
   CatchInterrupts();
+  if (format == "pqdif") {
+    const ExitCode code = ToPqdif(options, request, recordings, &progress);
+    return code == kDone && !gathered ? kNoInput : code;
+  }
   std::deque<Job> jobs;
   for (const std::string& recording : recordings) jobs.emplace_back().input = recording;
   ExitCode code = kDone;
@@ -258,15 +287,17 @@ ExitCode Export(const ExportOptions& options) {
 
 Command AddExport(CLI::App& app) {
   const auto options = std::make_shared<ExportOptions>();
-  CLI::App* line = app.add_subcommand("export", "Write recordings as tables: CSV, SQLite");
+  CLI::App* line =
+      app.add_subcommand("export", "Write recordings as tables (CSV, SQLite) or PQDIF");
   TakePaths(line, &options->inputs);
   line->add_option(
           "-o,--output", options->output,
           "A folder for CSV files, one a table; a database, which ends in .sqlite or .db; - "
-          "is standard output, for one table of one recording")
+          "is standard output, for one table of one recording; a PQDIF file, which ends in .pqd")
       ->option_text("PATH");
-  line->add_option("--format", options->format, "csv or sqlite, whatever the output is called")
-      ->check(CLI::IsMember({"csv", "sqlite", "arrow"}))
+  line->add_option("--format", options->format,
+                   "csv, sqlite or pqdif, whatever the output is called")
+      ->check(CLI::IsMember({"csv", "sqlite", "pqdif", "arrow"}))
       ->option_text("FORMAT");
   line->add_option(
           "--table", options->tables,
@@ -283,9 +314,12 @@ Command AddExport(CLI::App& app) {
       ->option_text("±HH:MM");
   line->add_flag("--list", options->list,
                  "Say as CSV which tables and columns there are, with units and meanings");
+  line->add_flag("--plain", options->plain, "Do not compress the records of a PQDIF file");
+  // So that a test needs no 2 GiB.
+  line->add_option("--largest-file", options->largest)->group("");
   line->add_flag(
       "--overwrite", options->overwrite,
-      "Replace CSV files that exist already. By default they are left as they are, and "
+      "Replace CSV and PQDIF files that exist already. By default they are left as they are, and "
       "the command fails for their recordings. In a database the rows of a recording are "
       "always replaced");
   line->add_option(
@@ -296,6 +330,7 @@ Command AddExport(CLI::App& app) {
   line->add_flag("-q,--quiet", options->quiet, "Failures only: no progress, no summary");
   line->footer(
       Footer({"quorvex export card -o tables/", "quorvex export card -o card.sqlite",
+              "quorvex export card -o card.pqd --utc-offset +01:00",
               "quorvex export R0001GEN.REC --table records -o - | mlr --icsv --opprint head",
               "quorvex export R0001GEN.REC --list"},
              {kDone, kUsage, kNoInput, kUnknownType, kCutShort, kNoOutput, kCancelled}));

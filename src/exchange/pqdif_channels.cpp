@@ -1,0 +1,283 @@
+#include "exchange/pqdif_channels.h"
+
+#include <algorithm>
+#include <sstream>
+
+#include "assessment/channels.h"
+#include "exchange/waveforms.h"
+
+namespace quorvex::pqdif {
+namespace {
+
+enum class Each : uint8_t { kVoltage, kCurrent, kPower, kOnce };
+
+// Columns of some quantities: FRONT LEAF /min, /max and /AVERAGE, with "%" for a channel. A
+// quantity without an average is one value.
+struct Row {
+  Each each;
+  const char* front;
+  const char* leaves;
+  const char* average;
+  Measured measured;
+  Unit unit;
+  Guid characteristic;
+  PhaseId phase = kNoPhase;       // of what is there once
+  const char* only_in = nullptr;  // where the column has this unit
+};
+
+constexpr Row kRows[] = {
+    {Each::kVoltage, "VOLTAGES/U[%]/", "rms", "rms", kVoltage, kVolts, kRms},
+    {Each::kVoltage, "VOLTAGES/U[%]/", "thdPr", "rms", kVoltage, kPercent, kThd},
+    // Voltage quality keeps distortion in percent under the name that it has elsewhere in volts.
+    {Each::kVoltage, "VOLTAGES/U[%]/", "thd", "rms", kVoltage, kPercent, kThd, kNoPhase, ""},
+    {Each::kVoltage, "VOLTAGES/U[%]/", "thd", "rms", kVoltage, kVolts, kHarmonicRms, kNoPhase, "V"},
+    {Each::kVoltage, "VOLTAGES/U[%]/", "cf", "avg", kVoltage, kUnitless, kCrestFactor},
+    {Each::kVoltage, "VOLTAGES/U[%]/", "Pst", "rms", kVoltage, kUnitless, kPst},
+    {Each::kVoltage, "VOLTAGES/U[%]/", "Plt", "rms", kVoltage, kUnitless, kPlt},
+    {Each::kCurrent, "CURRENTS/I[%]/", "rms", "rms", kCurrent, kAmperes, kRms},
+    {Each::kCurrent, "CURRENTS/I[%]/", "thdPr", "rms", kCurrent, kPercent, kThd},
+    {Each::kCurrent, "CURRENTS/I[%]/", "thd", "rms", kCurrent, kAmperes, kHarmonicRms},
+    {Each::kCurrent, "CURRENTS/I[%]/", "tddPr", "rms", kCurrent, kPercent, kTdd},
+    {Each::kCurrent, "CURRENTS/I[%]/", "cf", "avg", kCurrent, kUnitless, kCrestFactor},
+    {Each::kCurrent, "CURRENTS/I[%]/", "k", "rms", kCurrent, kUnitless, kKFactor},
+    {Each::kOnce, "", "f_10s f_200ms", "avgA", kNone, kHertz, kFrequency},
+    {Each::kPower, "PHASE_POWERS/P[%]/COMBINED/", "Pp Pm", "avg", kPower, kWatts, kActive},
+    {Each::kPower, "PHASE_POWERS/P[%]/COMBINED/", "Qip Qim Qcp Qcm", "avg", kPower, kVars,
+     kReactive},
+    {Each::kPower, "PHASE_POWERS/P[%]/COMBINED/", "S", "avg", kPower, kVa, kApparent},
+    {Each::kPower, "PHASE_POWERS/P[%]/COMBINED/", "PFip PFim PFcp PFcm", "avgA", kPower, kUnitless,
+     kPowerFactor},
+    {Each::kPower, "PHASE_POWERS/P[%]/FUNDAMENTAL/", "DPFip DPFim DPFcp DPFcm", "avgA", kPower,
+     kUnitless, kDisplacementFactor},
+    {Each::kOnce, "pt/COMBINED/", "Pp Pm", "avg", kPower, kWatts, kActive, kTotal},
+    {Each::kOnce, "pt/COMBINED/", "Qip Qim Qcp Qcm", "avg", kPower, kVars, kReactive, kTotal},
+    {Each::kOnce, "pt/COMBINED/", "Se", "avg", kPower, kVa, kApparent, kTotal},
+    {Each::kOnce, "pt/COMBINED/", "Sv", "avg", kPower, kVa, kApparentVector, kTotal},
+    {Each::kOnce, "pt/COMBINED/", "Sa", "avg", kPower, kVa, kApparentArithmetic, kTotal},
+    {Each::kOnce, "pt/COMBINED/", "PFip_e PFim_e PFcp_e PFcm_e", "avgA", kPower, kUnitless,
+     kPowerFactor, kTotal},
+    {Each::kOnce, "pt/FUNDAMENTAL/", "Pp_fund Pm_fund", "avg", kPower, kWatts, kActiveFundamental,
+     kTotal},
+    {Each::kOnce, "pt/ENERGY/", "EPp", "", kEnergy, kWattHours, kEnergyTaken, kTotal},
+    {Each::kOnce, "pt/ENERGY/", "EPm", "", kEnergy, kWattHours, kEnergyGiven, kTotal},
+    {Each::kOnce, "sym/", "um", "rms", kVoltage, kPercent, kNegativeRatio, kTotal},
+    {Each::kOnce, "sym/", "u0", "rms", kVoltage, kPercent, kZeroRatio, kTotal},
+    {Each::kOnce, "sym/", "im", "rms", kCurrent, kPercent, kNegativeRatio, kTotal},
+    {Each::kOnce, "sym/", "i0", "rms", kCurrent, kPercent, kZeroRatio, kTotal},
+    {Each::kOnce, "sym/", "Up", "rms", kVoltage, kVolts, kPositive, kTotal},
+    {Each::kOnce, "sym/", "Um", "rms", kVoltage, kVolts, kNegative, kTotal},
+    {Each::kOnce, "sym/", "Uo", "rms", kVoltage, kVolts, kZero, kTotal},
+    {Each::kOnce, "sym/", "Ip", "rms", kCurrent, kAmperes, kPositive, kTotal},
+    {Each::kOnce, "sym/", "Im", "rms", kCurrent, kAmperes, kNegative, kTotal},
+    {Each::kOnce, "sym/", "Io", "rms", kCurrent, kAmperes, kZero, kTotal},
+    {Each::kOnce, "", "temperature", "avg", kTemperature, kCelsius, kNothing},
+};
+
+struct SpectrumRow {
+  const char* table;
+  const char* column;
+  Measured measured;
+  Unit unit;
+  Guid characteristic;
+  const char* called;
+};
+constexpr SpectrumRow kSpectra[] = {
+    {"HARMONICS_U", "HARM_U[%h]", kVoltage, kVolts, kHarmonics, " harmonics"},
+    {"HARMONICS_I", "HARM_I[%h]", kCurrent, kAmperes, kHarmonics, " harmonics"},
+    {"INTER_HARMONICS_U", "IHARM_U[%ih]", kVoltage, kVolts, kInterharmonics, " interharmonics"},
+    {"INTER_HARMONICS_I", "IHARM_I[%ih]", kCurrent, kAmperes, kInterharmonics, " interharmonics"},
+};
+
+bool HasPairs(uint8_t wiring) { return (CaseOf(wiring, false) & kLineToLine) != 0; }
+
+// What "%" may stand for; a channel, and in documents of pairs the phase that they name instead.
+std::vector<std::string> ChannelsFor(Each each, uint8_t wiring) {
+  switch (each) {
+    case Each::kVoltage:
+      if (HasPairs(wiring)) return VoltageChannels(wiring);
+      return {"u1", "u2", "u3", "un", "u12", "u23", "u31"};
+    case Each::kCurrent:
+      return {"i1", "i2", "i3", "in"};
+    case Each::kPower:
+      return {"p1", "p2", "p3"};
+    case Each::kOnce:
+      break;
+  }
+  return {""};
+}
+
+std::string With(const char* pattern, const std::string& channel) {
+  std::string text = pattern;
+  const size_t at = text.find('%');
+  if (at != std::string::npos) text.replace(at, 1, channel);
+  return text;
+}
+
+// Null where the table has none.
+const Column* Find(const Table& table, const std::string& name) {
+  const auto found = std::find_if(table.columns.begin(), table.columns.end(),
+                                  [&](const Column& column) { return column.name == name; });
+  return found != table.columns.end() ? &*found : nullptr;
+}
+
+std::vector<Trend> TrendsOf(const Table& records, const Row& row, const std::string& channel,
+                            const std::string& named) {
+  std::vector<Trend> trends;
+  std::istringstream leaves(row.leaves);
+  const std::string front = With(row.front, named);
+  for (std::string leaf; leaves >> leaf;) {
+    const bool single = row.average[0] == '\0';
+    const Column* average = Find(records, front + leaf + (single ? "" : "/") + row.average);
+    if (average == nullptr || (row.only_in != nullptr && average->unit != row.only_in)) continue;
+    Trend trend;
+    for (const auto& [name, value] : {std::pair("/min", kMin), std::pair("/max", kMax)}) {
+      if (Find(records, front + leaf + name) == nullptr) continue;
+      trend.columns.push_back(front + leaf + name);
+      trend.channel.values.push_back(value);
+    }
+    trend.columns.push_back(average->name);
+    trend.channel.values.push_back(single ? kVal : kAvg);
+    trend.channel.name = !channel.empty()                                ? channel + " " + leaf
+                         : row.phase == kTotal && row.measured >= kPower ? "total " + leaf
+                                                                         : leaf;
+    trend.channel.phase = channel.empty() ? row.phase : PhaseOf(channel);
+    trend.channel.type = kValueLog;
+    trend.channel.measured = row.measured;
+    trend.channel.unit = row.unit;
+    trend.channel.characteristic = row.characteristic;
+    trends.push_back(std::move(trend));
+  }
+  return trends;
+}
+
+void Append(std::vector<Trend> more, std::vector<Trend>* trends) {
+  trends->insert(trends->end(), std::make_move_iterator(more.begin()),
+                 std::make_move_iterator(more.end()));
+}
+
+}  // namespace
+
+PhaseId PhaseOf(const std::string& channel) {
+  constexpr std::pair<const char*, PhaseId> kPhases[] = {
+      {"1", kAn}, {"2", kBn}, {"3", kCn}, {"n", kNg}, {"12", kAb}, {"23", kBc}, {"31", kCa}};
+  for (const auto& [name, phase] : kPhases) {
+    if (!channel.empty() && channel.substr(1) == name) return phase;
+  }
+  return kNoPhase;
+}
+
+std::string VoltageOf(int64_t phase, uint8_t wiring) {
+  const std::vector<std::string> voltages = VoltageChannels(wiring);
+  const bool known = phase >= 1 && phase <= static_cast<int64_t>(voltages.size());
+  return known ? voltages[static_cast<size_t>(phase - 1)] : "";
+}
+
+std::vector<Trend> TrendsOf(const TableSet& set, uint8_t wiring) {
+  const Table* records = set.Find("records");
+  std::vector<Trend> trends;
+  if (records == nullptr) return trends;
+  for (const Row& row : kRows) {
+    for (const std::string& channel : ChannelsFor(row.each, wiring)) {
+      std::vector<Trend> found = TrendsOf(*records, row, channel, channel);
+      if (found.empty() && row.each == Each::kVoltage && HasPairs(wiring)) {
+        found = TrendsOf(*records, row, channel, PhaseInPlaceOf(channel));
+      }
+      Append(std::move(found), &trends);
+    }
+  }
+  return trends;
+}
+
+std::vector<Spectra> SpectraOf(const TableSet& set, uint8_t wiring) {
+  std::vector<Spectra> all;
+  for (const SpectrumRow& row : kSpectra) {
+    const Table* table = set.Find(row.table);
+    if (table == nullptr) continue;
+    Spectra spectra = {row.table, {}};
+    const Each each = row.measured == kVoltage ? Each::kVoltage : Each::kCurrent;
+    for (const std::string& channel : ChannelsFor(each, wiring)) {
+      for (const std::string& named : {channel, PhaseInPlaceOf(channel)}) {
+        const std::string column = std::string(row.table) + "/" + With(row.column, named);
+        const Column* found = Find(*table, column + "/first");
+        if (found == nullptr) found = Find(*table, column);
+        if (found == nullptr || (named != channel && !HasPairs(wiring))) continue;
+        spectra.trends.push_back({{channel + row.called,
+                                   PhaseOf(channel),
+                                   kValueLog,
+                                   row.measured,
+                                   row.unit,
+                                   row.characteristic,
+                                   {kAvg}},
+                                  {found->name}});
+        break;
+      }
+    }
+    all.push_back(std::move(spectra));
+  }
+  return all;
+}
+
+Channel WaveformOf(const std::string& name, const std::string& unit) {
+  const bool volts = unit == "V";
+  return {name,
+          PhaseOf(name),
+          kWaveform,
+          volts ? kVoltage : kCurrent,
+          volts ? kVolts : kAmperes,
+          kInstantaneous,
+          {kVal}};
+}
+Channel HalfCyclesOf(const std::string& voltage) {
+  return {voltage + " half-cycle rms", PhaseOf(voltage), kValueLog, kVoltage, kVolts, kRms, {kVal}};
+}
+Channel EventOf(const std::string& voltage) {
+  const bool several = voltage.empty();
+  return {several ? "events of several voltages" : voltage + " events",
+          several ? kWorst : PhaseOf(voltage),
+          kMagDurTime,
+          kVoltage,
+          kVolts,
+          kRms,
+          {kVal, kDur}};
+}
+Channel ChangeOf(const std::string& voltage) {
+  // What the deviation is a share of, and whether in percent, recordings do not say.
+  return {voltage + " changes", PhaseOf(voltage), kMagDurTime, kVoltage, kUnitless,
+          kLargestChange,       {kVal, kDur}};
+}
+
+bool IsJudged(const Channel& channel, uint8_t wiring) {
+  const std::vector<std::string> voltages = VoltageChannels(wiring);
+  return channel.measured == kVoltage && channel.characteristic == kRms &&
+         (channel.phase == kWorst ||
+          std::any_of(voltages.begin(), voltages.end(),
+                      [&](const std::string& u) { return PhaseOf(u) == channel.phase; }));
+}
+
+std::vector<Channel> ChannelsOf(const std::string& path, const RecordingHead& head) {
+  std::vector<Channel> channels;
+  const uint32_t type = head.type->type;
+  const uint8_t wiring = head.settings.connection;
+  const TableSet set = TablesOf(*head.type, head.settings);
+  if (type == kGeneralType || type == kVoltageQualityType) {
+    for (const Trend& trend : TrendsOf(set, wiring)) channels.push_back(trend.channel);
+    for (const Spectra& spectra : SpectraOf(set, wiring)) {
+      for (const Trend& trend : spectra.trends) channels.push_back(trend.channel);
+    }
+  }
+  for (const WaveChannel& wave : WaveChannels(path)) {
+    channels.push_back(WaveformOf(wave.name, wave.unit));
+  }
+  const bool has_readings =
+      std::any_of(std::begin(kHalfCycleTables), std::end(kHalfCycleTables),
+                  [&](const char* table) { return set.Find(table) != nullptr; });
+  for (const std::string& voltage : VoltageChannels(wiring)) {
+    if (type == kEventsType) channels.push_back(EventOf(voltage));
+    if (type == kChangesType) channels.push_back(ChangeOf(voltage));
+    if (type == kChangesType || has_readings) channels.push_back(HalfCyclesOf(voltage));
+  }
+  if (type == kEventsType) channels.push_back(EventOf(""));
+  return channels;
+}
+
+}  // namespace quorvex::pqdif
