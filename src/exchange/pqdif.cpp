@@ -41,7 +41,7 @@ Element DefinitionOf(const Channel& channel, double nominal) {
 
 // ID_SINGLE_PHASE and so on; 0 where the standard has none.
 uint32_t ConnectionOf(uint8_t wiring) {
-  constexpr uint32_t kConnections[] = {0, 1, 5, 4, 2, 7, 1, 5};
+  constexpr uint32_t kConnections[] = {0, 1, 5, 4, 5, 7, 1, 5};
   return wiring < std::size(kConnections) ? kConnections[wiring] : 0;
 }
 

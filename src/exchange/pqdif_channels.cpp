@@ -88,13 +88,10 @@ constexpr SpectrumRow kSpectra[] = {
     {"INTER_HARMONICS_I", "IHARM_I[%ih]", kCurrent, kAmperes, kInterharmonics, " interharmonics"},
 };
 
-bool HasPairs(uint8_t wiring) { return (CaseOf(wiring, false) & kLineToLine) != 0; }
-
-// What "%" may stand for; a channel, and in documents of pairs the phase that they name instead.
-std::vector<std::string> ChannelsFor(Each each, uint8_t wiring) {
+// What "%" may stand for.
+std::vector<std::string> ChannelsFor(Each each) {
   switch (each) {
     case Each::kVoltage:
-      if (HasPairs(wiring)) return VoltageChannels(wiring);
       return {"u1", "u2", "u3", "un", "u12", "u23", "u31"};
     case Each::kCurrent:
       return {"i1", "i2", "i3", "in"};
@@ -104,6 +101,17 @@ std::vector<std::string> ChannelsFor(Each each, uint8_t wiring) {
       break;
   }
   return {""};
+}
+
+// Tables without pairs name phases in their places where the wiring has nothing but pairs.
+std::string MeantBy(const std::string& channel, const Table& table, uint8_t wiring) {
+  const bool has_pairs = std::any_of(
+      table.columns.begin(), table.columns.end(),
+      [](const Column& column) { return column.name.find("[u12") != std::string::npos; });
+  for (const std::string& voltage : VoltageChannels(wiring)) {
+    if (!has_pairs && channel == PhaseInPlaceOf(voltage)) return voltage;
+  }
+  return channel;
 }
 
 std::string With(const char* pattern, const std::string& channel) {
@@ -120,16 +128,20 @@ const Column* Find(const Table& table, const std::string& name) {
   return found != table.columns.end() ? &*found : nullptr;
 }
 
-std::vector<Trend> TrendsOf(const Table& records, const Row& row, const std::string& channel,
-                            const std::string& named) {
-  std::vector<Trend> trends;
+void AddTrends(const Table& records, const Row& row, const std::string& channel, uint8_t wiring,
+               std::vector<Trend>* trends) {
   std::istringstream leaves(row.leaves);
-  const std::string front = With(row.front, named);
+  const std::string front = With(row.front, channel);
+  const std::string meant = MeantBy(channel, records, wiring);
+  const bool single = row.average[0] == '\0';
   for (std::string leaf; leaves >> leaf;) {
-    const bool single = row.average[0] == '\0';
     const Column* average = Find(records, front + leaf + (single ? "" : "/") + row.average);
     if (average == nullptr || (row.only_in != nullptr && average->unit != row.only_in)) continue;
-    Trend trend;
+    const bool total = row.phase == kTotal && row.measured >= kPower;
+    Trend trend = {{channel.empty() ? (total ? "total " : "") + leaf : meant + " " + leaf,
+                    channel.empty() ? row.phase : PhaseOf(meant), kValueLog, row.measured, row.unit,
+                    row.characteristic},
+                   {}};
     for (const auto& [name, value] : {std::pair("/min", kMin), std::pair("/max", kMax)}) {
       if (Find(records, front + leaf + name) == nullptr) continue;
       trend.columns.push_back(front + leaf + name);
@@ -137,22 +149,8 @@ std::vector<Trend> TrendsOf(const Table& records, const Row& row, const std::str
     }
     trend.columns.push_back(average->name);
     trend.channel.values.push_back(single ? kVal : kAvg);
-    trend.channel.name = !channel.empty()                                ? channel + " " + leaf
-                         : row.phase == kTotal && row.measured >= kPower ? "total " + leaf
-                                                                         : leaf;
-    trend.channel.phase = channel.empty() ? row.phase : PhaseOf(channel);
-    trend.channel.type = kValueLog;
-    trend.channel.measured = row.measured;
-    trend.channel.unit = row.unit;
-    trend.channel.characteristic = row.characteristic;
-    trends.push_back(std::move(trend));
+    trends->push_back(std::move(trend));
   }
-  return trends;
-}
-
-void Append(std::vector<Trend> more, std::vector<Trend>* trends) {
-  trends->insert(trends->end(), std::make_move_iterator(more.begin()),
-                 std::make_move_iterator(more.end()));
 }
 
 }  // namespace
@@ -177,13 +175,8 @@ std::vector<Trend> TrendsOf(const TableSet& set, uint8_t wiring) {
   std::vector<Trend> trends;
   if (records == nullptr) return trends;
   for (const Row& row : kRows) {
-    for (const std::string& channel : ChannelsFor(row.each, wiring)) {
-      std::vector<Trend> found = TrendsOf(*records, row, channel, channel);
-      if (found.empty() && row.each == Each::kVoltage && HasPairs(wiring)) {
-        found = TrendsOf(*records, row, channel, PhaseInPlaceOf(channel));
-      }
-      Append(std::move(found), &trends);
-    }
+    for (const std::string& channel : ChannelsFor(row.each))
+      AddTrends(*records, row, channel, wiring, &trends);
   }
   return trends;
 }
@@ -195,22 +188,20 @@ std::vector<Spectra> SpectraOf(const TableSet& set, uint8_t wiring) {
     if (table == nullptr) continue;
     Spectra spectra = {row.table, {}};
     const Each each = row.measured == kVoltage ? Each::kVoltage : Each::kCurrent;
-    for (const std::string& channel : ChannelsFor(each, wiring)) {
-      for (const std::string& named : {channel, PhaseInPlaceOf(channel)}) {
-        const std::string column = std::string(row.table) + "/" + With(row.column, named);
-        const Column* found = Find(*table, column + "/first");
-        if (found == nullptr) found = Find(*table, column);
-        if (found == nullptr || (named != channel && !HasPairs(wiring))) continue;
-        spectra.trends.push_back({{channel + row.called,
-                                   PhaseOf(channel),
-                                   kValueLog,
-                                   row.measured,
-                                   row.unit,
-                                   row.characteristic,
-                                   {kAvg}},
-                                  {found->name}});
-        break;
-      }
+    for (const std::string& channel : ChannelsFor(each)) {
+      const std::string column = std::string(row.table) + "/" + With(row.column, channel);
+      const Column* found = Find(*table, column + "/first");
+      if (found == nullptr) found = Find(*table, column);
+      if (found == nullptr) continue;
+      const std::string meant = MeantBy(channel, *table, wiring);
+      spectra.trends.push_back({{meant + row.called,
+                                 PhaseOf(meant),
+                                 kValueLog,
+                                 row.measured,
+                                 row.unit,
+                                 row.characteristic,
+                                 {kAvg}},
+                                {found->name}});
     }
     all.push_back(std::move(spectra));
   }

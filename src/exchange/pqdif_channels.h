@@ -17,7 +17,7 @@ struct Channel {
   Measured measured;
   Unit unit;
   Guid characteristic;
-  std::vector<Guid> values;  // what its series hold, behind that of times
+  std::vector<Guid> values = {};  // what its series hold, behind that of times
   bool operator==(const Channel&) const = default;
 };
 
