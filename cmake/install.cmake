@@ -26,8 +26,8 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/Quorvex64ConfigVersion.cmak
 install(FILES ${CMAKE_BINARY_DIR}/Quorvex64ConfigVersion.cmake DESTINATION ${cmake_dir})
 
 # Of the documents those that users need: architecture and performance are about the source tree.
-install(FILES docs/command-line.md docs/formats.md docs/host.md docs/report.md docs/safety.md
-              docs/tables.md
+install(FILES docs/command-line.md docs/formats.md docs/host.md docs/interchange.md
+              docs/report.md docs/safety.md docs/tables.md
         DESTINATION ${doc_dir}/docs)
 install(DIRECTORY examples DESTINATION ${doc_dir})
 install(DIRECTORY schema limits DESTINATION ${data_dir})
