@@ -4,7 +4,6 @@
 #include <iterator>
 
 #include "assessment/voltage_events.h"
-#include "records/channels.h"
 #include "records/sample_scales.h"
 
 namespace quorvex::pqdif {
@@ -82,6 +81,7 @@ std::vector<Element> SettingsOf(const Source& source, const RecordingHead& head,
   const UifParams& settings = head.settings;
   const Thresholds thresholds = ThresholdsOf(head, 0);
   std::vector<Element> channels;
+  channels.reserve(source.channels.size());
   for (size_t i = 0; i < source.channels.size(); ++i) {
     channels.push_back(ChannelSettingOf(i, source.channels[i], settings, thresholds));
   }
