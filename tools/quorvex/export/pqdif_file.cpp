@@ -198,10 +198,12 @@ void TellNotes(const Plan& plan, const PqdifRequest& request, const std::deque<J
 
 ExitCode ExportPqdif(const PqdifRequest& request, const std::vector<std::string>& recordings,
                      Progress* progress) {
-  Plan plan = PlanOf(recordings);
+  const Plan plan = PlanOf(recordings);
   std::deque<Job> jobs;
+  std::map<const Job*, const Plan::Entry*> places;
   for (const Plan::Entry& entry : plan.entries) {
     Job& job = jobs.emplace_back();
+    places[&job] = &entry;
     job.input = entry.path;
     job.output = job.named = request.output;
     job.recording = entry.recording;
@@ -235,9 +237,7 @@ ExitCode ExportPqdif(const PqdifRequest& request, const std::vector<std::string>
   const bool finished = RunJobs(
       &jobs,
       [&](Job* job, unsigned) {
-        const auto place =
-            std::find_if(plan.entries.begin(), plan.entries.end(),
-                         [&](const auto& entry) { return entry.path == job->input; });
+        const Plan::Entry* place = places.at(job);
         if (failed || !place->has_place) return;
         const pqdif::Source* source = &plan.sources[place->source];
         const std::string name = IsSpooled(job->input) ? "recording" : NameOnly(job->input);
@@ -247,18 +247,17 @@ ExitCode ExportPqdif(const PqdifRequest& request, const std::vector<std::string>
         left_out += recorded.left_out;
       },
       1, progress);
-  if (finished && !failed && any) {
+  const bool readable =
+      std::any_of(jobs.begin(), jobs.end(), [](const Job& job) { return job.code == kDone; });
+  if (finished && !failed && readable) {
     current_job = &whole;
     if (writer.observations() == 0) {
       whole.Fail(kNoInput, request.output, "is not written; the recordings have nothing for it");
-    } else if (writer.End() && files.PutInPlaces()) {
-      if (!request.quiet) TellNotes(plan, request, jobs, left_out, files);
+    } else if (writer.End() && files.PutInPlaces() && !request.quiet) {
+      TellNotes(plan, request, jobs, left_out, files);
     }
     current_job = nullptr;
     if (whole.code != kDone) Complain(whole.culprit, whole.problem);
-  } else if (finished && !any && jobs.front().code == kDone) {
-    whole.Fail(kNoInput, request.output, "is not written; the recordings have nothing for it");
-    Complain(whole.culprit, whole.problem);
   }
   if (!finished) Say("cancelled");
   InterruptsAreDone();
