@@ -14,10 +14,10 @@ enum class Each : uint8_t { kVoltage, kCurrent, kPower, kOnce };
 // Columns of some quantities: FRONT LEAF /min, /max and /AVERAGE, with "%" for a channel. A
 // quantity without an average is one value.
 struct Row {
-  Each each;
   const char* front;
   const char* leaves;
   const char* average;
+  Each each;
   Measured measured;
   Unit unit;
   Guid characteristic;
@@ -26,51 +26,51 @@ struct Row {
 };
 
 constexpr Row kRows[] = {
-    {Each::kVoltage, "VOLTAGES/U[%]/", "rms", "rms", kVoltage, kVolts, kRms},
-    {Each::kVoltage, "VOLTAGES/U[%]/", "thdPr", "rms", kVoltage, kPercent, kThd},
+    {"VOLTAGES/U[%]/", "rms", "rms", Each::kVoltage, kVoltage, kVolts, kRms},
+    {"VOLTAGES/U[%]/", "thdPr", "rms", Each::kVoltage, kVoltage, kPercent, kThd},
     // Voltage quality keeps distortion in percent under the name that it has elsewhere in volts.
-    {Each::kVoltage, "VOLTAGES/U[%]/", "thd", "rms", kVoltage, kPercent, kThd, kNoPhase, ""},
-    {Each::kVoltage, "VOLTAGES/U[%]/", "thd", "rms", kVoltage, kVolts, kHarmonicRms, kNoPhase, "V"},
-    {Each::kVoltage, "VOLTAGES/U[%]/", "cf", "avg", kVoltage, kUnitless, kCrestFactor},
-    {Each::kVoltage, "VOLTAGES/U[%]/", "Pst", "rms", kVoltage, kUnitless, kPst},
-    {Each::kVoltage, "VOLTAGES/U[%]/", "Plt", "rms", kVoltage, kUnitless, kPlt},
-    {Each::kCurrent, "CURRENTS/I[%]/", "rms", "rms", kCurrent, kAmperes, kRms},
-    {Each::kCurrent, "CURRENTS/I[%]/", "thdPr", "rms", kCurrent, kPercent, kThd},
-    {Each::kCurrent, "CURRENTS/I[%]/", "thd", "rms", kCurrent, kAmperes, kHarmonicRms},
-    {Each::kCurrent, "CURRENTS/I[%]/", "tddPr", "rms", kCurrent, kPercent, kTdd},
-    {Each::kCurrent, "CURRENTS/I[%]/", "cf", "avg", kCurrent, kUnitless, kCrestFactor},
-    {Each::kCurrent, "CURRENTS/I[%]/", "k", "rms", kCurrent, kUnitless, kKFactor},
-    {Each::kOnce, "", "f_10s f_200ms", "avgA", kNone, kHertz, kFrequency},
-    {Each::kPower, "PHASE_POWERS/P[%]/COMBINED/", "Pp Pm", "avg", kPower, kWatts, kActive},
-    {Each::kPower, "PHASE_POWERS/P[%]/COMBINED/", "Qip Qim Qcp Qcm", "avg", kPower, kVars,
+    {"VOLTAGES/U[%]/", "thd", "rms", Each::kVoltage, kVoltage, kPercent, kThd, kNoPhase, ""},
+    {"VOLTAGES/U[%]/", "thd", "rms", Each::kVoltage, kVoltage, kVolts, kHarmonicRms, kNoPhase, "V"},
+    {"VOLTAGES/U[%]/", "cf", "avg", Each::kVoltage, kVoltage, kUnitless, kCrestFactor},
+    {"VOLTAGES/U[%]/", "Pst", "rms", Each::kVoltage, kVoltage, kUnitless, kPst},
+    {"VOLTAGES/U[%]/", "Plt", "rms", Each::kVoltage, kVoltage, kUnitless, kPlt},
+    {"CURRENTS/I[%]/", "rms", "rms", Each::kCurrent, kCurrent, kAmperes, kRms},
+    {"CURRENTS/I[%]/", "thdPr", "rms", Each::kCurrent, kCurrent, kPercent, kThd},
+    {"CURRENTS/I[%]/", "thd", "rms", Each::kCurrent, kCurrent, kAmperes, kHarmonicRms},
+    {"CURRENTS/I[%]/", "tddPr", "rms", Each::kCurrent, kCurrent, kPercent, kTdd},
+    {"CURRENTS/I[%]/", "cf", "avg", Each::kCurrent, kCurrent, kUnitless, kCrestFactor},
+    {"CURRENTS/I[%]/", "k", "rms", Each::kCurrent, kCurrent, kUnitless, kKFactor},
+    {"", "f_10s f_200ms", "avgA", Each::kOnce, kNone, kHertz, kFrequency},
+    {"PHASE_POWERS/P[%]/COMBINED/", "Pp Pm", "avg", Each::kPower, kPower, kWatts, kActive},
+    {"PHASE_POWERS/P[%]/COMBINED/", "Qip Qim Qcp Qcm", "avg", Each::kPower, kPower, kVars,
      kReactive},
-    {Each::kPower, "PHASE_POWERS/P[%]/COMBINED/", "S", "avg", kPower, kVa, kApparent},
-    {Each::kPower, "PHASE_POWERS/P[%]/COMBINED/", "PFip PFim PFcp PFcm", "avgA", kPower, kUnitless,
+    {"PHASE_POWERS/P[%]/COMBINED/", "S", "avg", Each::kPower, kPower, kVa, kApparent},
+    {"PHASE_POWERS/P[%]/COMBINED/", "PFip PFim PFcp PFcm", "avgA", Each::kPower, kPower, kUnitless,
      kPowerFactor},
-    {Each::kPower, "PHASE_POWERS/P[%]/FUNDAMENTAL/", "DPFip DPFim DPFcp DPFcm", "avgA", kPower,
+    {"PHASE_POWERS/P[%]/FUNDAMENTAL/", "DPFip DPFim DPFcp DPFcm", "avgA", Each::kPower, kPower,
      kUnitless, kDisplacementFactor},
-    {Each::kOnce, "pt/COMBINED/", "Pp Pm", "avg", kPower, kWatts, kActive, kTotal},
-    {Each::kOnce, "pt/COMBINED/", "Qip Qim Qcp Qcm", "avg", kPower, kVars, kReactive, kTotal},
-    {Each::kOnce, "pt/COMBINED/", "Se", "avg", kPower, kVa, kApparent, kTotal},
-    {Each::kOnce, "pt/COMBINED/", "Sv", "avg", kPower, kVa, kApparentVector, kTotal},
-    {Each::kOnce, "pt/COMBINED/", "Sa", "avg", kPower, kVa, kApparentArithmetic, kTotal},
-    {Each::kOnce, "pt/COMBINED/", "PFip_e PFim_e PFcp_e PFcm_e", "avgA", kPower, kUnitless,
+    {"pt/COMBINED/", "Pp Pm", "avg", Each::kOnce, kPower, kWatts, kActive, kTotal},
+    {"pt/COMBINED/", "Qip Qim Qcp Qcm", "avg", Each::kOnce, kPower, kVars, kReactive, kTotal},
+    {"pt/COMBINED/", "Se", "avg", Each::kOnce, kPower, kVa, kApparent, kTotal},
+    {"pt/COMBINED/", "Sv", "avg", Each::kOnce, kPower, kVa, kApparentVector, kTotal},
+    {"pt/COMBINED/", "Sa", "avg", Each::kOnce, kPower, kVa, kApparentArithmetic, kTotal},
+    {"pt/COMBINED/", "PFip_e PFim_e PFcp_e PFcm_e", "avgA", Each::kOnce, kPower, kUnitless,
      kPowerFactor, kTotal},
-    {Each::kOnce, "pt/FUNDAMENTAL/", "Pp_fund Pm_fund", "avg", kPower, kWatts, kActiveFundamental,
+    {"pt/FUNDAMENTAL/", "Pp_fund Pm_fund", "avg", Each::kOnce, kPower, kWatts, kActiveFundamental,
      kTotal},
-    {Each::kOnce, "pt/ENERGY/", "EPp", "", kEnergy, kWattHours, kEnergyTaken, kTotal},
-    {Each::kOnce, "pt/ENERGY/", "EPm", "", kEnergy, kWattHours, kEnergyGiven, kTotal},
-    {Each::kOnce, "sym/", "um", "rms", kVoltage, kPercent, kNegativeRatio, kTotal},
-    {Each::kOnce, "sym/", "u0", "rms", kVoltage, kPercent, kZeroRatio, kTotal},
-    {Each::kOnce, "sym/", "im", "rms", kCurrent, kPercent, kNegativeRatio, kTotal},
-    {Each::kOnce, "sym/", "i0", "rms", kCurrent, kPercent, kZeroRatio, kTotal},
-    {Each::kOnce, "sym/", "Up", "rms", kVoltage, kVolts, kPositive, kTotal},
-    {Each::kOnce, "sym/", "Um", "rms", kVoltage, kVolts, kNegative, kTotal},
-    {Each::kOnce, "sym/", "Uo", "rms", kVoltage, kVolts, kZero, kTotal},
-    {Each::kOnce, "sym/", "Ip", "rms", kCurrent, kAmperes, kPositive, kTotal},
-    {Each::kOnce, "sym/", "Im", "rms", kCurrent, kAmperes, kNegative, kTotal},
-    {Each::kOnce, "sym/", "Io", "rms", kCurrent, kAmperes, kZero, kTotal},
-    {Each::kOnce, "", "temperature", "avg", kTemperature, kCelsius, kNothing},
+    {"pt/ENERGY/", "EPp", "", Each::kOnce, kEnergy, kWattHours, kEnergyTaken, kTotal},
+    {"pt/ENERGY/", "EPm", "", Each::kOnce, kEnergy, kWattHours, kEnergyGiven, kTotal},
+    {"sym/", "um", "rms", Each::kOnce, kVoltage, kPercent, kNegativeRatio, kTotal},
+    {"sym/", "u0", "rms", Each::kOnce, kVoltage, kPercent, kZeroRatio, kTotal},
+    {"sym/", "im", "rms", Each::kOnce, kCurrent, kPercent, kNegativeRatio, kTotal},
+    {"sym/", "i0", "rms", Each::kOnce, kCurrent, kPercent, kZeroRatio, kTotal},
+    {"sym/", "Up", "rms", Each::kOnce, kVoltage, kVolts, kPositive, kTotal},
+    {"sym/", "Um", "rms", Each::kOnce, kVoltage, kVolts, kNegative, kTotal},
+    {"sym/", "Uo", "rms", Each::kOnce, kVoltage, kVolts, kZero, kTotal},
+    {"sym/", "Ip", "rms", Each::kOnce, kCurrent, kAmperes, kPositive, kTotal},
+    {"sym/", "Im", "rms", Each::kOnce, kCurrent, kAmperes, kNegative, kTotal},
+    {"sym/", "Io", "rms", Each::kOnce, kCurrent, kAmperes, kZero, kTotal},
+    {"", "temperature", "avg", Each::kOnce, kTemperature, kCelsius, kNothing},
 };
 
 struct SpectrumRow {
