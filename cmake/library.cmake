@@ -71,7 +71,7 @@ endforeach()
 target_compile_definitions(quorvex_tables PUBLIC QUORVEXTABLES_STATIC)
 target_link_libraries(quorvex_tables PUBLIC quorvex_inspection)
 target_link_libraries(quorvex_assessment PUBLIC quorvex_tables)
-target_link_libraries(quorvex_exchange PUBLIC quorvex_tables)
+target_link_libraries(quorvex_exchange PUBLIC quorvex_assessment)
 
 # The second library, of tables. The C++ runtime is linked in, so that it needs no more than the first
 # one. That has memory of its own which does not go with a library: it stays loaded instead.

@@ -30,39 +30,6 @@ struct PhaseState {
   int64_t code_before = kNoTime;  // the kind of event that the phase was in when it left the band
 };
 
-Thresholds ThresholdsOf(const RecordingHead& head, double nominal) {
-  Thresholds volts;
-  std::map<std::string, double> stored;
-  for (const HeadRow& row : SettingsRows(head, {})) {
-    if (row.value && row.path.compare(0, 12, "INFORMATION/") == 0) {
-      stored[row.path.substr(12)] = std::strtod(row.value->c_str(), nullptr);
-    }
-  }
-  const auto own = static_cast<double>(head.settings.nominal_voltage);
-  volts.nominal = nominal > 0                     ? nominal
-                  : stored["NOMINAL_VOLTAGE"] > 0 ? stored["NOMINAL_VOLTAGE"]
-                                                  : own;
-  volts.dip = stored["DIP_TRESHOLD"];
-  volts.swell = stored["SWELL_TRESHOLD"];
-  volts.interruption = stored["INTTERUPT_TRESHOLD"];
-  if (!(volts.dip > 0)) {
-    volts.dip = static_cast<double>(head.settings.dip);
-    volts.swell = static_cast<double>(head.settings.swell);
-    volts.interruption = static_cast<double>(head.settings.interrupt);
-  }
-  // Percentages or volts: a dip begins near 0.9 of the nominal voltage, in whichever it is. The
-  // recording's own nominal voltage decides, as the thresholds were made for that.
-  const double made_for = stored["NOMINAL_VOLTAGE"] > 0 ? stored["NOMINAL_VOLTAGE"] : own;
-  volts.from_percent =
-      made_for > 0 && std::abs(volts.dip / 100 - 0.9) < std::abs(volts.dip / made_for - 0.9);
-  if (volts.from_percent) {
-    for (double* value : {&volts.dip, &volts.swell, &volts.interruption}) {
-      *value = *value * made_for / 100;
-    }
-  }
-  return volts;
-}
-
 // Tables cut times to microseconds, and 32.12 s is a little less in binary. No event is told finer
 // than this.
 int64_t InMilliseconds(int64_t time) { return (time + 500) / 1000 * 1000; }
@@ -165,6 +132,39 @@ std::vector<Joined> Join(const std::vector<PhaseEvent>& phases, bool swells) {
 }
 
 }  // namespace
+
+Thresholds ThresholdsOf(const RecordingHead& head, double nominal) {
+  Thresholds volts;
+  std::map<std::string, double> stored;
+  for (const HeadRow& row : SettingsRows(head, {})) {
+    if (row.value && row.path.compare(0, 12, "INFORMATION/") == 0) {
+      stored[row.path.substr(12)] = std::strtod(row.value->c_str(), nullptr);
+    }
+  }
+  const auto own = static_cast<double>(head.settings.nominal_voltage);
+  volts.nominal = nominal > 0                     ? nominal
+                  : stored["NOMINAL_VOLTAGE"] > 0 ? stored["NOMINAL_VOLTAGE"]
+                                                  : own;
+  volts.dip = stored["DIP_TRESHOLD"];
+  volts.swell = stored["SWELL_TRESHOLD"];
+  volts.interruption = stored["INTTERUPT_TRESHOLD"];
+  if (!(volts.dip > 0)) {
+    volts.dip = static_cast<double>(head.settings.dip);
+    volts.swell = static_cast<double>(head.settings.swell);
+    volts.interruption = static_cast<double>(head.settings.interrupt);
+  }
+  // Percentages or volts: a dip begins near 0.9 of the nominal voltage, in whichever it is. The
+  // recording's own nominal voltage decides, as the thresholds were made for that.
+  const double made_for = stored["NOMINAL_VOLTAGE"] > 0 ? stored["NOMINAL_VOLTAGE"] : own;
+  volts.from_percent =
+      made_for > 0 && std::abs(volts.dip / 100 - 0.9) < std::abs(volts.dip / made_for - 0.9);
+  if (volts.from_percent) {
+    for (double* value : {&volts.dip, &volts.swell, &volts.interruption}) {
+      *value = *value * made_for / 100;
+    }
+  }
+  return volts;
+}
 
 const char* NameOf(EventKind kind) {
   constexpr const char* kNames[] = {"dip", "swell", "interruption"};

@@ -32,6 +32,8 @@ struct Thresholds {
   double nominal = 0, dip = 0, swell = 0, interruption = 0;
   bool from_percent = false;  // they are stored as percentages
 };
+// Those of a recording; `nominal` replaces its own nominal voltage where it is above 0.
+Thresholds ThresholdsOf(const RecordingHead& head, double nominal);
 
 // Of a recording of voltage events; `nominal` replaces the recording's own where it is above 0.
 struct RecordedEvents {

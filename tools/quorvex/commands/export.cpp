@@ -7,6 +7,7 @@
 #include "export/csv_files.h"
 #include "export/database.h"
 #include "export/output_files.h"
+#include "export/pqdif_file.h"
 #include "shared/gather.h"
 #include "shared/help.h"
 #include "shared/messages.h"
@@ -22,6 +23,8 @@ struct ExportOptions {
   ComtradeAsked comtrade;
   unsigned jobs = 0;
   bool list = false, overwrite = false, quiet = false;
+  bool plain = false;
+  uint64_t largest = pqdif::kLargestFile;  // of PQDIF files
 };
 
 // Looks at a recording before anything is written.
@@ -198,6 +201,14 @@ ExitCode ToComtrade(const ExportOptions& options, const ExportRequest& request,
   return code == kDone && !any ? kUnknownType : code;
 }
 
+// A card in one file: there is no part of it to be chosen.
+ExitCode ToPqdif(const ExportOptions& options, const ExportRequest& request,
+                 const std::vector<std::string>& recordings, Progress* progress) {
+  return ExportPqdif({options.output, request.read, options.plain, options.overwrite, options.quiet,
+                      options.largest},
+                     recordings, progress);
+}
+
 // What is to be written is said, or follows from the output's name.
 std::string FormatOf(const ExportOptions& options) {
   if (!options.format.empty()) return options.format;
@@ -205,8 +216,29 @@ std::string FormatOf(const ExportOptions& options) {
     return options.output.size() > end.size() &&
            options.output.compare(options.output.size() - end.size(), end.size(), end) == 0;
   };
+  if (ends(".pqd")) return "pqdif";
   if (ends(".arrow") || ends(".arrows")) return "arrow";
   return ends(".sqlite") || ends(".db") ? "sqlite" : "csv";
+}
+
+// What does not go with a format; null where all does.
+const char* FormatProblem(const std::string& format, const ExportOptions& options) {
+  const ComtradeAsked& asked = options.comtrade;
+  const bool comtrade = format == "comtrade", pqdif = format == "pqdif";
+  const bool tables = options.list || !options.tables.empty();
+  if (comtrade && tables) {
+    return "--format comtrade writes waveforms, not tables: --list and --table do not go with it";
+  }
+  if (!comtrade && (!asked.revision.empty() || !asked.data.empty() || asked.one_file)) {
+    return "--comtrade, --data and --cff go with --format comtrade";
+  }
+  if (pqdif && tables) return "--list and --table are for tables";
+  if (pqdif && !options.records.empty()) {
+    return "--records is for tables; PQDIF takes whole recordings";
+  }
+  if (pqdif && options.output == "-") return "PQDIF files do not go to standard output";
+  if (!pqdif && options.plain) return "--plain is for PQDIF";
+  return nullptr;
 }
 
 ExitCode Export(const ExportOptions& options) {
@@ -231,18 +263,14 @@ ExitCode Export(const ExportOptions& options) {
         "streams, which other programs make files of");
     return kUsage;
   }
-  const bool comtrade = format == "comtrade";
-  const ComtradeAsked& asked = options.comtrade;
-  if (comtrade && (options.list || !options.tables.empty())) {
-    Say("--format comtrade writes waveforms, not tables: --list and --table do not go with it");
-    return kUsage;
-  }
-  if (!comtrade && (!asked.revision.empty() || !asked.data.empty() || asked.one_file)) {
-    Say("--comtrade, --data and --cff go with --format comtrade");
+  if (const char* problem = FormatProblem(format, options); problem != nullptr) {
+    Say(problem);
     return kUsage;
   }
   if (options.output.empty() && !options.list) {
-    Say("export needs -o: a folder, a database that ends in .sqlite, or -; see --help");
+    Say("export needs -o: a folder, a database that ends in .sqlite, a file that ends in .pqd, or "
+        "-; "
+        "see --help");
     return kUsage;
   }
   Progress progress(!options.quiet && !options.list);
@@ -254,10 +282,14 @@ ExitCode Export(const ExportOptions& options) {
     return code == kDone && !gathered ? kNoInput : code;
   }
   CatchInterrupts();
+  if (format == "pqdif") {
+    const ExitCode code = ToPqdif(options, request, recordings, &progress);
+    return code == kDone && !gathered ? kNoInput : code;
+  }
   std::deque<Job> jobs;
   for (const std::string& recording : recordings) jobs.emplace_back().input = recording;
   ExitCode code = kDone;
-  if (comtrade) {
+  if (format == "comtrade") {
     code = ToComtrade(options, request, &jobs, &progress);
   } else if (format == "sqlite") {
     code = ToDatabase(options, request, &jobs, &progress);
@@ -274,17 +306,17 @@ ExitCode Export(const ExportOptions& options) {
 Command AddExport(CLI::App& app) {
   const auto options = std::make_shared<ExportOptions>();
   CLI::App* line = app.add_subcommand(
-      "export", "Write recordings as tables: CSV, SQLite; waveforms as COMTRADE");
+      "export", "Write recordings as tables: CSV, SQLite; as PQDIF; waveforms as COMTRADE");
   TakePaths(line, &options->inputs);
   line->add_option(
           "-o,--output", options->output,
           "A folder for CSV files, one a table; a database, which ends in .sqlite or .db; - "
-          "is standard output, for one table of one recording")
+          "is standard output, for one table of one recording; a PQDIF file, which ends in .pqd")
       ->option_text("PATH");
   line->add_option("--format", options->format,
-                   "csv or sqlite, whatever the output is called; comtrade: waveforms as COMTRADE, "
-                   "into a folder")
-      ->check(CLI::IsMember({"csv", "sqlite", "arrow", "comtrade"}))
+                   "csv, sqlite or pqdif, whatever the output is called; comtrade: waveforms as "
+                   "COMTRADE, into a folder")
+      ->check(CLI::IsMember({"csv", "sqlite", "pqdif", "arrow", "comtrade"}))
       ->option_text("FORMAT");
   line->add_option(
           "--table", options->tables,
@@ -312,9 +344,12 @@ Command AddExport(CLI::App& app) {
                  "COMTRADE as one .cff file, as the revision of 2013 has it");
   line->add_flag("--list", options->list,
                  "Say as CSV which tables and columns there are, with units and meanings");
+  line->add_flag("--plain", options->plain, "Do not compress the records of a PQDIF file");
+  // So that a test needs no 2 GiB.
+  line->add_option("--largest-file", options->largest)->group("");
   line->add_flag(
       "--overwrite", options->overwrite,
-      "Replace CSV files that exist already. By default they are left as they are, and "
+      "Replace CSV and PQDIF files that exist already. By default they are left as they are, and "
       "the command fails for their recordings. In a database the rows of a recording are "
       "always replaced");
   line->add_option(
@@ -325,6 +360,7 @@ Command AddExport(CLI::App& app) {
   line->add_flag("-q,--quiet", options->quiet, "Failures only: no progress, no summary");
   line->footer(
       Footer({"quorvex export card -o tables/", "quorvex export card -o card.sqlite",
+              "quorvex export card -o card.pqd --utc-offset +01:00",
               "quorvex export R0001GEN.REC --table records -o - | mlr --icsv --opprint head",
               "quorvex export R0005WAV.REC --format comtrade -o waves/",
               "quorvex export R0001GEN.REC --list"},
