@@ -13,8 +13,9 @@ using namespace quorvex::tool;
 constexpr AddCommand* kCommands[] = {QUORVEX_COMMANDS(QUORVEX_ROW)};
 
 int Run(const std::vector<std::string>& arguments) {
-  CLI::App app{"Turns record files of a power-quality analyser into reports, tables and XML documents.",
-               "quorvex"};
+  CLI::App app{
+      "Turns record files of a power-quality analyser into reports, tables and XML documents.",
+      "quorvex"};
   app.formatter(std::make_shared<HelpFormatter>());
   app.require_subcommand(1);
   app.footer(
