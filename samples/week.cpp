@@ -47,25 +47,25 @@ constexpr int kOutageEnd = kOutageStart + 40 * 60;
 
 struct WeekTransition {
   int day, hour, minute;
-  double seconds;
   bool starts;
+  double seconds;
   VoltageEvent event;
 };
 constexpr WeekTransition kTransitions[] = {
-    {5, 9, 17, 32.120, true, {kDip, 1, 161}},
-    {5, 9, 17, 32.240, false, {kDip, 1, 161}},
-    {6, 14, 42, 5.400, true, {kDip, 2, 115}},
-    {6, 14, 42, 5.450, true, {kDip, 3, 138}},
-    {6, 14, 42, 5.750, false, {kDip, 2, 115}},
-    {6, 14, 42, 5.830, false, {kDip, 3, 138}},
-    {8, 22, 8, 10, true, {kDip, 3, 23}},
-    {8, 22, 8, 13, false, {kDip, 3, 23}},
-    {10, 3, 4, 0, true, {kInterrupt, 1, kOutageVolts}},
-    {10, 3, 4, 0.003, true, {kInterrupt, 3, kOutageVolts}},
-    {10, 3, 4, 0.006, true, {kInterrupt, 2, kOutageVolts}},
-    {10, 3, 43, 59.994, false, {kInterrupt, 2, kOutageVolts}},
-    {10, 3, 43, 59.997, false, {kInterrupt, 1, kOutageVolts}},
-    {10, 3, 44, 0, false, {kInterrupt, 3, kOutageVolts}},
+    {5, 9, 17, true, 32.120, {kDip, 1, 161}},
+    {5, 9, 17, false, 32.240, {kDip, 1, 161}},
+    {6, 14, 42, true, 5.400, {kDip, 2, 115}},
+    {6, 14, 42, true, 5.450, {kDip, 3, 138}},
+    {6, 14, 42, false, 5.750, {kDip, 2, 115}},
+    {6, 14, 42, false, 5.830, {kDip, 3, 138}},
+    {8, 22, 8, true, 10, {kDip, 3, 23}},
+    {8, 22, 8, false, 13, {kDip, 3, 23}},
+    {10, 3, 4, true, 0, {kInterrupt, 1, kOutageVolts}},
+    {10, 3, 4, true, 0.003, {kInterrupt, 3, kOutageVolts}},
+    {10, 3, 4, true, 0.006, {kInterrupt, 2, kOutageVolts}},
+    {10, 3, 43, false, 59.994, {kInterrupt, 2, kOutageVolts}},
+    {10, 3, 43, false, 59.997, {kInterrupt, 1, kOutageVolts}},
+    {10, 3, 44, false, 0, {kInterrupt, 3, kOutageVolts}},
 };
 
 // Whether interval `i` of the week lies on one of its first `days` days between two hours.

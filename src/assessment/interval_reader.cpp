@@ -56,6 +56,7 @@ Gathered Begin(const Subject& subject) {
   }
   const auto spectra = [&](const std::vector<std::string>& channels) {
     std::vector<SpectrumGauges> gauges;
+    gauges.reserve(channels.size());
     for (const std::string& channel : channels) {
       gauges.push_back({channel, false, std::vector<Gauge>(kHighestOrder + 1, Gauge(parts))});
     }
