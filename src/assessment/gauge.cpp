@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace quorvex {
 namespace {
@@ -38,11 +39,12 @@ void Gauge::Close() {
 }
 
 float Gauge::ValueAt(double needed, const Band& band) {
-  std::vector<float> values = Values();
-  const auto place = static_cast<std::ptrdiff_t>(PlaceOf(needed, values.size()));
-  std::nth_element(values.begin(), values.begin() + place, values.end(),
-                   [&](float a, float b) { return band.Reach(a) < band.Reach(b); });
-  return values[static_cast<size_t>(place)];
+  std::vector<std::pair<double, float>> reaches;
+  reaches.reserve(Values().size());
+  for (const float value : Values()) reaches.emplace_back(band.Reach(value), value);
+  const auto place = static_cast<std::ptrdiff_t>(PlaceOf(needed, reaches.size()));
+  std::nth_element(reaches.begin(), reaches.begin() + place, reaches.end());
+  return reaches[static_cast<size_t>(place)].second;
 }
 
 uint64_t Gauge::Within(const Band& band) {
