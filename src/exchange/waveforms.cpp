@@ -95,6 +95,7 @@ std::unique_ptr<TableRows> SamplesOf(const std::string& path,
   ReadOptions one = options;
   one.first = one.last = record;
   std::vector<std::string> columns;
+  columns.reserve(channels.size());
   for (const WaveChannel& channel : channels) columns.push_back(channel.column);
   return std::make_unique<TableRows>(path, kSamples, columns, one);
 }

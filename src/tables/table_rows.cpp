@@ -1,6 +1,9 @@
 #include "tables/table_rows.h"
 
 #include <algorithm>
+#include <limits>
+
+#include "layout/date_time.h"
 
 namespace quorvex {
 

@@ -1,12 +1,10 @@
 // Goes through a table of a recording row by row.
 #pragma once
 
-#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "layout/date_time.h"
 #include "tables/cursor.h"
 
 namespace quorvex {

@@ -12,6 +12,7 @@
 
 #include "exchange/pqdif.h"
 #include "shared/gather.h"
+#include "shared/jobs.h"
 #include "shared/messages.h"
 #include "shared/output_places.h"
 #include "support/file.h"

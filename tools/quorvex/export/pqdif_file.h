@@ -5,7 +5,8 @@
 #include <vector>
 
 #include "exchange/pqdif_records.h"
-#include "shared/jobs.h"
+#include "shared/progress.h"
+#include "shared/system.h"
 #include "tables/cursor.h"
 
 namespace quorvex::tool {

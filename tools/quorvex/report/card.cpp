@@ -1,11 +1,10 @@
 #include "report/card.h"
 
 #include <algorithm>
-#include <map>
 
+#include "assessment/chains.h"
 #include "findings/soundness.h"
 #include "records/walk.h"
-#include "shared/gather.h"
 #include "shared/messages.h"
 #include "shared/scratch.h"
 

@@ -1,12 +1,10 @@
 // What a report knows of a card: its recordings, what they say of the network, and what happened.
 #pragma once
 
-#include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "assessment/chains.h"
+#include "assessment/indices.h"
 #include "assessment/voltage_events.h"
 #include "report/listings.h"
 #include "shared/inspection.h"

@@ -96,6 +96,7 @@ Listing ListingOf(const std::string& path, size_t recording, const ListedType& t
 void ForEachListed(const std::string& path, const ListedType& type, const ReadOptions& options,
                    const std::function<void(const std::vector<Cell>&)>& take) {
   std::vector<std::string> columns;
+  columns.reserve(type.columns.size());
   for (const ListedColumn& column : type.columns) columns.emplace_back(column.column);
   TableRows rows(path, "records", columns, options);
   std::vector<Cell> cells(columns.size());

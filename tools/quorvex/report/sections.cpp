@@ -148,6 +148,7 @@ std::string ListingHtml(const PageData& page, const char* key) {
       for (size_t i = 0; i < listing.rows.size() && before + i < kMostListed; ++i) {
         const std::vector<Cell>& row = listing.rows[i];
         std::vector<std::string> cells;
+        cells.reserve(row.size() + 1);
         for (const Cell& cell : row) cells.push_back(CellText(cell, page.request));
         cells.push_back(ShownName(page, listing.recording));
         table.Row(cells);
