@@ -24,20 +24,6 @@ double Band::Reach(float value) const {
   return Contains(value) ? std::min(reach, 1.0) : std::max(reach, std::nextafter(1.0, 2.0));
 }
 
-void Gauge::Close() {
-  if (window_ != kNone) {
-    if (flagged_window_) {
-      ++flagged_;
-    } else if (got_ == parts_) {
-      const double mean = std::sqrt(squares_ / parts_);
-      values_.push_back(static_cast<float>(parts_ == 1 ? last_ : mean));
-    }
-  }
-  got_ = 0;
-  squares_ = 0;
-  flagged_window_ = false;
-}
-
 float Gauge::ValueAt(double needed, const Band& band) {
   std::vector<std::pair<double, float>> reaches;
   reaches.reserve(Values().size());

@@ -54,7 +54,18 @@ class Gauge {
  private:
   static constexpr int64_t kNone = INT64_MIN;
   static constexpr double kMost = std::numeric_limits<float>::max();
-  void Close();
+  void Close() {
+    if (flagged_window_) {
+      ++flagged_;
+    } else if (got_ == parts_) {
+      // What is not put together stays as it is.
+      const double mean = parts_ == 1 ? last_ : std::sqrt(squares_ / parts_);
+      values_.push_back(static_cast<float>(mean));
+    }
+    got_ = 0;
+    squares_ = 0;
+    flagged_window_ = false;
+  }
 
   uint32_t parts_ = 1;
   int64_t window_ = kNone;

@@ -41,8 +41,7 @@ bool TableRows::Next() {
   return true;
 }
 
-double TableRows::Number(size_t column) const {
-  const ColumnData* data = Data(column);
+double TableRows::OtherNumber(const ColumnData* data) const {
   if (data == nullptr || !data->Has(row_)) return std::numeric_limits<double>::quiet_NaN();
   switch (data->column->type) {
     case ValueType::kInt32:
@@ -53,10 +52,11 @@ double TableRows::Number(size_t column) const {
       return data->At<double>(row_);
     case ValueType::kInt64:
     case ValueType::kTime:
+      return static_cast<double>(data->At<int64_t>(row_));
     case ValueType::kText:
       break;
   }
-  return static_cast<double>(Integer(column));
+  return std::numeric_limits<double>::quiet_NaN();
 }
 
 int64_t TableRows::Integer(size_t column) const {

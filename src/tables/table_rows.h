@@ -28,13 +28,19 @@ class TableRows {
   // The next row; false where there are no more.
   bool Next();
   // What the row has: NaN, or kNoTime, where that is nothing.
-  double Number(size_t column) const;
+  double Number(size_t column) const {
+    const ColumnData* data = Data(column);
+    const bool plain = data != nullptr && data->column->type == ValueType::kFloat;
+    // Missing floats are NaN themselves.
+    return plain ? static_cast<double>(data->At<float>(row_)) : OtherNumber(data);
+  }
   int64_t Integer(size_t column) const;
   Cell CellAt(size_t column) const;
 
   const RecordingHead& head() const { return head_; }
 
  private:
+  double OtherNumber(const ColumnData* data) const;
   const ColumnData* Data(size_t column) const {
     return slots_[column] >= 0 ? &batch_.columns[static_cast<size_t>(slots_[column])] : nullptr;
   }
