@@ -22,15 +22,7 @@ ExitCode CodeOf(const CheckResult& result) {
 Json ToJson(const std::string& path, const CheckResult& result) {
   Json entry = JsonOf(path, result.recording, result.recording.records);
   entry["worst"] = result.findings.list.empty() ? Json() : Json(NameOf(result.findings.worst));
-  entry["findings"] = Json::array();
-  for (const Finding& f : result.findings.list) {
-    entry["findings"].push_back({{"severity", NameOf(f.severity)},
-                                 {"kind", NameOf(f.kind)},
-                                 {"offset", OrNull(f.offset)},
-                                 {"record", f.record != 0 ? Json(f.record) : Json()},
-                                 {"element", f.element.empty() ? Json() : Json(f.element)},
-                                 {"text", f.text}});
-  }
+  entry["findings"] = FindingsOf(result.findings);
   entry["unlisted"] = Json::object();
   for (size_t k = 0; k < kFindingKinds; ++k) {
     const auto kind = static_cast<FindingKind>(k);

@@ -12,13 +12,15 @@
 #include "shared/help.h"
 #include "shared/messages.h"
 #include "shared/output_places.h"
+#include "shared/paths.h"
 #include "shared/request.h"
 
 namespace quorvex::tool {
 namespace {
 
 struct ExportOptions {
-  std::vector<std::string> inputs, tables;
+  SourcesAsked inputs;
+  std::vector<std::string> tables;
   std::string output, format, records, utc_offset;
   ComtradeAsked comtrade;
   unsigned jobs = 0;
@@ -45,20 +47,20 @@ bool Look(const ExportRequest& request, Job* job) {
   return true;
 }
 
-ExitCode List(const std::vector<std::string>& recordings, const ExportRequest& request) {
+ExitCode List(Gathering* gathering, const ExportRequest& request) {
   ExitCode code = kDone;
   std::set<std::string> known;
   UseBytes(stdout);
   Print(kColumnsHeader);
-  for (const std::string& recording : recordings) {
+  for (Found found; gathering->Next(&found);) {
     Job job;
-    job.input = recording;
-    if (!Look(request, &job)) {
-      Complain(recording, job.problem);
+    job.Take(found);
+    if (!job.problem.empty() || !Look(request, &job)) {
+      Complain(job.culprit, job.problem);
       if (code == kDone) code = job.code;
       continue;
     }
-    const Opened opened(recording);
+    const Opened opened(job.input);
     std::vector<std::string> lines;
     AddColumnLines(opened, opened.Wanted(request).value_or(std::vector<const Table*>()), &lines);
     for (const std::string& line : lines) {
@@ -68,59 +70,63 @@ ExitCode List(const std::vector<std::string>& recordings, const ExportRequest& r
   return code;
 }
 
-void TellSummary(const std::deque<Job>& jobs, const std::string& where) {
-  const auto written =
-      std::count_if(jobs.begin(), jobs.end(), [](const Job& job) { return job.problem.empty(); });
-  Say("found " + std::to_string(jobs.size()) + ", written " + std::to_string(written) +
-      ", skipped " + std::to_string(static_cast<std::ptrdiff_t>(jobs.size()) - written) + "; " +
-      where);
-}
+// What exports of a gathering have in common.
+struct Exporting {
+  const ExportOptions& options;
+  const ExportRequest& request;
+  Gathering* gathering;
+  Ahead* ahead;
+  Progress* progress;
+};
 
 // `what` the outputs are, in the plural.
-ExitCode Run(std::deque<Job>* jobs, const ExportOptions& options, const char* what,
-             const Work& work, unsigned workers, Progress* progress) {
-  const bool finished = RunJobs(jobs, work, workers, progress);
-  TellExisting(*jobs, what);
+ExitCode Run(const Exporting& run, const char* what, Steps steps, bool side_by_side) {
+  Outcome outcome;
+  Counting counting(*run.gathering);
+  steps.next = [&](Job* job) {
+    Found found;
+    if (!run.ahead->Next(&found)) return false;
+    job->Take(found);
+    return true;
+  };
+  steps.told = [&](const Job& job) { outcome.Take(job); };
+  steps.totals = [&] { return counting.Get(); };
+  const bool several = run.ahead->Several() && side_by_side;
+  const bool finished = RunJobs(steps, several ? WorkersFor(run.options.jobs) : 1, run.progress);
+  outcome.TellExisting(what);
   if (!finished) Say("cancelled");
-  if (jobs->size() > 1 && !options.quiet) {
-    TellSummary(*jobs, std::string(what) + " in " + options.output);
+  const bool given_up = steps.given_up && steps.given_up();
+  if (run.ahead->Several() && !run.options.quiet && !given_up) {
+    Say("found " + std::to_string(outcome.found) + ", written " + std::to_string(outcome.written) +
+        ", skipped " + std::to_string(outcome.found - outcome.written) + "; " + what + " in " +
+        run.options.output);
   }
   InterruptsAreDone();
-  if (!finished) return kCancelled;
-  const auto failed =
-      std::find_if(jobs->begin(), jobs->end(), [](const Job& job) { return job.code != kDone; });
-  return failed != jobs->end() ? failed->code : kDone;
+  return finished ? outcome.code : kCancelled;
 }
 
-ExitCode ToFolder(const ExportOptions& options, const ExportRequest& request, std::deque<Job>* jobs,
-                  Progress* progress) {
-  const std::string& folder = options.output;
+ExitCode ToFolder(const Exporting& run) {
+  const ExportRequest& request = run.request;
+  const std::string& folder = run.options.output;
   if (!TakesFiles(folder, "CSV")) return kUsage;
   const std::string columns_path = Inside(folder, "columns.csv");
   if (const std::string problem = ColumnsProblem(folder); !problem.empty()) {
     Complain(columns_path, problem);
     return kNoOutput;
   }
-  // Where nothing can be read no folder is made.
-  bool any = false;
-  for (Job& job : *jobs) any = Look(request, &job) || any;
-  if (any && !MakeFolder(folder)) return kNoOutput;
-  FilePlaces places("table", options.overwrite);
-  for (Job& job : *jobs) {
-    if (!job.problem.empty()) continue;
-    const auto names_of = [&](const std::string& stem) {
-      std::vector<std::string> names;
-      const Opened opened(job.input);
-      for (const Table* table : opened.Wanted(request).value_or(std::vector<const Table*>())) {
-        names.push_back(CsvName(stem, *table));
-      }
-      return names;
-    };
-    places.Take(folder, names_of, &job);
-  }
+  FilePlaces places("table", folder, run.options.overwrite);
   const auto columns = std::make_shared<ColumnLines>();
-  ExitCode code = Run(jobs, options, "tables", WritingCsv(request, columns),
-                      WorkersFor(options.jobs, jobs->size()), progress);
+  Steps steps;
+  steps.look = [&](Job* job) {
+    if (!Look(request, job)) return;
+    const Opened opened(job->input);
+    for (const Table* table : opened.Wanted(request).value_or(std::vector<const Table*>())) {
+      job->names.push_back(CsvName("", *table));
+    }
+  };
+  steps.place = [&](Job* job) { places.Take(job); };
+  steps.work = WritingCsv(request, columns);
+  ExitCode code = Run(run, "tables", steps, true);
   if (columns->lines.empty()) return code;
   if (const std::string problem = WriteColumns(folder, columns->lines); !problem.empty()) {
     Complain(columns_path, "cannot be written: " + problem);
@@ -129,75 +135,69 @@ ExitCode ToFolder(const ExportOptions& options, const ExportRequest& request, st
   return code;
 }
 
-ExitCode ToOutput(const ExportOptions& options, const ExportRequest& request, std::deque<Job>* jobs,
-                  Progress* progress) {
-  if (jobs->size() != 1 || request.tables.size() != 1) {
+ExitCode ToOutput(const Exporting& run) {
+  if (run.ahead->Several() || run.request.tables.size() != 1) {
     Complain("-o -", "standard output takes one table of one recording (--table NAME)");
     return kUsage;
   }
-  Job& job = jobs->front();
-  job.named = "standard output";
-  Look(request, &job);
-  const auto columns = std::make_shared<ColumnLines>();
-  return Run(jobs, options, "tables", WritingCsv(request, columns), 1, progress);
+  Steps steps;
+  steps.look = [&](Job* job) {
+    job->named = "standard output";
+    Look(run.request, job);
+  };
+  steps.work = WritingCsv(run.request, std::make_shared<ColumnLines>());
+  return Run(run, "tables", steps, false);
 }
 
-ExitCode ToDatabase(const ExportOptions& options, const ExportRequest& request,
-                    std::deque<Job>* jobs, Progress* progress) {
+ExitCode ToDatabase(const Exporting& run) {
+  const std::string& output = run.options.output;
   std::string problem;
   if (!HasDatabases(&problem)) {
-    Complain(options.output, problem);
+    Complain(output, problem);
     return kUsage;
   }
-  bool any = false;
-  for (Job& job : *jobs) {
-    job.output = job.named = options.output;
-    any = Look(request, &job) || any;
-  }
   // Where nothing can be read no database is made.
-  Work work = [](Job*, unsigned) {};
-  if (any) work = WritingDatabase(options.output, request, options.inputs, &problem);
-  if (work == nullptr) {
-    Complain(options.output, problem);
-    return kNoOutput;
-  }
-  return Run(jobs, options, "tables", work, 1, progress);
+  Work write;
+  Steps steps;
+  steps.look = [&](Job* job) {
+    job->output = job->named = output;
+    if (!Look(run.request, job) || write != nullptr) return;
+    if (problem.empty()) write = WritingDatabase(output, run.request, &problem);
+    if (write == nullptr) job->Fail(kNoOutput, output, problem);
+  };
+  steps.work = [&](Job* job, unsigned worker) { write(job, worker); };
+  // A database that cannot be used is so for all.
+  steps.given_up = [&] { return write == nullptr && !problem.empty(); };
+  return Run(run, "tables", steps, false);
 }
 
 // A card has recordings without waveforms too. They are told, and are a failure only where that
 // leaves nothing to write.
-ExitCode ToComtrade(const ExportOptions& options, const ExportRequest& request,
-                    std::deque<Job>* jobs, Progress* progress) {
+ExitCode ToComtrade(const Exporting& run) {
   ComtradeForm form;
-  if (const std::string problem = FormOf(options.comtrade, &form); !problem.empty()) {
+  if (const std::string problem = FormOf(run.options.comtrade, &form); !problem.empty()) {
     Say(problem);
     return kUsage;
   }
-  if (options.output == "-") {
+  if (run.options.output == "-") {
     Complain("-o -", "COMTRADE files need a folder");
     return kUsage;
   }
-  if (!TakesFiles(options.output, "COMTRADE")) return kUsage;
-  std::deque<std::vector<std::string>> endings;
+  if (!TakesFiles(run.options.output, "COMTRADE")) return kUsage;
+  FilePlaces places("file", run.options.output, run.options.overwrite);
   bool any = false;
-  for (Job& job : *jobs) {
-    endings.emplace_back();
-    if (!Look(request, &job)) continue;
-    endings.back() = ComtradeEndings(job.input, request.read, form);
-    if (endings.back().empty()) job.Fail(kDone, job.input, "has no waveforms");
-    any = any || !endings.back().empty();
-  }
-  if (any && !MakeFolder(options.output)) return kNoOutput;
-  FilePlaces places("file", options.overwrite);
-  for (size_t i = 0; i < jobs->size(); ++i) {
-    const auto names_of = [&](const std::string& stem) {
-      for (std::string& ending : endings[i]) ending.insert(0, stem);
-      return endings[i];
-    };
-    if ((*jobs)[i].problem.empty()) places.Take(options.output, names_of, &(*jobs)[i]);
-  }
-  const ExitCode code = Run(jobs, options, "files", WritingComtrade(request, form),
-                            WorkersFor(options.jobs, jobs->size()), progress);
+  Steps steps;
+  steps.look = [&](Job* job) {
+    if (!Look(run.request, job)) return;
+    job->names = ComtradeEndings(job->input, run.request.read, form);
+    if (job->names.empty()) job->Fail(kDone, job->input, "has no waveforms");
+  };
+  steps.place = [&](Job* job) {
+    any = true;
+    places.Take(job);
+  };
+  steps.work = WritingComtrade(run.request, form);
+  const ExitCode code = Run(run, "files", steps, true);
   return code == kDone && !any ? kUnknownType : code;
 }
 
@@ -241,7 +241,11 @@ const char* FormatProblem(const std::string& format, const ExportOptions& option
   return nullptr;
 }
 
-ExitCode Export(const ExportOptions& options) {
+ExitCode Export(ExportOptions options) {
+  if (const std::string problem = ProblemOf(&options.inputs); !problem.empty()) {
+    Say(problem);
+    return kUsage;
+  }
   ExportRequest request;
   request.tables = options.tables;
   request.overwrite = options.overwrite;
@@ -274,31 +278,27 @@ ExitCode Export(const ExportOptions& options) {
     return kUsage;
   }
   Progress progress(!options.quiet && !options.list);
-  std::vector<std::string> recordings;
-  const bool gathered = GatherRecordings(options.inputs, &recordings);
-  if (recordings.empty()) return kNoInput;
-  if (options.list) {
-    const ExitCode code = List(recordings, request);
-    return code == kDone && !gathered ? kNoInput : code;
+  const Sources& sources = options.inputs.sources;
+  std::unique_ptr<Gathering> gathering;
+  if (const std::string reason = Gathering::Prepare(sources, &gathering); !reason.empty()) {
+    Complain(sources.list, reason);
+    return kNoInput;
+  }
+  if (options.list) return List(gathering.get(), request);
+  if (format == "pqdif") {
+    std::vector<std::string> recordings;
+    const bool complete = GatherRecordings(gathering.get(), &recordings);
+    if (recordings.empty()) return complete ? kDone : kNoInput;
+    CatchInterrupts();
+    const ExitCode code = ToPqdif(options, request, recordings, &progress);
+    return code == kDone && !complete ? kNoInput : code;
   }
   CatchInterrupts();
-  if (format == "pqdif") {
-    const ExitCode code = ToPqdif(options, request, recordings, &progress);
-    return code == kDone && !gathered ? kNoInput : code;
-  }
-  std::deque<Job> jobs;
-  for (const std::string& recording : recordings) jobs.emplace_back().input = recording;
-  ExitCode code = kDone;
-  if (format == "comtrade") {
-    code = ToComtrade(options, request, &jobs, &progress);
-  } else if (format == "sqlite") {
-    code = ToDatabase(options, request, &jobs, &progress);
-  } else if (options.output == "-") {
-    code = ToOutput(options, request, &jobs, &progress);
-  } else {
-    code = ToFolder(options, request, &jobs, &progress);
-  }
-  return code == kDone && !gathered ? kNoInput : code;
+  Ahead ahead(gathering.get());
+  const Exporting run = {options, request, gathering.get(), &ahead, &progress};
+  if (format == "comtrade") return ToComtrade(run);
+  if (format == "sqlite") return ToDatabase(run);
+  return options.output == "-" ? ToOutput(run) : ToFolder(run);
 }
 
 }  // namespace
@@ -307,11 +307,12 @@ Command AddExport(CLI::App& app) {
   const auto options = std::make_shared<ExportOptions>();
   CLI::App* line = app.add_subcommand(
       "export", "Write recordings as tables: CSV, SQLite; as PQDIF; waveforms as COMTRADE");
-  TakePaths(line, &options->inputs);
+  TakeSources(line, &options->inputs);
   line->add_option(
           "-o,--output", options->output,
-          "A folder for CSV files, one a table; a database, which ends in .sqlite or .db; - "
-          "is standard output, for one table of one recording; a PQDIF file, which ends in .pqd")
+          "A folder for CSV files, one a table, in which the folders below PATH are mirrored; a "
+          "database, which ends in .sqlite or .db; - is standard output, for one table of one "
+          "recording; a PQDIF file, which ends in .pqd")
       ->option_text("PATH");
   line->add_option("--format", options->format,
                    "csv, sqlite or pqdif, whatever the output is called; comtrade: waveforms as "

@@ -9,6 +9,7 @@
 #include "shared/help.h"
 #include "shared/inspection.h"
 #include "shared/json.h"
+#include "shared/paths.h"
 #include "shared/scratch.h"
 
 namespace quorvex::tool {

@@ -10,6 +10,7 @@
 #include "shared/help.h"
 #include "shared/messages.h"
 #include "shared/output_places.h"
+#include "shared/paths.h"
 #include "shared/request.h"
 #include "shared/text_file.h"
 

@@ -65,12 +65,12 @@ bool Prepare(const std::vector<WaveChannel>& channels, uint64_t number,
 
 void WriteRecord(const std::vector<WaveChannel>& channels, uint64_t number,
                  const ComtradeRecord& record, const ComtradeForm& form,
-                 const ExportRequest& request, unsigned worker, Placed* placed, Job* job) {
+                 const ExportRequest& request, unsigned worker, Job* job) {
   const std::string stem = job->output, named = job->named;
   const auto write = [&](const char* ending, const std::function<bool(Writer*)>& content) {
     job->output = stem + ending;
     job->named = named + ending;
-    WriteOutput(kWhat, request.overwrite, worker, placed, job, content);
+    WriteOutput(kWhat, request.overwrite, worker, job, content);
   };
   const auto configuration = [&](Writer* writer) {
     *writer->text() += ComtradeConfiguration(record, form);
@@ -95,8 +95,7 @@ void WriteRecord(const std::vector<WaveChannel>& channels, uint64_t number,
   if (job->problem.empty()) write(".cfg", configuration);
 }
 
-void RunJob(const ExportRequest& request, const ComtradeForm& form, unsigned worker, Placed* placed,
-            Job* job) {
+void RunJob(const ExportRequest& request, const ComtradeForm& form, unsigned worker, Job* job) {
   const Opened opened(job->input);
   if (opened.code != kDone) return job->Fail(opened.code, job->input, opened.problem);
   const std::vector<WaveChannel> channels = WaveChannels(job->input);
@@ -111,7 +110,7 @@ void RunJob(const ExportRequest& request, const ComtradeForm& form, unsigned wor
       job->named = named + NumberIn(numbers, wave.number);
       FindScales(form, &record);
       ++written;
-      WriteRecord(channels, wave.number, record, form, request, worker, placed, job);
+      WriteRecord(channels, wave.number, record, form, request, worker, job);
     }
     job->fraction = static_cast<float>(++done) / static_cast<float>(numbers.size());
     return job->problem.empty();
@@ -160,10 +159,7 @@ std::vector<std::string> ComtradeEndings(const std::string& path, const ReadOpti
 }
 
 Work WritingComtrade(const ExportRequest& request, const ComtradeForm& form) {
-  const auto placed = std::make_shared<Placed>();
-  return [request, form, placed](Job* job, unsigned worker) {
-    RunJob(request, form, worker, placed.get(), job);
-  };
+  return [request, form](Job* job, unsigned worker) { RunJob(request, form, worker, job); };
 }
 
 }  // namespace quorvex::tool

@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "export/output_files.h"
-#include "shared/gather.h"
+#include "shared/paths.h"
 #include "shared/text_file.h"
 #include "tables/csv.h"
 
@@ -25,8 +25,7 @@ bool WriteTable(Opened* opened, const Table& table, const ReadOptions& options, 
   return read && to->Write();
 }
 
-void RunJob(const ExportRequest& request, unsigned worker, Placed* placed, ColumnLines* columns,
-            Job* job) {
+void RunJob(const ExportRequest& request, unsigned worker, ColumnLines* columns, Job* job) {
   Opened opened(job->input);
   if (opened.code != kDone) return job->Fail(opened.code, job->input, opened.problem);
   const auto wanted = opened.Wanted(request);
@@ -43,7 +42,7 @@ void RunJob(const ExportRequest& request, unsigned worker, Placed* placed, Colum
   for (size_t i = 0; i < wanted->size() && job->problem.empty(); ++i) {
     job->output = CsvName(stem, *(*wanted)[i]);
     job->named = CsvName(named, *(*wanted)[i]);
-    WriteOutput("table", request.overwrite, worker, placed, job, [&](Writer* writer) {
+    WriteOutput("table", request.overwrite, worker, job, [&](Writer* writer) {
       return WriteTable(&opened, *(*wanted)[i], request.read, writer, job);
     });
     job->fraction = static_cast<float>(i + 1) / static_cast<float>(wanted->size());
@@ -67,9 +66,8 @@ std::string CsvName(const std::string& stem, const Table& table) {
 }
 
 Work WritingCsv(const ExportRequest& request, const std::shared_ptr<ColumnLines>& columns) {
-  const auto placed = std::make_shared<Placed>();
-  return [request, columns, placed](Job* job, unsigned worker) {
-    RunJob(request, worker, placed.get(), columns.get(), job);
+  return [request, columns](Job* job, unsigned worker) {
+    RunJob(request, worker, columns.get(), job);
   };
 }
 

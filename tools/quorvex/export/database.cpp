@@ -12,8 +12,8 @@
 #include <stdexcept>
 
 #include "inspection/facts.h"
-#include "shared/gather.h"
 #include "shared/output_places.h"
+#include "shared/paths.h"
 
 namespace quorvex::tool {
 namespace {
@@ -334,28 +334,14 @@ struct Transfer {
   }
 };
 
-// The path of a recording below the one that was given: on the same card it stays the same.
-std::string PathBelow(const std::string& recording, const std::vector<std::string>& inputs) {
-  std::string path = NameOnly(recording);
-  for (const std::string& input : inputs) {
-    const std::string front = Inside(input, "");
-    if (recording.compare(0, front.size(), front) == 0) path = recording.substr(front.size());
-  }
-  path = Utf8(path);
-#ifdef _WIN32
-  std::replace(path.begin(), path.end(), '\\', '/');
-#endif
-  return path;
-}
-
 void RunJob(Database* database, const ExportRequest& request,
-            const std::vector<std::string>& inputs, std::map<std::string, std::string>* taken,
-            Job* job) {
+            std::map<std::string, std::string>* taken, Job* job) {
   Opened opened(job->input);
   const auto wanted = opened.Wanted(request);
   if (opened.code != kDone) return job->Fail(opened.code, job->input, opened.problem);
   if (!wanted) return job->Fail(kNoInput, job->input, "has changed meanwhile");
-  const std::string path = IsSpooled(job->input) ? "-" : PathBelow(job->input, inputs);
+  // On the same card it stays the same.
+  const std::string path = IsSpooled(job->input) ? "-" : Utf8(job->below);
   const auto& serial = opened.head.settings.ee_serial_number;
   const auto [entry, is_new] =
       taken->emplace(path + "\n" + std::string(serial, sizeof serial), job->input);
@@ -383,8 +369,7 @@ void RunJob(Database* database, const ExportRequest& request,
 
 bool HasDatabases(std::string*) { return true; }
 
-Work WritingDatabase(const std::string& path, const ExportRequest& request,
-                     const std::vector<std::string>& inputs, std::string* problem) {
+Work WritingDatabase(const std::string& path, const ExportRequest& request, std::string* problem) {
   if (IsRecording(path)) {
     *problem =
         Exists(path) ? "is a recording; it is not overwritten" : "has the name of a recording";
@@ -397,8 +382,8 @@ Work WritingDatabase(const std::string& path, const ExportRequest& request,
   try {
     const auto database = std::make_shared<Database>(path);
     const auto taken = std::make_shared<std::map<std::string, std::string>>();
-    return [database, taken, request, inputs](Job* job, unsigned) {
-      RunJob(database.get(), request, inputs, taken.get(), job);
+    return [database, taken, request](Job* job, unsigned) {
+      RunJob(database.get(), request, taken.get(), job);
     };
   } catch (const DatabaseError& error) {
     *problem = error.what();
@@ -417,8 +402,7 @@ bool HasDatabases(std::string* problem) {
   return false;
 }
 
-Work WritingDatabase(const std::string&, const ExportRequest&, const std::vector<std::string>&,
-                     std::string* problem) {
+Work WritingDatabase(const std::string&, const ExportRequest&, std::string* problem) {
   HasDatabases(problem);
   return nullptr;
 }

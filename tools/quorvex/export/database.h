@@ -10,9 +10,8 @@ namespace quorvex::tool {
 bool HasDatabases(std::string* problem);
 
 // Jobs that put the rows of a recording into the database at `path`, in the place of those that it
-// has there. `inputs` are the paths that were given: below them a recording is known by its path.
-// Where the database cannot be used there is no work, and a problem.
-Work WritingDatabase(const std::string& path, const ExportRequest& request,
-                     const std::vector<std::string>& inputs, std::string* problem);
+// has there. A recording is known by its path below the folder that was given. Where the database
+// cannot be used there is no work, and a problem.
+Work WritingDatabase(const std::string& path, const ExportRequest& request, std::string* problem);
 
 }  // namespace quorvex::tool

@@ -1,23 +1,9 @@
 #include "export/output_files.h"
 
-#include <algorithm>
-#include <cctype>
-
-#include "shared/gather.h"
 #include "shared/messages.h"
+#include "shared/paths.h"
 
 namespace quorvex::tool {
-namespace {
-
-std::string StemOf(const std::string& recording) {
-  if (IsSpooled(recording)) return "recording";
-  const std::string name = NameOnly(recording);
-  const size_t dot = name.rfind('.');
-  return dot == std::string::npos || dot == 0 ? name : name.substr(0, dot);
-}
-
-}  // namespace
-
 bool TakesFiles(const std::string& folder, const char* what) {
   const bool takes = !Exists(folder) || IsFolder(folder);
   if (!takes) Complain(folder, std::string("is no folder; ") + what + " files need one");
@@ -30,21 +16,20 @@ bool MakeFolder(const std::string& folder) {
   return made;
 }
 
-void FilePlaces::Take(
-    const std::string& folder,
-    const std::function<std::vector<std::string>(const std::string& stem)>& names_of, Job* job) {
-  const std::string stem = Inside(folder, StemOf(job->input));
+void FilePlaces::Take(Job* job) {
+  std::string stem = WithoutExtension(job->below);
+  if (!job->front.empty()) stem = Inside(job->front, stem);
+  stem = Inside(folder_, stem);
+  if (!places_.Enter(FolderOf(stem), job)) return;
   // Folders travel: names that differ by case only would be one elsewhere.
-  std::string key = NameOnly(stem);
-  std::transform(key.begin(), key.end(), key.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  const auto [entry, is_new] = stems_.emplace(key, job->input);
+  const auto [entry, is_new] =
+      job->folder->stems.emplace(InSmallLetters(NameOnly(stem)), job->input);
   if (!is_new) {
     return job->Fail(kNoOutput, job->input,
                      "its " + what_ + "s would be those of " + entry->second + " already");
   }
-  for (const std::string& name : names_of(stem)) {
-    job->output = job->named = name;
+  for (const std::string& name : job->names) {
+    job->output = job->named = stem + name;
     if (job->named.size() > kMaxPath) {
       job->Fail(kNoOutput, job->named, "the path is longer than 511 bytes");
     } else if (IsFolder(job->named)) {
@@ -77,7 +62,7 @@ void FailWriting(Job* job) {
       "cannot be written" + (job->write_error != 0 ? ": " + TextOfError(job->write_error) : ""));
 }
 
-void WriteOutput(const char* what, bool overwrite, unsigned worker, Placed* placed, Job* job,
+void WriteOutput(const char* what, bool overwrite, unsigned worker, Job* job,
                  const std::function<bool(Writer*)>& write) {
   Scratch scratch(worker);
   if (!scratch.Create(FolderOf(job->output))) {
@@ -88,7 +73,7 @@ void WriteOutput(const char* what, bool overwrite, unsigned worker, Placed* plac
   Writer writer(file);
   const bool written = write(&writer) && writer.Write();
   if (!CloseFile(file) || !written) return FailWriting(job);
-  placed->Put(&scratch, overwrite, what, job);
+  Put(&scratch, {overwrite, false}, what, job);
 }
 
 }  // namespace quorvex::tool

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <functional>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -21,19 +20,17 @@ bool MakeFolder(const std::string& folder);
 // Takes the places of all of a recording's files, or fails it.
 class FilePlaces {
  public:
-  // `what` a file is, in words.
-  FilePlaces(const char* what, bool overwrite) : what_(what), places_(what, overwrite) {}
+  // `what` a file is, in words. They go below `folder`, where folders are mirrored.
+  FilePlaces(const char* what, const std::string& folder, bool overwrite)
+      : what_(what), folder_(folder), places_(what, overwrite, true) {}
 
-  // The job's output becomes the folder and the stem of its files, whose names `names_of` says for
-  // that stem.
-  void Take(const std::string& folder,
-            const std::function<std::vector<std::string>(const std::string& stem)>& names_of,
-            Job* job);
+  // The job's names are those of the files behind its stem. Its output becomes the folder and the
+  // stem.
+  void Take(Job* job);
 
  private:
-  std::string what_;
+  std::string what_, folder_;
   OutputPlaces places_;
-  std::map<std::string, std::string> stems_;
 };
 
 // Gathers text, and hands it on in large pieces.
@@ -58,7 +55,7 @@ void FailWriting(Job* job);
 
 // Writes the job's output through `write`, which returns false where it gave up. It gets its name
 // when it is complete. `what` it is, in words.
-void WriteOutput(const char* what, bool overwrite, unsigned worker, Placed* placed, Job* job,
+void WriteOutput(const char* what, bool overwrite, unsigned worker, Job* job,
                  const std::function<bool(Writer*)>& write);
 
 }  // namespace quorvex::tool

@@ -11,10 +11,10 @@
 #include <memory>
 
 #include "exchange/pqdif.h"
-#include "shared/gather.h"
 #include "shared/jobs.h"
 #include "shared/messages.h"
 #include "shared/output_places.h"
+#include "shared/paths.h"
 #include "support/file.h"
 
 namespace quorvex::tool {
@@ -172,7 +172,7 @@ Plan PlanOf(const std::vector<std::string>& recordings) {
   return plan;
 }
 
-void TellNotes(const Plan& plan, const PqdifRequest& request, const std::deque<Job>& jobs,
+void TellNotes(const Plan& plan, const PqdifRequest& request, const Outcome& outcome,
                uint64_t left_out, const PqdifFiles& files) {
   if (!request.read.utc_offset) Say(kClockNote);
   std::string names;
@@ -188,11 +188,10 @@ void TellNotes(const Plan& plan, const PqdifRequest& request, const std::deque<J
     Say("one file would be too large for its readers; " + files.Names() +
         " are each complete in themselves");
   }
-  if (jobs.size() < 2) return;
-  const auto failed = static_cast<size_t>(
-      std::count_if(jobs.begin(), jobs.end(), [](const Job& job) { return job.code != kDone; }));
-  Say("found " + std::to_string(jobs.size()) + ", written " + std::to_string(jobs.size() - failed) +
-      ", skipped " + std::to_string(failed) + "; PQDIF in " + files.Names());
+  if (outcome.found < 2) return;
+  const size_t written = outcome.found - outcome.failed;
+  Say("found " + std::to_string(outcome.found) + ", written " + std::to_string(written) +
+      ", skipped " + std::to_string(outcome.failed) + "; PQDIF in " + files.Names());
 }
 
 }  // namespace
@@ -200,18 +199,6 @@ void TellNotes(const Plan& plan, const PqdifRequest& request, const std::deque<J
 ExitCode ExportPqdif(const PqdifRequest& request, const std::vector<std::string>& recordings,
                      Progress* progress) {
   const Plan plan = PlanOf(recordings);
-  std::deque<Job> jobs;
-  std::map<const Job*, const Plan::Entry*> places;
-  for (const Plan::Entry& entry : plan.entries) {
-    Job& job = jobs.emplace_back();
-    places[&job] = &entry;
-    job.input = entry.path;
-    job.output = job.named = request.output;
-    job.recording = entry.recording;
-    if (entry.recording.code != kDone) {
-      job.Fail(entry.recording.code, entry.path, entry.recording.problem);
-    }
-  }
   Job whole;  // what is about the output alone
   whole.input = recordings.front();
   whole.output = whole.named = request.output;
@@ -235,27 +222,45 @@ ExitCode ExportPqdif(const PqdifRequest& request, const std::vector<std::string>
   uint64_t left_out = 0;
   const pqdif::Source* begun = nullptr;
   bool failed = false;
-  const bool finished = RunJobs(
-      &jobs,
-      [&](Job* job, unsigned) {
-        const Plan::Entry* place = places.at(job);
-        if (failed || !place->has_place) return;
-        const pqdif::Source* source = &plan.sources[place->source];
-        const std::string name = IsSpooled(job->input) ? "recording" : NameOnly(job->input);
-        pqdif::Recorded recorded = {job->input, name, nullptr, {}};
-        failed = (source != begun && !writer.Begin(*source)) || !writer.Add(&recorded);
-        begun = source;
-        left_out += recorded.left_out;
-      },
-      1, progress);
-  const bool readable =
-      std::any_of(jobs.begin(), jobs.end(), [](const Job& job) { return job.code == kDone; });
+  Counting::Totals totals;
+  for (const Plan::Entry& entry : plan.entries) {
+    ++totals.files;
+    totals.bytes += entry.recording.size;
+  }
+  totals.complete = true;
+  Outcome outcome;
+  Steps steps;
+  steps.next = [&](Job* job) {
+    if (job->number == plan.entries.size()) return false;
+    const Plan::Entry& entry = plan.entries[job->number];
+    job->input = entry.path;
+    job->output = job->named = request.output;
+    job->recording = entry.recording;
+    if (entry.recording.code != kDone) {
+      job->Fail(entry.recording.code, entry.path, entry.recording.problem);
+    }
+    return true;
+  };
+  steps.work = [&](Job* job, unsigned) {
+    const Plan::Entry& entry = plan.entries[job->number];
+    if (failed || !entry.has_place) return;
+    const pqdif::Source* source = &plan.sources[entry.source];
+    const std::string name = IsSpooled(job->input) ? "recording" : NameOnly(job->input);
+    pqdif::Recorded recorded = {job->input, name, nullptr, {}};
+    failed = (source != begun && !writer.Begin(*source)) || !writer.Add(&recorded);
+    begun = source;
+    left_out += recorded.left_out;
+  };
+  steps.told = [&](const Job& job) { outcome.Take(job); };
+  steps.totals = [&] { return totals; };
+  const bool finished = RunJobs(steps, 1, progress);
+  const bool readable = outcome.failed < outcome.found;
   if (finished && !failed && readable) {
     current_job = &whole;
     if (writer.observations() == 0) {
       whole.Fail(kNoInput, request.output, "is not written; the recordings have nothing for it");
     } else if (writer.End() && files.PutInPlaces() && !request.quiet) {
-      TellNotes(plan, request, jobs, left_out, files);
+      TellNotes(plan, request, outcome, left_out, files);
     }
     current_job = nullptr;
     if (whole.code != kDone) Complain(whole.culprit, whole.problem);
@@ -264,9 +269,7 @@ ExitCode ExportPqdif(const PqdifRequest& request, const std::vector<std::string>
   InterruptsAreDone();
   if (!finished) return kCancelled;
   if (whole.code != kDone) return whole.code;
-  const auto first =
-      std::find_if(jobs.begin(), jobs.end(), [](const Job& job) { return job.code != kDone; });
-  return first != jobs.end() ? first->code : kDone;
+  return outcome.code;
 }
 
 }  // namespace quorvex::tool

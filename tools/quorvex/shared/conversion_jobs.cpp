@@ -6,8 +6,11 @@
 #include <optional>
 
 #include "findings/soundness.h"
-#include "shared/gather.h"
+#include "records/record_types.h"
+#include "settings/setting_file.h"
+#include "shared/checksum.h"
 #include "shared/messages.h"
+#include "shared/paths.h"
 #include "xml/conversion.h"
 
 namespace quorvex::tool {
@@ -72,11 +75,15 @@ void CopyToOutput(const std::string& path, Job* job) {
 }
 
 // The document appears under its name only when it is complete.
-void RunJob(Job* job, const Placing& placing, unsigned worker, Placed* placed) {
+void RunJob(Job* job, const ConversionAsked& asked, unsigned worker) {
+  if (job->exists) {
+    if (asked.checksum) Sha256Of(job->output, &job->checksum);
+    return;
+  }
   const bool to_stdout = job->output.empty();
   // Into a device or a pipe the document goes directly: there is no name to keep clean.
   if (!to_stdout && IsSpecial(job->output)) {
-    ConvertInto(job->output, placing.check, job);
+    ConvertInto(job->output, asked.check, job);
     return;
   }
   Scratch scratch(to_stdout ? kOutputSlot : worker);
@@ -87,20 +94,48 @@ void RunJob(Job* job, const Placing& placing, unsigned worker, Placed* placed) {
   if (scratch.path().size() > kMaxPath) {
     return job->Fail(kNoOutput, job->named, "the path is too long");
   }
-  if (!ConvertInto(scratch.path(), placing.check, job)) return;
+  const auto before = asked.unchanged ? StateOf(job->input) : std::nullopt;
+  if (!ConvertInto(scratch.path(), asked.check, job)) return;
+  if (before) {
+    const std::optional<FileState> now = StateOf(job->input);
+    if (!now || now->written != before->written || now->size != before->size) {
+      return job->Fail(kNoInput, job->input, "has changed meanwhile");
+    }
+  }
+  if (asked.checksum && !Sha256Of(scratch.path(), &job->checksum)) {
+    return job->Fail(kNoOutput, job->named, "cannot be read again: " + LastError());
+  }
   if (to_stdout) {
     CopyToOutput(scratch.path(), job);
   } else {
-    placed->Put(&scratch, placing.overwrite, "document", job);
+    Put(&scratch, asked.placing, "document", job);
   }
 }
 
 }  // namespace
 
-Work Converting(const Placing& placing) {
-  const auto placed = std::make_shared<Placed>();
-  return
-      [placing, placed](Job* job, unsigned worker) { RunJob(job, placing, worker, placed.get()); };
+Work Converting(const ConversionAsked& asked) {
+  return [asked](Job* job, unsigned worker) { RunJob(job, asked, worker); };
+}
+
+bool IsCurrent(Job* job) {
+  const std::optional<FileState> document = StateOf(job->output), recording = StateOf(job->input);
+  if (!document || !recording) return false;
+  job->bytes = recording->size;
+  constexpr int64_t kUnsure = 2'000'000'000;
+  const auto is_older = [&](const FileState& than) {
+    return document->written <= than.written + kUnsure;
+  };
+  if (is_older(*recording)) return false;
+  char name[kMaxPath + 1];
+  if (job->input.size() > kMaxPath || !BuildSettingFileName(job->input.c_str(), name, "PAR", 0)) {
+    return true;
+  }
+  const std::optional<FileState> settings = StateOf(name);
+  if (!settings || !is_older(*settings)) return true;
+  // Some types do not take their settings from there.
+  const RecordingHead head(job->input.c_str());
+  return head.type != nullptr && !head.type->companion;
 }
 
 }  // namespace quorvex::tool

@@ -53,6 +53,40 @@ void TakePaths(CLI::App* command, std::vector<std::string>* paths) {
       ->required();
 }
 
+void TakeSources(CLI::App* command, SourcesAsked* asked) {
+  Sources& sources = asked->sources;
+  command->add_option("PATH", sources.paths,
+                      "Recordings, and folders: every .REC file below them; - is standard input");
+  command
+      ->add_option("--files-from", sources.list,
+                   "Take the paths from this file, one a line; - is standard input")
+      ->option_text("FILE");
+  command->add_flag("-0,--null", sources.nulls, "NUL ends the paths of --files-from, no line");
+  command
+      ->add_option("--base", sources.base,
+                   "Mirror what is below this folder, of paths from --files-from; by default the "
+                   "longest folder that they share")
+      ->option_text("DIR");
+  command
+      ->add_option("--shard", asked->share,
+                   "Of the recordings below the folders given only part I of N, so that N machines "
+                   "do each recording once: 3/16")
+      ->option_text("I/N");
+}
+
+std::string ProblemOf(SourcesAsked* asked) {
+  Sources& sources = asked->sources;
+  const bool has_list = !sources.list.empty();
+  if (has_list != sources.paths.empty()) {
+    return has_list ? "--files-from and PATH exclude each other" : "PATH is required; see --help";
+  }
+  if (!has_list && (sources.nulls || !sources.base.empty())) {
+    return "--null and --base go with --files-from";
+  }
+  if (asked->share.empty() || ParseShare(asked->share, &sources.share)) return "";
+  return "--shard " + asked->share + ": is no part I of N such as 3/16";
+}
+
 std::string Footer(const std::vector<std::string>& examples, const std::vector<int>& codes) {
   std::string text = examples.empty() ? "" : "Examples:\n";
   for (const std::string& example : examples) text += "  " + example + "\n";

@@ -3,6 +3,9 @@
 
 #include <CLI/CLI.hpp>
 #include <string>
+#include <vector>
+
+#include "shared/gather.h"
 
 namespace quorvex::tool {
 
@@ -14,6 +17,15 @@ class HelpFormatter : public CLI::Formatter {
 
 // Makes a command take recordings and folders of them.
 void TakePaths(CLI::App* command, std::vector<std::string>* paths);
+
+// The same for a command that takes archives: lists of recordings too, and shares of them.
+struct SourcesAsked {
+  Sources sources;
+  std::string share;
+};
+void TakeSources(CLI::App* command, SourcesAsked* asked);
+// What is wrong with them; empty where nothing is.
+std::string ProblemOf(SourcesAsked* asked);
 
 // What ends the help of a command: examples, and the exit codes that it can have.
 std::string Footer(const std::vector<std::string>& examples, const std::vector<int>& codes);

@@ -3,17 +3,15 @@
 #pragma once
 
 #include <atomic>
-#include <deque>
 #include <functional>
-#include <mutex>
-#include <set>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "findings/findings.h"
+#include "shared/gather.h"
 #include "shared/inspection.h"
 #include "shared/progress.h"
-#include "shared/scratch.h"
 
 namespace quorvex::tool {
 
@@ -22,23 +20,35 @@ struct Range {
   uint32_t last = 0xFFFFFFFF;
 };
 
+struct OutputFolder;
+
 struct Job {
+  size_t number = 0;  // from 0 on, in order
   std::string input;
-  std::string output;  // resolved; empty for standard output
-  std::string named;   // what the user calls it
+  std::string below, front;  // where outputs mirror folders, as Found has them
+  bool walked = false;
+  bool of_folder = false;                // there is no recording, but a folder with a problem
+  std::string output;                    // resolved; empty for standard output
+  std::string named;                     // what the user calls it
+  std::vector<std::string> names;        // of its files, where it has several
+  std::shared_ptr<OutputFolder> folder;  // where its output is to be
   Recording recording;
   Range range;
   ExitCode code = kDone;
   std::string culprit;             // the file that a problem is about
   std::string problem;             // empty where there is none
-  bool exists = false;             // the problem is that the document is there already
+  bool exists = false;             // the output is there already, and stays
+  bool current = false;            // and is newer than what it is made of
+  std::string checksum;            // of the output, where it was asked for
   std::vector<std::string> notes;  // what is to be known of what was made
   Findings findings;
+  std::atomic<uint64_t> bytes{0};  // of the recording, for progress
   std::atomic<float> fraction{0};
   std::atomic<bool> waiting{false};  // for room on its disk
-  std::atomic<bool> finished{false};
+  bool finished = false;
   int write_error = 0;
 
+  void Take(const Found& found);
   void Fail(ExitCode why, const std::string& file, const std::string& text) {
     code = why;
     culprit = file;
@@ -48,6 +58,13 @@ struct Job {
     exists = true;
     Fail(kNoOutput, named, "exists already; --overwrite replaces it");
   }
+  // What is there is as good.
+  void Leave() {
+    exists = true;
+    code = kDone;
+    problem.clear();
+  }
+  bool IsWritten() const { return problem.empty() && !exists; }
 };
 
 // The job that this thread works on; null between jobs. The two callbacks below ask it.
@@ -62,23 +79,41 @@ bool GoOn(int error);
 // Does what a job is about and fills in its outcome, in one of several threads.
 using Work = std::function<void(Job* job, unsigned worker)>;
 
-// Runs the jobs on some threads, in order. Jobs that failed before they began are passed over.
-// Meanwhile shows progress, failures and findings; false where it was interrupted.
-bool RunJobs(std::deque<Job>* jobs, const Work& work, unsigned workers, Progress* progress);
+// What becomes of the jobs of a run. `next` makes them, in order, with one thread at a time; a job
+// that has a problem then or later is passed over by what follows. Any may be null but `next` and
+// `work`.
+struct Steps {
+  std::function<bool(Job*)> next;        // false where there is none left
+  std::function<void(Job*)> look;        // in several threads
+  std::function<void(Job*)> place;       // in order
+  Work work;                             // in several threads
+  std::function<void(Job*)> ended;       // of every job, as they end, one at a time
+  std::function<void(const Job&)> told;  // of every job, in order
+  std::function<Counting::Totals()> totals;
+  std::function<bool()> given_up;  // whether no more jobs are to begin
+};
 
-// As many threads as are asked for and as there are jobs for; 0 asks for as many as there are
-// cores.
-unsigned WorkersFor(unsigned asked, size_t jobs);
+// Runs the jobs on some threads. Meanwhile shows progress, failures and findings; false where it
+// was interrupted. Memory holds no more jobs than `kMostBegun`, however many there are.
+constexpr size_t kMostBegun = 4096;
+bool RunJobs(const Steps& steps, unsigned workers, Progress* progress);
 
-// The files that this run has put in their places.
-class Placed {
- public:
-  // Gives a finished scratch file its name, which is the job's output; `what` it is, in words.
-  void Put(Scratch* scratch, bool overwrite, const char* what, Job* job);
+// As many threads as are asked for; 0 asks for as many as there are cores.
+unsigned WorkersFor(unsigned asked);
 
- private:
-  std::mutex mutex_;
-  std::set<Identity> placed_;
+// What became of the jobs of a run.
+struct Outcome {
+  size_t found = 0, written = 0, failed = 0, existing = 0, current = 0;
+  size_t with_errors = 0, with_warnings = 0;
+  std::string first_existing;  // a problem of one of them
+  std::string first_existing_problem;
+  ExitCode code = kDone;  // the first failure's
+
+  void Take(const Job& job);
+  // "found 3, written 2, skipped 1 (1 exist already)"
+  std::string Text() const;
+  // Says what jobs failed for because it is there already; `what` in the plural.
+  void TellExisting(const std::string& what) const;
 };
 
 }  // namespace quorvex::tool

@@ -30,6 +30,20 @@ inline Json JsonOf(const std::string& path, const Recording& r,
   return entry;
 }
 
+// What was found, in the order of the file.
+inline Json FindingsOf(const Findings& findings) {
+  Json list = Json::array();
+  for (const Finding& f : findings.list) {
+    list.push_back({{"severity", NameOf(f.severity)},
+                    {"kind", NameOf(f.kind)},
+                    {"offset", OrNull(f.offset)},
+                    {"record", f.record != 0 ? Json(f.record) : Json()},
+                    {"element", f.element.empty() ? Json() : Json(f.element)},
+                    {"text", f.text}});
+  }
+  return list;
+}
+
 class JsonArray {
  public:
   void Add(const Json& entry) {

@@ -1,14 +1,14 @@
 #include "shared/output_places.h"
 
-#include <algorithm>
 #include <charconv>
+#include <optional>
 
 #include "records/record_types.h"
-#include "shared/gather.h"
-#include "shared/messages.h"
+#include "shared/paths.h"
 #include "support/file.h"
 
 namespace quorvex::tool {
+
 bool IsRecording(const std::string& path) {
   if (IsRecordingName(path)) return true;
   File file(path.c_str(), kOpenRead);
@@ -17,38 +17,94 @@ bool IsRecording(const std::string& path) {
          FindRecordType(header.type) != nullptr;
 }
 
+std::shared_ptr<OutputFolder> OutputPlaces::NewFolder(const std::string& path) {
+  const std::optional<Identity> identity = IdentityOf(path);
+  const auto known = identity ? known_.find(*identity) : known_.end();
+  if (known != known_.end()) {
+    if (auto folder = known->second.lock()) return folder;
+  }
+  // Not made together with what counts its owners, which lasts as long as what is known of it.
+  std::shared_ptr<OutputFolder> folder(new OutputFolder);
+  folder->path = path;
+  folder->seen_before = known != known_.end();
+  if (identity) {
+    known_[*identity] = folder;
+    RemoveLeftovers(path);
+  }
+  return folder;
+}
+
+bool OutputPlaces::Enter(const std::string& folder, Job* job) {
+  const auto lies_in = [&](const OutputFolder& other) {
+    return folder.compare(0, other.path.size(), other.path) == 0;
+  };
+  if (const auto kept = kept_.find(folder); kept != kept_.end()) {
+    job->folder = kept->second;
+    return true;
+  }
+  while (!walked_.empty() && !lies_in(*walked_.back())) walked_.pop_back();
+  if (!walked_.empty() && walked_.back()->path == folder) {
+    job->folder = walked_.back();
+  } else {
+    if (make_folders_ && !IsFolder(folder) && !CreateFolder(folder)) {
+      job->Fail(kNoOutput, folder, "cannot be created: " + SystemError());
+      return false;
+    }
+    job->folder = NewFolder(folder);
+    if (job->folder->path == folder) walked_.push_back(job->folder);
+  }
+  if (!job->walked) kept_[folder] = job->folder;
+  return true;
+}
+
 void OutputPlaces::Take(Job* job) {
-  if (SameRecording(job->input, job->output)) {
+  const bool there = Exists(job->output);
+  if (there && SameRecording(job->input, job->output)) {
     return job->Fail(kNoOutput, job->named, "is the recording itself; it is not overwritten");
   }
-  if (IsSpecial(job->output)) return;
-  if (IsRecording(job->output)) {
-    return job->Fail(kNoOutput, job->named,
-                     Exists(job->output) ? "is a recording; it is not overwritten"
-                                         : "has the name of a recording");
+  if (there && IsSpecial(job->output)) return;
+  if (IsRecordingName(job->output) || (there && !job->current && IsRecording(job->output))) {
+    return job->Fail(
+        kNoOutput, job->named,
+        there ? "is a recording; it is not overwritten" : "has the name of a recording");
   }
-  const auto [entry, is_new] = taken_.emplace(PathKey(job->output), job->input);
+  if (!Enter(FolderOf(job->output), job)) return;
+  const auto [entry, is_new] =
+      job->folder->taken.emplace(NameKey(NameOnly(job->output)), job->input);
   if (!is_new) {
     return job->Fail(
         kNoOutput, job->input,
         "its " + what_ + " " + job->named + " is the one of " + entry->second + " already");
   }
-  if (!overwrite_ && Exists(job->output)) return job->FailExisting();
-  CleanUp(FolderOf(job->output));
+  if (!there || job->current) return;
+  if (!overwrite_) return job->FailExisting();
+  if (job->folder->seen_before) {
+    job->Fail(kNoOutput, job->named,
+              "may be of another recording of this run, which came into this folder another way");
+  }
 }
 
-void OutputPlaces::CleanUp(const std::string& folder) {
-  if (cleaned_.insert(folder).second) RemoveLeftovers(folder);
-}
-
-void TellExisting(const std::deque<Job>& jobs, const std::string& what) {
-  const auto exists = [](const Job& job) { return job.exists; };
-  const auto count = std::count_if(jobs.begin(), jobs.end(), exists);
-  if (count == 0) return;
-  const Job& first = *std::find_if(jobs.begin(), jobs.end(), exists);
-  if (count == 1) return Complain(first.culprit, first.problem);
-  Say(std::to_string(count) + " " + what + " exist already, the first is " + first.named +
-      "; --overwrite replaces them");
+void Put(Scratch* scratch, const Placing& placing, const char* what, Job* job) {
+  // Waiting for the disk is for many at a time.
+  if (placing.sync && !SyncFile(scratch->path())) {
+    return job->Fail(kNoOutput, job->named, "cannot be written: " + SystemError());
+  }
+  const std::lock_guard<std::mutex> lock(job->folder->mutex);
+  std::set<Identity>& placed = job->folder->placed;
+  const std::optional<Identity> there = IdentityOf(job->output);
+  if (there && placed.count(*there) != 0) {
+    return job->Fail(
+        kNoOutput, job->input,
+        "its " + std::string(what) + " " + job->named + " is the one of another recording already");
+  }
+  const std::optional<Identity> fresh = IdentityOf(scratch->path());
+  if (scratch->Become(job->output, placing.overwrite)) {
+    if (fresh) placed.insert(*fresh);
+    return;
+  }
+  const std::string reason = SystemError();
+  if (!placing.overwrite && Exists(job->output)) return job->FailExisting();
+  job->Fail(kNoOutput, job->named, "cannot be written: " + reason);
 }
 
 bool ParseRange(const std::string& text, Range* range) {

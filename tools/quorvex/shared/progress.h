@@ -4,12 +4,14 @@
 
 #include <chrono>
 #include <cstddef>
+#include <string>
 
 namespace quorvex::tool {
 
 struct Done {
-  size_t files = 0, of_files = 0;
+  uint64_t files = 0, of_files = 0;  // of 0: how many is not known yet
   double bytes = 0, of_bytes = 0;
+  std::string current;  // the file that is worked on
 };
 
 class Progress {

@@ -9,7 +9,7 @@
 #include <optional>
 #include <vector>
 
-#include "shared/gather.h"
+#include "shared/paths.h"
 #include "shared/system.h"
 #include "support/file.h"
 
@@ -52,7 +52,7 @@ bool Scratch::Create(const std::string& folder, const char* extension) {
   Remove();
   const std::string front = Inside(folder, OfThisMachine() + std::to_string(ProcessId()) + "-");
   // In the folder for temporary files others may put what they like under such a name, or look.
-  const bool among_others = slot_ >= kMostWorkers;
+  const bool among_others = slot_ > kManifestSlot;
   constexpr unsigned kTries = 100;
   for (unsigned i = 0; i < kTries; ++i) {
     const std::string path = front + std::to_string(slot_ + i * kScratchSlots) + "~" + extension;
@@ -85,10 +85,11 @@ void Scratch::Remove() {
 }
 
 void RemoveLeftovers(const std::string& folder) {
-  std::vector<std::string> names, unsayable;
-  NamesIn(folder, &names, &unsayable);
+  std::vector<Entry> entries;
+  std::vector<std::string> unsayable;
+  EntriesIn(folder, &entries, &unsayable);
   const std::string prefix = OfThisMachine();
-  for (const std::string& name : names) {
+  for (const auto& [name, kind] : entries) {
     const std::string path = folder + "/" + name;
     const std::optional<uint32_t> owner = OwnerOf(name, prefix);
     if (owner && *owner != ProcessId() && !IsSpecial(path)) RemoveLeftover(path, *owner);

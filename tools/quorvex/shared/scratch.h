@@ -8,9 +8,10 @@
 namespace quorvex::tool {
 
 constexpr unsigned kMostWorkers = 64;
-constexpr unsigned kSpoolSlot = kMostWorkers;  // standard input
-constexpr unsigned kOutputSlot = kMostWorkers + 1;
-constexpr unsigned kScratchSlots = kMostWorkers + 2;
+constexpr unsigned kManifestSlot = kMostWorkers;
+constexpr unsigned kSpoolSlot = kMostWorkers + 1;  // standard input
+constexpr unsigned kOutputSlot = kMostWorkers + 2;
+constexpr unsigned kScratchSlots = kMostWorkers + 3;
 
 // A scratch file is removed when its scope ends, unless it has got its name. A slot has one at a
 // time.

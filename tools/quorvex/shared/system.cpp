@@ -41,8 +41,8 @@ bool SameRecording(const std::string& first, const std::string& second) {
   return SameFile(first.c_str(), second.c_str());
 }
 
-bool NamesIn(const std::string& folder, std::vector<std::string>* names,
-             std::vector<std::string>* unsayable) {
+bool EntriesIn(const std::string& folder, std::vector<Entry>* entries,
+               std::vector<std::string>* unsayable) {
   DIR* listing = opendir(folder.c_str());
   if (listing == nullptr) return false;
   errno = 0;
@@ -50,17 +50,23 @@ bool NamesIn(const std::string& folder, std::vector<std::string>* names,
     const std::string name = entry->d_name;
     if (name == "." || name == "..") continue;
 #ifdef _WIN32
+    constexpr Entry::Kind kind = Entry::kUnknown;
     // No name has a question mark there: it stands for a character that this code page lacks.
     if (name.find('?') != std::string::npos) {
       unsayable->push_back(name);
       continue;
     }
+#else
+    const Entry::Kind kind = entry->d_type == DT_REG   ? Entry::kFile
+                             : entry->d_type == DT_DIR ? Entry::kFolder
+                                                       : Entry::kUnknown;
 #endif
-    names->push_back(name);
+    entries->push_back({name, kind});
   }
   const int error = errno;
   closedir(listing);
-  std::sort(names->begin(), names->end());
+  std::sort(entries->begin(), entries->end(),
+            [](const Entry& a, const Entry& b) { return a.name < b.name; });
   std::sort(unsayable->begin(), unsayable->end());
   errno = error;
   return error == 0;

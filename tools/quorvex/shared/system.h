@@ -37,6 +37,8 @@ void WaitForEnter();
 void PrepareStreams();
 void UseBytes(std::FILE* stream);
 bool ErrorsGoToTerminal();
+// Of the terminal that errors go to; 80 where it does not tell.
+size_t TerminalColumns();
 
 // Turns a path into UTF-8, whatever the system has it in.
 std::string Utf8(const std::string& path);
@@ -77,10 +79,30 @@ constexpr char kSeparators[] = "/\\:";
 constexpr char kSeparators[] = "/";
 #endif
 
-// Lists the names in a folder, sorted, without "." and "..". False where it cannot be read:
+// What a folder holds, as far as its listing tells.
+struct Entry {
+  enum Kind : uint8_t { kUnknown, kFile, kFolder };
+  std::string name;
+  Kind kind;
+};
+// Lists a folder by names, sorted, without "." and "..". False where it cannot be read:
 // LastError(). Names that cannot be said in this system's code page go into `unsayable`.
-bool NamesIn(const std::string& folder, std::vector<std::string>* names,
-             std::vector<std::string>* unsayable);
+bool EntriesIn(const std::string& folder, std::vector<Entry>* entries,
+               std::vector<std::string>* unsayable);
+
+// The path from the root, without "." and "..", as it is written: no link is followed.
+std::string FullPath(const std::string& path);
+
+// When a file was last written, in nanoseconds of the file system's clock, and its bytes. Nothing
+// where there is no regular file.
+struct FileState {
+  int64_t written;
+  uint64_t size;
+};
+std::optional<FileState> StateOf(const std::string& path);
+
+// Waits until what was written into a file would survive a power cut. False: SystemError().
+bool SyncFile(const std::string& path);
 
 std::string MachineName();
 uint32_t ProcessId();

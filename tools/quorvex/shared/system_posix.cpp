@@ -1,8 +1,10 @@
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -20,6 +22,12 @@ void PrepareStreams() {}
 void UseBytes(std::FILE*) {}
 bool ErrorsGoToTerminal() { return isatty(fileno(stderr)) != 0; }
 
+size_t TerminalColumns() {
+  struct winsize size {};
+  const bool told = ioctl(fileno(stderr), TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  return told ? size.ws_col : 80;
+}
+
 std::string Utf8(const std::string& path) { return path; }
 std::string SystemError() { return LastError(); }
 
@@ -30,6 +38,8 @@ std::optional<Identity> IdentityOf(const std::string& path) {
 }
 
 std::string Resolved(const std::string& path) {
+  struct stat status {};
+  if (lstat(path.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return path;
   char* real = realpath(path.c_str(), nullptr);
   if (real == nullptr) return path;
   std::string resolved = real;
@@ -58,6 +68,45 @@ bool CreateFolder(const std::string& path) {
     if (mkdir(front.c_str(), 0777) != 0 && errno != EEXIST && !IsFolder(front)) return false;
     if (at == std::string::npos) return true;
   }
+}
+
+std::string FullPath(const std::string& path) {
+  std::string from = path, full;
+  if (path.empty() || path[0] != '/') {
+    char* here = getcwd(nullptr, 0);
+    from = (here != nullptr ? std::string(here) : "") + "/" + path;
+    std::free(here);
+  }
+  for (size_t at = 0; at < from.size();) {
+    const size_t end = std::min(from.find('/', at + 1), from.size());
+    const std::string part = from.substr(at, end - at);
+    if (part == "/..") {
+      full.resize(full.empty() ? 0 : full.rfind('/'));
+    } else if (part != "/" && part != "/.") {
+      full += part;
+    }
+    at = end;
+  }
+  return full.empty() ? "/" : full;
+}
+
+std::optional<FileState> StateOf(const std::string& path) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+  constexpr int64_t kSecond = 1'000'000'000;
+  return FileState{status.st_mtim.tv_sec * kSecond + status.st_mtim.tv_nsec,
+                   static_cast<uint64_t>(status.st_size)};
+}
+
+bool SyncFile(const std::string& path) {
+  const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (file < 0) return false;
+  // Not every file system can; where it cannot there is nothing to wait for.
+  const bool synced = fdatasync(file) == 0 || errno == EINVAL || errno == ENOSYS;
+  const int error = errno;
+  close(file);
+  errno = error;
+  return synced;
 }
 
 std::string MachineName() {

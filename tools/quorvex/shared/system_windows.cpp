@@ -114,6 +114,13 @@ void UseBytes(std::FILE* stream) {
 
 bool ErrorsGoToTerminal() { return _isatty(_fileno(stderr)) != 0; }
 
+size_t TerminalColumns() {
+  CONSOLE_SCREEN_BUFFER_INFO about{};
+  const bool told = GetConsoleScreenBufferInfo(GetStdHandle(STD_ERROR_HANDLE), &about) != 0;
+  const int columns = about.srWindow.Right - about.srWindow.Left + 1;
+  return told && columns > 1 ? static_cast<size_t>(columns) : 80;
+}
+
 std::string Utf8(const std::string& path) {
   return GetACP() == CP_UTF8 ? path : FromWide(ToWide(path), CP_UTF8);
 }
@@ -167,6 +174,40 @@ bool CreateFolder(const std::string& path) {
     }
     if (at == std::string::npos) return true;
   }
+}
+
+std::string FullPath(const std::string& path) {
+  char full[kRoom] = "";
+  const DWORD size = GetFullPathNameA(path.c_str(), kRoom, full, nullptr);
+  return size != 0 && size < kRoom ? full : path;
+}
+
+std::optional<FileState> StateOf(const std::string& path) {
+  WIN32_FILE_ATTRIBUTE_DATA about{};
+  if (GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &about) == 0 ||
+      (about.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+    return std::nullopt;
+  }
+  const auto joined = [](DWORD high, DWORD low) { return static_cast<uint64_t>(high) << 32 | low; };
+  // The system counts tenths of microseconds from 1601 on: what matters are differences, and a
+  // signed number of nanoseconds holds 292 years.
+  constexpr uint64_t kYears1970 = 116'444'736'000'000'000;
+  const FILETIME& time = about.ftLastWriteTime;
+  return FileState{
+      static_cast<int64_t>(joined(time.dwHighDateTime, time.dwLowDateTime) - kYears1970) * 100,
+      joined(about.nFileSizeHigh, about.nFileSizeLow)};
+}
+
+bool SyncFile(const std::string& path) {
+  const HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE,
+                                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                  OPEN_EXISTING, 0, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return false;
+  const bool synced = FlushFileBuffers(file) != 0;
+  const DWORD error = GetLastError();
+  CloseHandle(file);
+  SetLastError(error);
+  return synced;
 }
 
 std::string MachineName() {

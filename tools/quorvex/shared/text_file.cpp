@@ -7,18 +7,31 @@
 
 namespace quorvex::tool {
 
-bool ReadText(const std::string& path, std::string* text) {
-  std::FILE* file = std::fopen(path.c_str(), "rb");
-  if (file == nullptr) return false;
+namespace {
+
+bool ReadAll(std::FILE* file, std::string* text) {
   char piece[4096];
   size_t got = sizeof piece;
   while (got == sizeof piece) {
     got = std::fread(piece, 1, sizeof piece, file);
     text->append(piece, got);
   }
-  const bool whole = std::ferror(file) == 0;
+  return std::ferror(file) == 0;
+}
+
+}  // namespace
+
+bool ReadText(const std::string& path, std::string* text) {
+  std::FILE* file = std::fopen(path.c_str(), "rb");
+  if (file == nullptr) return false;
+  const bool whole = ReadAll(file, text);
   std::fclose(file);
   return whole;
+}
+
+bool ReadInput(std::string* text) {
+  UseBytes(stdin);
+  return ReadAll(stdin, text);
 }
 
 std::string PutText(const std::string& text, const std::string& folder, const std::string& path,
