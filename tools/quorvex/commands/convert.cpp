@@ -239,7 +239,7 @@ Command AddConvert(CLI::App& app) {
       ->option_text("FILE");
   line->add_option("--stop-after", options->stop_after,
                    "Begin no more conversions after so many failures")
-      ->check(CLI::PositiveNumber)
+      ->check(CLI::Range(1, 1'000'000'000))
       ->option_text("K");
   line->add_flag(
       "--no-sync", options->no_sync,

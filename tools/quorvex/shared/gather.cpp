@@ -31,7 +31,7 @@ std::optional<std::string> Below(const std::string& base, const std::string& ful
 struct Given {
   std::vector<std::string> paths, fronts;
   std::shared_ptr<const std::string> list;
-  std::string base;  // of the list, from the root
+  std::string base, named_base;  // of the list: from the root, and as given
   char end = '\n';
 
   size_t at = 0;
@@ -152,7 +152,8 @@ class Walk {
     if (given_.list != nullptr) {
       const std::optional<std::string> inside = Below(given_.base, FullPath(given_path_));
       if (!inside) {
-        problems_.push_back({given_path_, below, "", "does not lie below " + given_.base, folder});
+        problems_.push_back(
+            {given_path_, below, "", "does not lie below " + given_.named_base, folder});
         return false;
       }
       below = *inside;
@@ -258,6 +259,7 @@ std::string Gathering::Prepare(const Sources& sources, std::unique_ptr<Gathering
     if (!read) return "cannot be read: " + LastError();
     given.list = std::make_shared<const std::string>(std::move(text));
     given.end = sources.nulls ? '\0' : '\n';
+    given.named_base = sources.base;
     given.base = FullPath(sources.base);
     if (sources.base.empty()) given.FindBase();
   } else {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <iterator>
 #include <optional>
 #include <set>
 
@@ -55,24 +56,41 @@ std::vector<std::string> PartsOf(const std::string& full) {
 std::vector<std::string> DistinctEnds(const std::vector<std::string>& folders) {
   std::vector<std::string> ends(folders.size());
   if (folders.size() < 2) return ends;
-  std::vector<std::vector<std::string>> parts;
-  size_t longest = 0;
-  for (const std::string& folder : folders) {
-    parts.push_back(PartsOf(folder));
-    longest = std::max(longest, parts.back().size());
-  }
-  for (size_t count = 1; count <= longest; ++count) {
-    std::set<std::string> known;
-    for (size_t i = 0; i < folders.size(); ++i) {
-      const size_t size = parts[i].size();
-      ends[i].clear();
-      for (size_t k = size - std::min(size, count); k < size; ++k) {
-        ends[i] += (ends[i].empty() ? "" : "/") + parts[i][k];
-      }
-      known.insert(InSmallLetters(ends[i]));
+  const auto end_of = [&](size_t i, size_t count) {
+    const std::vector<std::string> parts = PartsOf(folders[i]);
+    std::string end;
+    for (size_t k = parts.size() - std::min(parts.size(), count); k < parts.size(); ++k) {
+      end += (end.empty() ? "" : "/") + parts[k];
     }
-    if (known.size() == folders.size()) break;
+    return end;
+  };
+  size_t longest = 0;
+  for (const std::string& folder : folders) longest = std::max(longest, PartsOf(folder).size());
+  // Those that have the same end as another one take one part more.
+  std::set<size_t> open;
+  for (size_t i = 0; i < folders.size(); ++i) open.insert(i);
+  for (size_t count = 1; count <= longest && !open.empty(); ++count) {
+    std::map<std::string, size_t> owners;
+    for (size_t i = 0; i < folders.size(); ++i) ++owners[InSmallLetters(end_of(i, count))];
+    for (auto i = open.begin(); i != open.end();) {
+      ends[*i] = end_of(*i, count);
+      i = owners[InSmallLetters(ends[*i])] == 1 ? open.erase(i) : std::next(i);
+    }
   }
+  // Where one would lie in another, all are as long as the longest.
+  const auto parts_in = [](const std::string& end) {
+    return static_cast<size_t>(std::count(end.begin(), end.end(), '/') + 1);
+  };
+  size_t most = 0;
+  bool nested = false;
+  for (const std::string& end : ends) {
+    most = std::max(most, parts_in(end));
+    const std::string front = InSmallLetters(end) + "/";
+    nested = nested || std::any_of(ends.begin(), ends.end(), [&](const std::string& other) {
+               return InSmallLetters(other).compare(0, front.size(), front) == 0;
+             });
+  }
+  for (size_t i = 0; nested && i < folders.size(); ++i) ends[i] = end_of(i, most);
   return ends;
 }
 
