@@ -17,8 +17,14 @@
 namespace quorvex::tool {
 namespace {
 
-// The path of `full` below `base`, both from the root; nothing where it lies elsewhere.
+// The path of `full` below `base`, both from the root; nothing where it lies elsewhere. An empty
+// base is around all drives.
 std::optional<std::string> Below(const std::string& base, const std::string& full) {
+  if (base.empty()) {
+    std::string below;
+    for (const std::string& part : PartsOf(full)) below += (below.empty() ? "" : "/") + part;
+    return below;
+  }
   const std::string front = Inside(base, "");
   if (NameKey(full) == NameKey(base)) return "";
   if (full.size() < front.size() || NameKey(full.substr(0, front.size())) != NameKey(front)) {
@@ -65,7 +71,10 @@ struct Given {
       if (IsRecordingName(path) || !IsFolder(path)) folder = FullPath(FolderOf(folder));
       if (first) base = folder;
       first = false;
-      while (!Below(base, folder)) base = FullPath(Inside(base, ".."));
+      while (!Below(base, folder)) {
+        const std::string around = FullPath(Inside(base, ".."));
+        base = around == base ? "" : around;
+      }
     }
     at = 0;
   }
@@ -157,9 +166,6 @@ class Walk {
         return false;
       }
       below = *inside;
-#ifdef _WIN32
-      std::replace(below.begin(), below.end(), '\\', '/');
-#endif
     }
     if (folder) {
       explained_ = any_ = false;

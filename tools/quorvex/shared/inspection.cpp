@@ -1,5 +1,6 @@
 #include "shared/inspection.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <utility>
 
@@ -13,6 +14,7 @@ namespace {
 
 // Why a recording could not be opened, just now.
 std::string WhyNotOpen(const std::string& path) {
+  if (errno == 0) Exists(path);  // a look that Windows' own functions take leaves no reason
   const std::string reason = LastError();
   if (path.size() > kMaxPath) return "the path is longer than 511 bytes";
   if (IsFolder(path)) return "is a folder";

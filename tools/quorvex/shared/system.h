@@ -90,7 +90,8 @@ struct Entry {
 bool EntriesIn(const std::string& folder, std::vector<Entry>* entries,
                std::vector<std::string>* unsayable);
 
-// The path from the root, without "." and "..", as it is written: no link is followed.
+// The path from the root, without "." and "..", as it is written: no link is followed. Its parts
+// are separated by "/" everywhere.
 std::string FullPath(const std::string& path);
 
 // When a file was last written, in nanoseconds of the file system's clock, and its bytes. Nothing

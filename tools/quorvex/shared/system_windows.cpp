@@ -3,6 +3,7 @@
 #include <process.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
@@ -179,7 +180,11 @@ bool CreateFolder(const std::string& path) {
 std::string FullPath(const std::string& path) {
   char full[kRoom] = "";
   const DWORD size = GetFullPathNameA(path.c_str(), kRoom, full, nullptr);
-  return size != 0 && size < kRoom ? full : path;
+  std::string text = size != 0 && size < kRoom ? full : path;
+  std::replace(text.begin(), text.end(), '\\', '/');
+  const bool root = text.size() == 3 && text[1] == ':';
+  if (text.size() > 1 && text.back() == '/' && !root) text.pop_back();
+  return text;
 }
 
 std::optional<FileState> StateOf(const std::string& path) {
