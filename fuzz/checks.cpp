@@ -60,7 +60,8 @@ void WriteFile(const std::string& path, const std::vector<uint8_t>& bytes) {
              static_cast<std::streamsize>(bytes.size()));
 }
 
-// Piece by piece: character by character it was the most of what the checks took under sanitizers.
+// Piece by piece: character by character it was a fifth of what damaged snapshots took under
+// sanitizers.
 std::string ReadFile(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   std::string text, piece(size_t{1} << 16, '\0');
