@@ -32,6 +32,11 @@ add_library(quorvex_objects OBJECT ${quorvex_sources})
 target_include_directories(quorvex_objects PUBLIC ${CMAKE_SOURCE_DIR}/src ${CMAKE_SOURCE_DIR}/include)
 target_compile_definitions(quorvex_objects PRIVATE QUORVEX_BUILD)
 target_compile_options(quorvex_objects PRIVATE -fno-exceptions -fno-rtti)
+# Where files are compiled as one, those of the record types are not: each says the same things of its
+# own type, by the same names. Nor is what has the system's own header, whose macros are not for others.
+set(by_itself ${quorvex_sources})
+list(FILTER by_itself INCLUDE REGEX "/src/records/|_(posix|windows)\\.cpp$")
+set_source_files_properties(${by_itself} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 set_target_properties(quorvex_objects PROPERTIES CXX_VISIBILITY_PRESET hidden
                                                  VISIBILITY_INLINES_HIDDEN ON)
 target_link_libraries(quorvex_objects PRIVATE quorvex_flags quorvex_hardening)

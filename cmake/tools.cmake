@@ -49,6 +49,10 @@ namespace quorvex::tool {
 }  // namespace quorvex::tool
 ]])
 
+# Where files are compiled as one, the systems' own headers are not for the others.
+set(by_itself ${tool_sources})
+list(FILTER by_itself INCLUDE REGEX "_(posix|windows)\\.cpp$")
+set_source_files_properties(${by_itself} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 add_library(quorvex_tool STATIC ${tool_sources} ${CMAKE_BINARY_DIR}/report_texts.cpp)
 target_include_directories(quorvex_tool PUBLIC ${CMAKE_SOURCE_DIR}/tools/quorvex)
 target_include_directories(quorvex_tool SYSTEM PUBLIC ${CMAKE_BINARY_DIR}/header-only)

@@ -7,6 +7,7 @@
 #include <iterator>
 #include <numeric>
 #include <random>
+#include <string_view>
 
 #include "quorvex64.h"
 #include "support/memory.h"
@@ -59,9 +60,16 @@ void WriteFile(const std::string& path, const std::vector<uint8_t>& bytes) {
              static_cast<std::streamsize>(bytes.size()));
 }
 
+// Piece by piece: character by character it was a fifth of what damaged snapshots took under
+// sanitizers.
 std::string ReadFile(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
+  std::string text, piece(size_t{1} << 16, '\0');
+  do {
+    file.read(piece.data(), static_cast<std::streamsize>(piece.size()));
+    text.append(piece, 0, static_cast<size_t>(file.gcount()));
+  } while (file);
+  return text;
 }
 
 size_t OpenFiles() {
@@ -78,22 +86,23 @@ std::string StructureProblem(std::string text) {
   constexpr char kStart[] = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n<Project ";
   if (text.compare(0, sizeof kStart - 1, kStart) != 0) return "does not start as a document";
   CutNames(&text);
-  std::vector<std::string> open;
+  std::vector<std::string_view> open;
   for (size_t at = text.find('\n') + 1; at < text.size();) {
     const size_t end = text.find("\r\n", at);
     if (end == std::string::npos) return "a line without an end";
-    const std::string line = text.substr(at, end - at);
+    const std::string_view line = std::string_view(text).substr(at, end - at);
     at = end + 2;
     const size_t close = line.rfind("</");
     if (close == std::string::npos) {
       open.push_back(line.substr(1, line.find_first_of(" >") - 1));
     } else if (close == 0 || line[0] != '<') {
-      const std::string name = line.substr(close + 2, line.size() - close - 3);
-      if (open.empty() || open.back() != name) return "closes " + name + " out of turn";
+      const std::string_view name = line.substr(close + 2, line.size() - close - 3);
+      if (open.empty() || open.back() != name)
+        return "closes " + std::string(name) + " out of turn";
       open.pop_back();
     }
   }
-  return open.empty() ? "" : open.back() + " stays open";
+  return open.empty() ? "" : std::string(open.back()) + " stays open";
 }
 
 std::string ConversionProblem(const std::vector<uint8_t>& recording, bool with_progress) {

@@ -5,9 +5,9 @@
 namespace quorvex {
 namespace {
 
-constexpr int kMonths = 12;
-constexpr const char* kMonthNames[kMonths] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                              "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+constexpr int kNamedMonths = 12;
+constexpr const char* kMonthNames[kNamedMonths] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                                   "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
 // Seconds that no 32-bit integer holds are the nearest that one holds; not-a-number is 0.
 double WithinInt(double seconds) {
@@ -21,7 +21,7 @@ double WithinInt(double seconds) {
 void DateTimeText(const DateTimeRecord& time, TimeDetail detail, BoundedText* to) {
   to->PutInteger(time.day, 2);
   to->Put('.');
-  to->Put(kMonthNames[time.month >= 1 && time.month <= kMonths ? time.month - 1 : 0]);
+  to->Put(kMonthNames[time.month >= 1 && time.month <= kNamedMonths ? time.month - 1 : 0]);
   to->Put('.');
   to->PutInteger(time.year, 4);
   to->Put(' ');

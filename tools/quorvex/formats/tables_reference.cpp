@@ -10,7 +10,7 @@
 namespace quorvex::tool {
 namespace {
 
-constexpr char kIntroduction[] = R"(# Tables
+constexpr char kTablesIntroduction[] = R"(# Tables
 
 Made by `scripts/generate` from the layout tables; not edited by hand.
 
@@ -150,7 +150,7 @@ std::vector<Table> TablesOfAll(const RecordType& type, const Field* layout) {
 }  // namespace
 
 std::string TablesReference() {
-  std::string text = kIntroduction;
+  std::string text = kTablesIntroduction;
   for (const RecordType* type : kRecordTypes) {
     text += "## " + std::to_string(type->type) + ": " + type->name + "\n\n";
     std::vector<const Field*> layouts = {type->record};

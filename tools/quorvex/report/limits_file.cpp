@@ -1,13 +1,12 @@
 #include "report/limits_file.h"
 
-#include <nlohmann/json.hpp>
 #include <set>
 #include <utility>
 
+#include "shared/json.h"
+
 namespace quorvex::tool {
 namespace {
-
-using Json = nlohmann::json;
 
 // What is wrong with a part of the file, in words.
 struct Wrong {

@@ -36,26 +36,28 @@ uint32_t NextCharacter(const std::string& text, size_t* at) {
   return character;
 }
 
-struct Range {
+struct CharacterRange {
   uint32_t first, last;
 };
 template <size_t N>
-bool IsIn(const Range (&ranges)[N], uint32_t character) {
-  return std::any_of(std::begin(ranges), std::end(ranges),
-                     [&](const Range& r) { return character >= r.first && character <= r.last; });
+bool IsIn(const CharacterRange (&ranges)[N], uint32_t character) {
+  return std::any_of(std::begin(ranges), std::end(ranges), [&](const CharacterRange& r) {
+    return character >= r.first && character <= r.last;
+  });
 }
 
-constexpr Range kSteering[] = {{0, 0x1F},        {0x7F, 0x9F},     {0x200E, 0x200F},
-                               {0x2028, 0x202E}, {0x2066, 0x2069}, {kNoCharacter, kNoCharacter}};
+constexpr CharacterRange kSteering[] = {{0, 0x1F},        {0x7F, 0x9F},
+                                        {0x200E, 0x200F}, {0x2028, 0x202E},
+                                        {0x2066, 0x2069}, {kNoCharacter, kNoCharacter}};
 // Combining marks and such; characters of East Asian scripts and pictures.
-constexpr Range kNoColumn[] = {
+constexpr CharacterRange kNoColumn[] = {
     {0x300, 0x36F},   {0x483, 0x489},   {0x591, 0x5BD},   {0x610, 0x61A},   {0x64B, 0x65F},
     {0xE31, 0xE31},   {0xE34, 0xE3A},   {0xE47, 0xE4E},   {0x1AB0, 0x1AFF}, {0x1DC0, 0x1DFF},
     {0x200B, 0x200D}, {0x20D0, 0x20FF}, {0xFE00, 0xFE0F}, {0xFE20, 0xFE2F}};
-constexpr Range kTwoColumns[] = {{0x1100, 0x115F},   {0x2E80, 0x303E},   {0x3041, 0xA4CF},
-                                 {0xA960, 0xA97F},   {0xAC00, 0xD7A3},   {0xF900, 0xFAFF},
-                                 {0xFE30, 0xFE6F},   {0xFF00, 0xFF60},   {0xFFE0, 0xFFE6},
-                                 {0x1F300, 0x1F64F}, {0x1F900, 0x1F9FF}, {0x20000, 0x3FFFD}};
+constexpr CharacterRange kTwoColumns[] = {
+    {0x1100, 0x115F}, {0x2E80, 0x303E},   {0x3041, 0xA4CF},   {0xA960, 0xA97F},
+    {0xAC00, 0xD7A3}, {0xF900, 0xFAFF},   {0xFE30, 0xFE6F},   {0xFF00, 0xFF60},
+    {0xFFE0, 0xFFE6}, {0x1F300, 0x1F64F}, {0x1F900, 0x1F9FF}, {0x20000, 0x3FFFD}};
 
 }  // namespace
 
