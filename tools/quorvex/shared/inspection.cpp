@@ -1,6 +1,5 @@
 #include "shared/inspection.h"
 
-#include <cerrno>
 #include <cstdio>
 #include <utility>
 
@@ -14,11 +13,15 @@ namespace {
 
 // Why a recording could not be opened, just now.
 std::string WhyNotOpen(const std::string& path) {
-  if (errno == 0) Exists(path);  // a look that Windows' own functions take leaves no reason
-  const std::string reason = LastError();
   if (path.size() > kMaxPath) return "the path is longer than 511 bytes";
   if (IsFolder(path)) return "is a folder";
-  return IsSpecial(path) ? "is no regular file" : reason;
+  if (IsSpecial(path)) return "is no regular file";
+  // Not all that looked at it leave a reason.
+  std::FILE* again = std::fopen(path.c_str(), "rb");
+  const std::string reason = LastError();
+  if (again == nullptr) return reason;
+  std::fclose(again);
+  return "could not be opened a moment ago";
 }
 
 }  // namespace
