@@ -33,6 +33,8 @@ std::optional<std::string> Below(const std::string& base, const std::string& ful
   return full.substr(front.size());
 }
 
+}  // namespace
+
 // What is given, piece by piece: paths, or the lines of a list.
 struct Given {
   std::vector<std::string> paths, fronts;
@@ -95,8 +97,6 @@ struct Given {
     for (size_t i = 0; i < which.size(); ++i) fronts[which[i]] = ends[i];
   }
 };
-
-}  // namespace
 
 class Walk {
  public:
