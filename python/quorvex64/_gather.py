@@ -4,6 +4,7 @@ from __future__ import annotations
 
 import errno
 import os
+from collections import Counter
 from pathlib import Path
 from typing import Iterable, Iterator, NamedTuple, Optional, Union
 
@@ -57,16 +58,31 @@ def _identity(path: str) -> Optional[_Identity]:
     return status.st_dev, status.st_ino
 
 
+def _key(way: tuple[str, ...]) -> tuple[bytes, ...]:
+    """Equal for names that a file system may take for the same, which differ by case."""
+    return tuple(os.fsencode(part).lower() for part in way)
+
+
 def _places(folders: list[str]) -> dict[str, str]:
     """Where folders are mirrored: one in the output folder itself, several under their own names,
-    with as many of their parents' in front as tell them all apart, on every file system."""
+    with as many of its parents' in front as tell each from all others. Where one would lie in
+    another, all have as many as the longest."""
+    if len(folders) < 2:
+        return dict.fromkeys(folders, "")
     ways = [Path(os.path.abspath(folder)).parts[1:] for folder in folders]
-    places = [""] * len(folders)
-    for count in range(1, max(map(len, ways), default=0) + 1 if len(ways) > 1 else 0):
-        places = [os.path.join("", *way[-count:]) for way in ways]
-        if len({place.lower() for place in places}) == len(places):
-            break
-    return dict(zip(folders, places))
+    taken: dict[int, int] = {}
+    for count in range(1, max(map(len, ways)) + 1):
+        keys = [_key(way[-count:]) for way in ways]
+        times = Counter(keys)
+        for i, key in enumerate(keys):
+            if times[key] == 1:
+                taken.setdefault(i, count)
+    ends = [way[-taken.get(i, len(way)) :] for i, way in enumerate(ways)]
+    known = set(map(_key, ends))
+    if any(end[:count] in known for end in known for count in range(1, len(end))):
+        longest = max(map(len, ends))
+        ends = [way[-longest:] for way in ways]
+    return {folder: os.path.join("", *end) for folder, end in zip(folders, ends)}
 
 
 def _names_in(folder: str) -> tuple[list[str], list[str]]:

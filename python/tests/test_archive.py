@@ -132,7 +132,7 @@ class Archive(unittest.TestCase):
             return scan(path)
 
         one = "archive/site0/card/R0003SET.REC"
-        for name in ("card/R1ALA.REC", "card/R1ALA.rec", "x/R1ALA.REC"):
+        for name in ("card/R1ALA.REC", "card/R1ALA.rec", "x/R1ALA.REC", "x/R2ALA.REC"):
             os.makedirs(f"both/{name[:-10]}", exist_ok=True)
             shutil.copy("samples/R0007ALA.REC", f"both/{name}")
         os.makedirs("joined/card")
@@ -142,12 +142,13 @@ class Archive(unittest.TestCase):
         problem = "documents of another folder go to joined/x already"
         self.assertEqual(problem, joined["both/x/R1ALA.REC"].problem)
         paths = ["archive/site0/card", "archive/site1/card", one, "archive/site0/loop"]
-        paths += ["both/card", "none/R1.REC", "none/", "empty"]
+        paths += ["both/card", "both/x", "none/R1.REC", "none/", "empty"]
         paths += ["samples/R0004SET.REC", "samples/../samples/R0004SET.REC"]
         with mock.patch("os.scandir", unreadable):
             rows = self.convert(paths, "places")
         self.assertEqual("places/site0/card/R0003SET.xml", rows[one].document)
         self.assertEqual("places/both/card/R1ALA.xml", rows["both/card/R1ALA.REC"].document)
+        self.assertEqual("places/x/R2ALA.xml", rows["both/x/R2ALA.REC"].document)
         self.assertEqual("places/R0004SET.xml", rows["samples/R0004SET.REC"].document)
         problems = {name: row.problem for name, row in rows.items() if row.outcome == "failed"}
         shared = "its document places/both/card/R1ALA.xml is the one of both/card/R1ALA.REC already"
