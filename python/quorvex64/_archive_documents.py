@@ -58,7 +58,7 @@ def _failed(row: Row, problem: str) -> Row:
 
 
 def _converted(job: _Job, sync: bool) -> Row:
-    row = job.row
+    row = replace(job.row, size=None)  # known with its head, as the rest
     try:
         told = info(job.source)
         row = replace(row, type=told.type, size=told.size, records=told.records)
