@@ -42,7 +42,7 @@ class CheckResult:
     unlisted: dict[str, int]  # how many more there are, by kind
 
 
-def _program() -> str:
+def command_line() -> str:
     path = Path(library().path)
     folders = [path.parent] if path.is_absolute() else []  # otherwise the system found it
     for folder in list(path.parents)[:2]:  # PREFIX/lib, or PREFIX/lib/x86_64-linux-gnu
@@ -51,27 +51,35 @@ def _program() -> str:
     for folder in folders + [Path(name) for name in os.get_exec_path() if name]:
         program = folder / _PROGRAM
         if program.is_file() and os.access(program, os.X_OK):
-            return str(program)
+            return os.path.abspath(program)
     raise LibraryError(
-        f"no program {_PROGRAM}, which looks for findings: not with {path}, nor on PATH"
+        f"no program {_PROGRAM}, of the command line: not with {path}, nor on PATH"
     )
 
 
-def _run(program: str, paths: list[str]) -> list[dict[str, Any]]:
+def told_by(program: str, options: list[str], paths: list[str], folder: StrPath = ".") -> Any:
+    """What the program prints as JSON, run in a folder."""
     # Behind "--" a path is no option, whatever it starts with; "-" would be the standard input.
     sayable = [os.path.join(".", path) if path == "-" else path for path in paths]
-    command = [program, "check", "--json", "--", *sayable]
     window = 0
     if sys.platform == "win32":
         window = subprocess.CREATE_NO_WINDOW
     done = subprocess.run(
-        command, stdin=subprocess.DEVNULL, capture_output=True, creationflags=window
+        [program, *options, "--", *sayable],
+        stdin=subprocess.DEVNULL,
+        capture_output=True,
+        creationflags=window,
+        cwd=folder,
     )
     try:
-        found: list[dict[str, Any]] = json.loads(done.stdout)
+        return json.loads(done.stdout)
     except ValueError:
         said = done.stderr.decode("utf-8", "replace").strip()
         raise QuorvexError(f"{program} ended with code {done.returncode}: {said}") from None
+
+
+def _run(program: str, paths: list[str]) -> list[dict[str, Any]]:
+    found: list[dict[str, Any]] = told_by(program, ["check", "--json"], paths)
     # It prints names as UTF-8, in which not every name can be said.
     if not any(map(os.path.isdir, paths)):
         for entry, path in zip(found, paths):
@@ -103,7 +111,7 @@ def check(recordings: Union[StrPath, Iterable[StrPath]]) -> list[CheckResult]:
     if isinstance(recordings, (str, os.PathLike)):
         recordings = [recordings]
     paths = [os.fspath(path) for path in recordings]
-    program = _program()
+    program = command_line()
     return [
         CheckResult(
             file=Path(entry["file"]),

@@ -58,7 +58,7 @@ def _type_in(header: bytes) -> int:
     return int(struct.unpack("<II", header)[1]) if len(header) == 8 else 0
 
 
-def _type_of(recording: Path) -> int:
+def type_of(recording: Path) -> int:
     status = os.stat(recording)
     if stat.S_ISDIR(status.st_mode):
         raise ConversionError(f"{recording}: is a folder")
@@ -112,7 +112,7 @@ def info(recording: StrPath) -> RecordInfo:
     is the last whole record's own.
     """
     path = Path(recording)
-    kind = _type_of(path)
+    kind = type_of(path)
     encoded = path_bytes(path)
     shape = shape_of(path, RECORD_TYPES[kind])
     line = library().record_line(encoded)
@@ -177,7 +177,7 @@ def _range(records: Records, source: Path, kind: RecordType, shape: Shape) -> tu
     return first, last
 
 
-def _default_document(source: Path) -> Path:
+def default_document(source: Path) -> Path:
     dot = source.name.rfind(".")
     return source.with_name((source.name[:dot] if dot > 0 else source.name) + ".xml")
 
@@ -213,6 +213,7 @@ def convert(
     records: Optional[Records] = None,
     *,
     overwrite: bool = False,
+    sync: bool = False,
 ) -> Path:
     """Converts a recording into an XML document and returns the document's path.
 
@@ -223,16 +224,17 @@ def convert(
                  that there is; or the number of a single record
       overwrite  replaces an existing document, which raises FileExistsError otherwise; a recording
                  is never replaced
+      sync       waits for the disk before the document gets its name
 
     The document appears under its name when it is complete, and not at all where this raises. An
     exception of the callback comes through.
     """
     source = Path(recording)
-    kind = RECORD_TYPES[_type_of(source)]
+    kind = RECORD_TYPES[type_of(source)]
     encoded = path_bytes(source)
     shape = shape_of(source, kind)
     span = (1, LAST_RECORD) if records is None else _range(records, source, kind, shape)
-    named = _default_document(source) if document is None else Path(document)
+    named = default_document(source) if document is None else Path(document)
     target = Path(os.path.realpath(named))
     _refuse(named, target, source, overwrite)
     # Of a profile without a layout there is nothing to convert, but for a callback the library
@@ -246,5 +248,5 @@ def convert(
             source.stat()  # raises where it has vanished
             raise ConversionError(f"{source}: cannot be converted")
         _refuse(named, target, source, overwrite)  # it may be there by now
-        scratch.become(named, target, overwrite)
+        scratch.become(named, target, overwrite, sync)
     return named

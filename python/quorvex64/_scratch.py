@@ -15,7 +15,7 @@ from contextlib import contextmanager, suppress
 from pathlib import Path
 from typing import Iterator
 
-from ._library import MOST_PATH_BYTES, path_bytes
+from ._library import MOST_PATH_BYTES, StrPath, path_bytes
 
 if sys.platform != "win32":
     import fcntl
@@ -88,18 +88,21 @@ else:
             os.close(descriptor)
 
 
-def _sweep(folder: Path) -> None:
-    """Removes leftovers, once a folder."""
+def sweep(folder: StrPath) -> None:
+    """Removes leftovers."""
+    with suppress(OSError), os.scandir(folder) as entries:
+        for entry in entries:
+            leftover = _LEFTOVER.fullmatch(entry.name)
+            if leftover and entry.is_file(follow_symlinks=False):
+                with suppress(OSError):
+                    _remove_leftover(entry.path, int(leftover[1]))
+
+
+def _sweep_once(folder: Path) -> None:
     with _sweeping:
-        if str(folder) in _swept:
-            return
-        with suppress(OSError), os.scandir(folder) as entries:
-            for entry in entries:
-                leftover = _LEFTOVER.fullmatch(entry.name)
-                if leftover and entry.is_file(follow_symlinks=False):
-                    with suppress(OSError):
-                        _remove_leftover(entry.path, int(leftover[1]))
-        _swept.add(str(folder))
+        if str(folder) not in _swept:
+            sweep(folder)
+            _swept.add(str(folder))
 
 
 class Scratch:
@@ -148,16 +151,17 @@ class Scratch:
                     raise FileExistsError(errno.EEXIST, os.strerror(errno.EEXIST)) from None
                 os.rename(self.path, target)
 
-
-    def become(self, document: Path, target: Path, overwrite: bool) -> None:
+    def become(self, document: Path, target: Path, overwrite: bool, sync: bool) -> None:
         with _speaking_of(document):
+            if sync:
+                os.fsync(self._descriptor)
             self._rename(target, overwrite)
 
 
 @contextmanager
 def scratch_for(document: Path, target: Path) -> Iterator[Scratch]:
     """A scratch file where `target` shall be, which the user knows as `document`."""
-    _sweep(target.parent)
+    _sweep_once(target.parent)
     with _speaking_of(document):
         scratch = Scratch(target.parent)
     try:

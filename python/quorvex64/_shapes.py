@@ -33,7 +33,7 @@ class Shape:
     end: Optional[datetime]  # of the last whole record
 
 
-def _setting_file(recording: Path) -> Optional[str]:
+def setting_file_of(recording: Path) -> Optional[str]:
     """The setting file beside a recording: R0012PAR.REC for R0012GEN.REC and for R12-2.REC."""
     match = _RECORDING_NAME.fullmatch(path_bytes(recording))
     assert match is not None
@@ -48,7 +48,7 @@ def _settings(file: BinaryIO, kind: RecordType, recording: Path) -> tuple[bytes,
     if kind.settings_at is not None:
         file.seek(kind.settings_at)
         data = file.read(SETTINGS_SIZE)
-    beside = _setting_file(recording) if kind.companion else None
+    beside = setting_file_of(recording) if kind.companion else None
     if beside is not None:
         try:
             with open(beside, "rb") as other:

@@ -424,6 +424,7 @@ class Package(unittest.TestCase):
                 self.assertEqual(once, document.read_bytes())
 
     @NEEDS_PANDAS
+    @unittest.skipUnless(importlib.util.find_spec("dask"), "Dask is not installed")
     def test_the_example_of_the_documentation(self) -> None:
         self.addCleanup(os.chdir, os.getcwd())
         os.chdir(self.folder / "fresh")
