@@ -50,7 +50,7 @@ class Preparation {
   // Says where the document goes, and reads the recording's head where there is one to be written.
   void Look(Job* job) const {
     Name(job);
-    job->current = options_.newer && !job->output.empty() && IsCurrent(job);
+    job->current = options_.newer && !job->output.empty() && !job->is_new && IsCurrent(job);
     job->exists = job->current;
     if (job->current && options_.manifest.empty()) return;
     job->recording = Inspect(job->input);
@@ -61,7 +61,7 @@ class Preparation {
     if (!options_.records.empty() && !TakeRange(range_, job)) return;
     if (job->named.size() > kMaxPath) {
       job->Fail(kNoOutput, job->named, "the path is longer than 511 bytes");
-    } else if (!job->output.empty() && IsFolder(job->named)) {
+    } else if (!job->output.empty() && !job->is_new && IsFolder(job->named)) {
       job->Fail(kNoOutput, job->named, "is a folder");
     }
   }
@@ -85,7 +85,9 @@ class Preparation {
       const std::string below = WithoutExtension(job->below) + ".xml";
       job->named = Inside(options_.output, job->front.empty() ? below : Inside(job->front, below));
     }
-    job->output = Resolved(job->named);
+    bool there = false;
+    job->output = Resolved(job->named, &there);
+    job->is_new = !there;
   }
 
   const ConvertOptions& options_;

@@ -82,7 +82,7 @@ void RunJob(Job* job, const ConversionAsked& asked, unsigned worker) {
   }
   const bool to_stdout = job->output.empty();
   // Into a device or a pipe the document goes directly: there is no name to keep clean.
-  if (!to_stdout && IsSpecial(job->output)) {
+  if (!to_stdout && !job->is_new && IsSpecial(job->output)) {
     ConvertInto(job->output, asked.check, job);
     return;
   }

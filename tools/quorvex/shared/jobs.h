@@ -37,6 +37,7 @@ struct Job {
   ExitCode code = kDone;
   std::string culprit;             // the file that a problem is about
   std::string problem;             // empty where there is none
+  bool is_new = false;             // nothing stood where the output goes, when it was looked at
   bool exists = false;             // the output is there already, and stays
   bool current = false;            // and is newer than what it is made of
   std::string checksum;            // of the output, where it was asked for

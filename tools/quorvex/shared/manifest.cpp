@@ -99,7 +99,7 @@ bool Manifest::End(bool sync) {
   if (!CloseFile(file) && problem_.empty()) problem_ = "cannot be written: " + LastError();
   if (problem_.empty() && !scratch_.path().empty()) {
     const std::string place = Resolved(path_);
-    const bool put = (!sync || SyncFile(scratch_.path())) && scratch_.Become(place, true);
+    const bool put = (!sync || scratch_.Sync()) && scratch_.Become(place, true);
     if (!put) problem_ = "cannot be written: " + SystemError();
   }
   if (problem_.empty()) return true;

@@ -58,12 +58,13 @@ bool OutputPlaces::Enter(const std::string& folder, Job* job) {
 }
 
 void OutputPlaces::Take(Job* job) {
-  const bool there = Exists(job->output);
+  // What is current is a file, and not the recording, which would be as old.
+  const bool there = !job->is_new && !job->current && Exists(job->output);
   if (there && SameRecording(job->input, job->output)) {
     return job->Fail(kNoOutput, job->named, "is the recording itself; it is not overwritten");
   }
   if (there && IsSpecial(job->output)) return;
-  if (IsRecordingName(job->output) || (there && !job->current && IsRecording(job->output))) {
+  if (IsRecordingName(job->output) || (there && IsRecording(job->output))) {
     return job->Fail(
         kNoOutput, job->named,
         there ? "is a recording; it is not overwritten" : "has the name of a recording");
@@ -76,7 +77,7 @@ void OutputPlaces::Take(Job* job) {
         kNoOutput, job->input,
         "its " + what_ + " " + job->named + " is the one of " + entry->second + " already");
   }
-  if (!there || job->current) return;
+  if (!there) return;
   if (!overwrite_) return job->FailExisting();
   if (job->folder->seen_before) {
     job->Fail(kNoOutput, job->named,
@@ -86,7 +87,7 @@ void OutputPlaces::Take(Job* job) {
 
 void Put(Scratch* scratch, const Placing& placing, const char* what, Job* job) {
   // Waiting for the disk is for many at a time.
-  if (placing.sync && !SyncFile(scratch->path())) {
+  if (placing.sync && !scratch->Sync()) {
     return job->Fail(kNoOutput, job->named, "cannot be written: " + SystemError());
   }
   const std::lock_guard<std::mutex> lock(job->folder->mutex);

@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "shared/paths.h"
-#include "shared/system.h"
 #include "support/file.h"
 
 namespace quorvex::tool {

@@ -5,6 +5,8 @@
 
 #include <string>
 
+#include "shared/system.h"
+
 namespace quorvex::tool {
 
 constexpr unsigned kMostWorkers = 64;
@@ -25,7 +27,8 @@ class Scratch {
   // False where it cannot be created: LastError().
   bool Create(const std::string& folder, const char* extension = "");
   const std::string& path() const { return path_; }
-  // False: SystemError().
+  // Both: false: SystemError().
+  bool Sync() const { return SyncFile(path_, taken_); }
   bool Become(const std::string& name, bool replace);
   void Remove();
 

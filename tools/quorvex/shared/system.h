@@ -59,8 +59,9 @@ bool SameRecording(const std::string& first, const std::string& second);
 using Identity = std::pair<uint64_t, uint64_t>;
 std::optional<Identity> IdentityOf(const std::string& path);
 
-// Follows a symbolic link to the file that it leads to; other paths stay as they are.
-std::string Resolved(const std::string& path);
+// Follows a symbolic link to the file that it leads to; other paths stay as they are. Says whether
+// anything stands there.
+std::string Resolved(const std::string& path, bool* there = nullptr);
 
 // Turns the name of a file into what its folder compares names by.
 std::string NameKey(const std::string& name);
@@ -102,8 +103,9 @@ struct FileState {
 };
 std::optional<FileState> StateOf(const std::string& path);
 
-// Waits until what was written into a file would survive a power cut. False: SystemError().
-bool SyncFile(const std::string& path);
+// Waits until what was written into a file would survive a power cut; `taken` is what TakeFile
+// gave. False: SystemError().
+bool SyncFile(const std::string& path, int taken);
 
 std::string MachineName();
 uint32_t ProcessId();

@@ -37,9 +37,11 @@ std::optional<Identity> IdentityOf(const std::string& path) {
   return Identity(status.st_dev, status.st_ino);
 }
 
-std::string Resolved(const std::string& path) {
+std::string Resolved(const std::string& path, bool* there) {
   struct stat status {};
-  if (lstat(path.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return path;
+  const bool any = lstat(path.c_str(), &status) == 0;
+  if (there != nullptr) *there = any;
+  if (!any || !S_ISLNK(status.st_mode)) return path;
   char* real = realpath(path.c_str(), nullptr);
   if (real == nullptr) return path;
   std::string resolved = real;
@@ -98,13 +100,13 @@ std::optional<FileState> StateOf(const std::string& path) {
                    static_cast<uint64_t>(status.st_size)};
 }
 
-bool SyncFile(const std::string& path) {
-  const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+bool SyncFile(const std::string& path, int taken) {
+  const int file = taken >= 0 ? taken : open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (file < 0) return false;
   // Not every file system can; where it cannot there is nothing to wait for.
   const bool synced = fdatasync(file) == 0 || errno == EINVAL || errno == ENOSYS;
   const int error = errno;
-  close(file);
+  if (file != taken) close(file);
   errno = error;
   return synced;
 }

@@ -150,7 +150,10 @@ std::optional<Identity> IdentityOf(const std::string& path) {
                   static_cast<uint64_t>(about.nFileIndexHigh) << 32 | about.nFileIndexLow);
 }
 
-std::string Resolved(const std::string& path) { return path; }
+std::string Resolved(const std::string& path, bool* there) {
+  if (there != nullptr) *there = Exists(path);
+  return path;
+}
 
 std::string NameKey(const std::string& name) {
   std::wstring wide = ToWide(name);
@@ -203,7 +206,7 @@ std::optional<FileState> StateOf(const std::string& path) {
       joined(about.nFileSizeHigh, about.nFileSizeLow)};
 }
 
-bool SyncFile(const std::string& path) {
+bool SyncFile(const std::string& path, int) {
   const HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE,
                                   FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                   OPEN_EXISTING, 0, nullptr);
