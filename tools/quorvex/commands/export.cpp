@@ -1,5 +1,4 @@
 // quorvex export writes recordings as tables.
-#include <algorithm>
 #include <set>
 
 #include "commands/commands.h"

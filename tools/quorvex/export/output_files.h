@@ -3,7 +3,6 @@
 
 #include <functional>
 #include <string>
-#include <vector>
 
 #include "shared/output_places.h"
 #include "support/file.h"

@@ -1,7 +1,6 @@
 // A manifest says what became of every recording of a run: a line of JSON for each.
 #pragma once
 
-#include <memory>
 #include <string>
 
 #include "shared/jobs.h"
