@@ -68,20 +68,24 @@ uint32_t MostSteps(const Field& f) {
   return steps;
 }
 
-// The first floats of every entry, side by side.
+// The first floats of every entry, side by side, the no-value marker as infinity.
 template <uint32_t kFloats>
 uint32_t Gather(const Field& f, const uint8_t* at, uint32_t* to) {
+  constexpr auto kMarker = std::bit_cast<uint32_t>(kNoValue);
+  constexpr uint32_t kInfinity = 0x7F800000;
   uint32_t* const start = to;
-  for (uint32_t entry = 0; entry < f.size; entry += f.entry_floats * 4u, to += kFloats) {
-    std::memcpy(to, at + entry, kFloats * 4);
+  const uint32_t step = f.entry_floats * 4u;
+  for (const uint8_t* const end = at + f.size; at < end; at += step, to += kFloats) {
+    for (uint32_t i = 0; i < kFloats; ++i) {
+      const auto bits = Load<uint32_t>(at + i * 4);
+      to[i] = bits == kMarker ? kInfinity : bits;
+    }
   }
   return static_cast<uint32_t>(to - start);
 }
 
-// The written floats of every entry, the no-value marker as infinity, in base64.
+// The written floats of every entry in base64.
 char* SpectrumText(const Field& f, const uint8_t* at, char* to) {
-  constexpr auto kMarker = std::bit_cast<uint32_t>(kNoValue);
-  constexpr uint32_t kInfinity = 0x7F800000;
   constexpr uint32_t kMostFloats = 256;
   assert(f.size <= kMostFloats * 4 && f.written_floats <= 3);
   uint32_t floats[kMostFloats];
@@ -89,7 +93,6 @@ char* SpectrumText(const Field& f, const uint8_t* at, char* to) {
                       : f.written_floats == 2 ? Gather<2>
                                               : Gather<3>;
   const uint32_t count = gather(f, at, floats);
-  for (uint32_t i = 0; i < count; ++i) floats[i] = floats[i] == kMarker ? kInfinity : floats[i];
   return Base64Encode(reinterpret_cast<const uint8_t*>(floats), count * 4, to);
 }
 
