@@ -4,7 +4,7 @@
 // and with one factor per binary exponent, that of its larger decimal exponent: ten times the
 // product belongs to the smaller one, which is right where it does not round to eight digits. What
 // is cut off behind the 38 bits after the point is less than kLost, and no float comes that near to
-// half a digit but those that are one: ties. Four quotients by 10000, 100 and 10 then take the
+// half a digit but those that are one: ties. Quotients by 10000, by 100 and by 10 then take the
 // digits of four floats apart, and one shuffle of bytes puts them beside the text of the exponent,
 // which lies in the table beside the factor. Signs and texts behind go in one by one, as values are
 // written. What has no digits, and what has fewer bits, goes through FloatText, with its
