@@ -107,7 +107,7 @@ TEST(NumberText, DISABLED_EveryFloat) {
   EXPECT_EQ(0u, wrong);
 }
 
-// The same of floats together, in a minute or two.
+// The same of floats together, in a quarter of an hour.
 TEST(NumberText, DISABLED_EveryFloatTogether) {
   wrong = 0;
   std::vector<float> values(65536);
