@@ -41,6 +41,12 @@ set_target_properties(quorvex_objects PROPERTIES CXX_VISIBILITY_PRESET hidden
                                                  VISIBILITY_INLINES_HIDDEN ON)
 target_link_libraries(quorvex_objects PRIVATE quorvex_flags quorvex_hardening)
 
+if(WIN32)
+  # GCC keeps wide registers on stacks that Windows aligns to 16 bytes only, as if it were 32.
+  set_source_files_properties(${CMAKE_SOURCE_DIR}/src/texts/float_texts.cpp PROPERTIES
+                              COMPILE_OPTIONS -Wa,-muse-unaligned-vector-move)
+endif()
+
 add_library(quorvex_static STATIC $<TARGET_OBJECTS:quorvex_objects>)
 target_include_directories(quorvex_static PUBLIC ${CMAKE_SOURCE_DIR}/src ${CMAKE_SOURCE_DIR}/include)
 target_compile_definitions(quorvex_static INTERFACE QUORVEX_STATIC)

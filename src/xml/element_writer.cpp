@@ -28,8 +28,8 @@ XmlWriter* CreateWriter(FileHandle* file) {
   auto* writer = static_cast<XmlWriter*>(Allocate(sizeof(XmlWriter)));
   writer->file = file;
   writer->mode = file != nullptr ? Output::kFile : Output::kMemory;
-  writer->buffer = static_cast<char*>(Allocate(kWriterBuffer));
-  writer->capacity = kWriterBuffer;
+  writer->capacity = file != nullptr ? kFileBuffer : kWriterBuffer;
+  writer->buffer = static_cast<char*>(Allocate(writer->capacity));
   return writer;
 }
 

@@ -8,6 +8,7 @@
 #include "layout/count_of.h"
 #include "support/loads.h"
 #include "support/memory.h"
+#include "texts/float_texts.h"
 #include "texts/value_text.h"
 #include "xml/base64.h"
 
@@ -28,18 +29,8 @@ struct PlanStep {
 
 namespace {
 
-// Texts are copied in pieces of this size, up to one piece too far; both sides have room for that.
-// Most texts are one piece.
-constexpr uint32_t kCopySize = 32;
 // A buffer is asked for room once for many steps.
 constexpr uint32_t kMostRoom = 16384;
-
-char* CopyText(const char* from, uint32_t size, char* to) {
-  std::memcpy(to, from, kCopySize);
-  if (size > kCopySize) [[unlikely]]
-    std::memcpy(to + kCopySize, from + kCopySize, size - kCopySize);
-  return to + size;
-}
 
 // The most bytes that a row's value takes in the document.
 uint32_t LongestText(const Field& f) {
@@ -77,20 +68,24 @@ uint32_t MostSteps(const Field& f) {
   return steps;
 }
 
-// The first floats of every entry, side by side.
+// The first floats of every entry, side by side, the no-value marker as infinity.
 template <uint32_t kFloats>
 uint32_t Gather(const Field& f, const uint8_t* at, uint32_t* to) {
+  constexpr auto kMarker = std::bit_cast<uint32_t>(kNoValue);
+  constexpr uint32_t kInfinity = 0x7F800000;
   uint32_t* const start = to;
-  for (uint32_t entry = 0; entry < f.size; entry += f.entry_floats * 4u, to += kFloats) {
-    std::memcpy(to, at + entry, kFloats * 4);
+  const uint32_t step = f.entry_floats * 4u;
+  for (const uint8_t* const end = at + f.size; at < end; at += step, to += kFloats) {
+    for (uint32_t i = 0; i < kFloats; ++i) {
+      const auto bits = Load<uint32_t>(at + i * 4);
+      to[i] = bits == kMarker ? kInfinity : bits;
+    }
   }
   return static_cast<uint32_t>(to - start);
 }
 
-// The written floats of every entry, the no-value marker as infinity, in base64.
+// The written floats of every entry in base64.
 char* SpectrumText(const Field& f, const uint8_t* at, char* to) {
-  constexpr auto kMarker = std::bit_cast<uint32_t>(kNoValue);
-  constexpr uint32_t kInfinity = 0x7F800000;
   constexpr uint32_t kMostFloats = 256;
   assert(f.size <= kMostFloats * 4 && f.written_floats <= 3);
   uint32_t floats[kMostFloats];
@@ -98,39 +93,33 @@ char* SpectrumText(const Field& f, const uint8_t* at, char* to) {
                       : f.written_floats == 2 ? Gather<2>
                                               : Gather<3>;
   const uint32_t count = gather(f, at, floats);
-  for (uint32_t i = 0; i < count; ++i) floats[i] = floats[i] == kMarker ? kInfinity : floats[i];
   return Base64Encode(reinterpret_cast<const uint8_t*>(floats), count * 4, to);
 }
 
-// Ready text around a value that repeats: open tag, and close tag with the next open tag.
-struct Tags {
-  char open[64];
-  char between[64];
-  uint32_t open_size, between_size;
-};
-
 // One value element after the other, for the samples and spectra that most of a large document is.
+// `open` stands in front of the first; what is between two ends with it.
 template <typename Value>
-void WriteFloats(XmlWriter* to, const Tags& tags, uint32_t count, Value value) {
+void WriteFloats(XmlWriter* to, const ReadyText& open, const ReadyText& between, uint32_t count,
+                 Value value) {
   constexpr uint32_t kAtOnce = 256;
-  for (uint32_t n = 0; n < count;) {
-    const uint32_t end = std::min(count, n + kAtOnce);
-    char* out = Reserve(to, tags.open_size + kCopySize +
-                                (end - n) * (kLongestNumber + tags.between_size + kCopySize));
-    out = CopyText(tags.open, tags.open_size, out);
-    for (; n < end; ++n) {
-      out = FloatText(value(n), out);
-      out = CopyText(tags.between, tags.between_size, out);
-    }
-    Advance(to, out - tags.open_size);  // no further value: its open tag goes again
+  float values[kAtOnce];
+  for (uint32_t n = 0; n < count; n += kAtOnce) {
+    const uint32_t part = std::min(count - n, kAtOnce);
+    for (uint32_t i = 0; i < part; ++i) values[i] = value(n + i);
+    char* out =
+        Reserve(to, open.size + kCopySize + part * (kLongestNumber + between.size + kCopySize));
+    out = FloatTexts(values, part, between, CopyText(open, out));
+    Advance(to, out - open.size);  // no further value: its open tag goes again
   }
 }
+
+constexpr uint32_t kLongestTags = 48;
 
 // Values side by side whose element is the whole repetition, and whose tags are short enough.
 bool IsFloatRun(const PlanStep& loop, const PlanStep& value, const PlanStep& close) {
   const bool is_float =
       loop.kind == Kind::kF32 || loop.kind == Kind::kScaledI16 || loop.kind == Kind::kScaledF32;
-  return is_float && value.text_size + close.text_size <= 48;
+  return is_float && value.text_size + close.text_size <= kLongestTags;
 }
 
 char* TextOf(const Field& f, const uint8_t* at, const Inputs& inputs, char* to) {
@@ -227,7 +216,7 @@ void Plan::Run(XmlWriter* to, uint32_t from, uint32_t end, const uint8_t* base, 
       Advance(to, out);
       out = Reserve(to, s.room);
     }
-    out = CopyText(text + s.text_at, s.text_size, out);
+    out = CopyText({text + s.text_at, s.text_size}, out);
     if (s.field == nullptr) continue;
     const uint8_t* at = base + s.offset + static_cast<size_t>(repetition) * s.step;
     if (s.loop_end == 0) {
@@ -252,24 +241,24 @@ void Plan::RunLoop(XmlWriter* to, uint32_t loop, const uint8_t* place, const Inp
     for (uint32_t n = 0; n < count; ++n) Run(to, loop + 1, s.loop_end, place, n, inputs);
     return;
   }
-  Tags tags{};
-  tags.open_size = value.text_size;
-  tags.between_size = static_cast<uint32_t>(close.text_size) + value.text_size;
-  std::memcpy(tags.open, text_ + value.text_at, value.text_size);
-  std::memcpy(tags.between, text_ + close.text_at, close.text_size);
-  std::memcpy(tags.between + close.text_size, tags.open, value.text_size);
+  // Close tag and the next open tag, side by side.
+  char tags[kLongestTags + kCopySize];
+  const ReadyText open = {text_ + value.text_at, value.text_size};
+  const ReadyText between = {tags, static_cast<uint32_t>(close.text_size) + value.text_size};
+  CopyText(open, CopyText({text_ + close.text_at, close.text_size}, tags));
   const uint8_t* values = place + value.offset;
   const uint32_t step = value.step;
   const float scale = inputs.scale[s.field->scale_ref];
   if (s.kind == Kind::kScaledI16) {
-    WriteFloats(to, tags, count, [=](uint32_t n) {
+    WriteFloats(to, open, between, count, [=](uint32_t n) {
       return static_cast<float>(Load<int16_t>(values + n * step)) * scale;
     });
   } else if (s.kind == Kind::kScaledF32) {
-    WriteFloats(to, tags, count,
+    WriteFloats(to, open, between, count,
                 [=](uint32_t n) { return Load<float>(values + n * step) * scale; });
   } else {
-    WriteFloats(to, tags, count, [=](uint32_t n) { return Load<float>(values + n * step); });
+    WriteFloats(to, open, between, count,
+                [=](uint32_t n) { return Load<float>(values + n * step); });
   }
 }
 
