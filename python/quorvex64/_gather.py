@@ -4,7 +4,7 @@ from __future__ import annotations
 
 import errno
 import os
-from collections import Counter
+from collections import Counter, deque
 from pathlib import Path
 from typing import Iterable, Iterator, NamedTuple, Optional, Union
 
@@ -13,6 +13,7 @@ from ._library import StrPath
 Paths = Union[StrPath, Iterable[StrPath]]
 
 _Identity = tuple[int, int]
+_EMPTY = "holds no recordings"
 
 
 class Folder(NamedTuple):
@@ -85,23 +86,28 @@ def _places(folders: list[str]) -> dict[str, str]:
     return {folder: os.path.join("", *end) for folder, end in zip(folders, ends)}
 
 
-def _names_in(folder: str) -> tuple[list[str], list[str]]:
-    """Recordings and folders, sorted."""
-    recordings, folders = [], []
+def _names_in(folder: str) -> tuple[list[str], list[str], list[str]]:
+    """Recordings, folders, and links to folders, sorted."""
+    recordings, folders, links = [], [], []
     with os.scandir(folder) as entries:
         for entry in entries:
             # A link that leads nowhere, or in a circle, is no folder, and raises nothing here.
-            if os.path.isdir(entry.path) if entry.is_symlink() else entry.is_dir():
+            if entry.is_symlink() and os.path.isdir(entry.path):
+                links.append(entry.name)
+            elif entry.is_dir(follow_symlinks=False):
                 folders.append(entry.name)
             elif _is_recording_name(entry.name):
                 recordings.append(entry.name)
-    return sorted(recordings), sorted(folders)
+    return sorted(recordings), sorted(folders), sorted(links)
 
 
 class _Walk:
     def __init__(self) -> None:
         self._walked: set[_Identity] = set()
         self._named: set[tuple[Union[_Identity, str], str]] = set()
+        # Folders that a link leads to come last: by then those are known that have a place of their
+        # own, which is where their documents stay when the link goes elsewhere.
+        self._links: deque[tuple[str, str]] = deque()
 
     def folder(self, root: str, root_place: str) -> Iterator[Folder]:
         """A folder and all below it. None is walked twice, whatever links lead to it."""
@@ -112,7 +118,7 @@ class _Walk:
             if identity in self._walked:
                 continue
             try:
-                recordings, folders = _names_in(path)
+                recordings, folders, links = _names_in(path)
             except OSError as error:
                 explained = True
                 yield Folder(path, place, [], f"cannot be read: {error.strerror}")
@@ -120,13 +126,19 @@ class _Walk:
             if identity is not None:
                 self._walked.add(identity)
             new = [name for name in recordings if (identity or path, name) not in self._named]
-            explained = explained or bool(recordings)
+            explained = explained or bool(recordings) or bool(links)
+            self._links.extend((os.path.join(path, n), os.path.join(place, n)) for n in links)
             if new:
                 yield Folder(path, place, new)
             inside = [(os.path.join(path, name), os.path.join(place, name)) for name in folders]
             waiting += reversed(inside)
         if not explained:
-            yield Folder(root, root_place, [], "holds no recordings")
+            yield Folder(root, root_place, [], _EMPTY)
+
+    def links(self) -> Iterator[Folder]:
+        while self._links:
+            found = list(self.folder(*self._links.popleft()))
+            yield from (folder for folder in found if folder.problem != _EMPTY)
 
     def file(self, path: str) -> Iterator[Folder]:
         folder, name = os.path.split(path)
@@ -146,13 +158,18 @@ def walk(paths: list[str]) -> Iterator[Folder]:
     what ends in ".REC", in any case. Little is kept of what was there before, so that there may be
     millions."""
     roots: dict[Optional[_Identity], str] = {}
+    missing: list[str] = []
     for path in paths:
+        # What is not there may be a card that is not in its place, which leaves the others in theirs.
         if os.path.isdir(path):
             roots.setdefault(_identity(path), path)
-    places = _places([*roots.values()])
+        elif not os.path.lexists(path) and not _is_recording_name(path):
+            missing.append(path)
+    places = _places([*roots.values(), *missing])
     taken = _Walk()
     for path in paths:
         if os.path.isdir(path):
             yield from taken.folder(path, places.get(path, ""))
         else:
             yield from taken.file(path)
+    yield from taken.links()

@@ -45,6 +45,7 @@ class Preparation {
       : options_(options),
         range_(range),
         into_folder_(into_folder),
+        manifest_(options.manifest.empty() ? "" : FullPath(options.manifest)),
         places_("document", options.overwrite || options.newer, into_folder) {}
 
   // Says where the document goes, and reads the recording's head where there is one to be written.
@@ -68,6 +69,9 @@ class Preparation {
 
   void Place(Job* job) {
     if (job->output.empty()) return RemoveLeftovers(TemporaryFolder());
+    if (!manifest_.empty() && FullPath(job->output) == manifest_) {
+      return job->Fail(kNoOutput, job->named, "is the manifest");
+    }
     places_.Take(job);
     if (job->exists && options_.no_clobber) job->Leave();
   }
@@ -93,6 +97,7 @@ class Preparation {
   const ConvertOptions& options_;
   Range range_;
   bool into_folder_;
+  std::string manifest_;
   OutputPlaces places_;
 };
 
@@ -102,6 +107,10 @@ const char* Contradiction(const ConvertOptions& options) {
     return "--newer and --records exclude each other: whether a document has those records does "
            "not "
            "show in its time";
+  }
+  const std::string& list = options.inputs.sources.list;
+  if (!list.empty() && list != "-" && SameRecording(list, options.manifest)) {
+    return "--manifest would replace the list of --files-from";
   }
   if (options.newer && options.output == "-") return "--newer needs documents that stay";
   if (options.manifest == "-" && options.output == "-") {
@@ -118,7 +127,6 @@ bool PrepareOutput(const ConvertOptions& options, bool archive, const Ahead& ahe
   if (output.empty() || !ahead.Any()) return true;
   const bool slash = std::string(kSeparators).find(output.back()) != std::string::npos;
   const Found& first = ahead.first();
-  // An archive of which there is only one yet, or one in this share, is still one.
   const bool mirrored = output != "-" && (archive || first.below.find('/') != std::string::npos ||
                                           (options.newer && first.walked));
   const bool wanted = ahead.Several() || mirrored;
@@ -149,7 +157,8 @@ ExitCode Convert(ConvertOptions options) {
     return kUsage;
   }
   const Sources& sources = options.inputs.sources;
-  const bool archive = !sources.list.empty() || sources.share.of > 1;
+  // An archive of which there is one recording yet, or one in this share, is still one.
+  const bool archive = !sources.list.empty() || sources.share.of > 1 || sources.paths.size() > 1;
   Progress progress(!options.quiet);
   std::unique_ptr<Gathering> gathering;
   if (const std::string reason = Gathering::Prepare(sources, &gathering); !reason.empty()) {
@@ -180,6 +189,7 @@ ExitCode Convert(ConvertOptions options) {
   steps.work = Converting({{options.overwrite || options.newer, !options.no_sync},
                            !options.quiet || manifest.IsWanted(),
                            manifest.IsWanted(),
+                           options.no_clobber,
                            options.newer});
   steps.ended = [&](Job* job) {
     if (manifest.IsWanted()) manifest.Add(*job);
@@ -238,6 +248,7 @@ Command AddConvert(CLI::App& app) {
   line->add_option("--manifest", options->manifest,
                    "Say in this file what became of each recording, a line of JSON each; - is "
                    "standard output")
+      ->check(NotEmpty)
       ->option_text("FILE");
   line->add_option("--stop-after", options->stop_after,
                    "Begin no more conversions after so many failures")

@@ -20,6 +20,7 @@ void FilePlaces::Take(Job* job) {
   std::string stem = WithoutExtension(job->below);
   if (!job->front.empty()) stem = Inside(job->front, stem);
   stem = Inside(folder_, stem);
+  job->named = stem;
   if (!places_.Enter(FolderOf(stem), job)) return;
   // Folders travel: names that differ by case only would be one elsewhere.
   const auto [entry, is_new] =

@@ -10,11 +10,11 @@ namespace quorvex::tool {
 bool Sha256Of(const std::string& path, std::string* digits);
 
 inline std::string InHexadecimal(const uint8_t* bytes, size_t size) {
-  constexpr char kDigits[] = "0123456789abcdef";
+  constexpr char kHexadecimal[] = "0123456789abcdef";
   std::string text;
   for (size_t i = 0; i < size; ++i) {
-    text += kDigits[bytes[i] >> 4];
-    text += kDigits[bytes[i] & 15];
+    text += kHexadecimal[bytes[i] >> 4];
+    text += kHexadecimal[bytes[i] & 15];
   }
   return text;
 }

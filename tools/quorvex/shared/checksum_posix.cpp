@@ -12,10 +12,10 @@ bool Sha256Of(const std::string& path, std::string* digits) {
   if (file == nullptr) return false;
   sha256_ctx sum{};
   sha256_init(&sum);
-  std::vector<uint8_t> piece(1 << 16);
-  size_t got = piece.size();
-  while (got == piece.size()) {
-    got = std::fread(piece.data(), 1, piece.size(), file);
+  constexpr size_t kPiece = 1 << 16;
+  std::vector<uint8_t> piece(kPiece);
+  for (size_t got = kPiece; got == kPiece;) {
+    got = std::fread(piece.data(), 1, kPiece, file);
     sha256_update(&sum, got, piece.data());
   }
   const bool whole = std::ferror(file) == 0;

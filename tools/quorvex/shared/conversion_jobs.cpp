@@ -2,11 +2,9 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <memory>
 #include <optional>
 
 #include "findings/soundness.h"
-#include "records/record_types.h"
 #include "settings/setting_file.h"
 #include "shared/checksum.h"
 #include "shared/messages.h"
@@ -109,6 +107,10 @@ void RunJob(Job* job, const ConversionAsked& asked, unsigned worker) {
     CopyToOutput(scratch.path(), job);
   } else {
     Put(&scratch, asked.placing, "document", job);
+    if (job->exists && asked.leave) {
+      job->Leave();
+      if (asked.checksum) Sha256Of(job->output, &job->checksum);
+    }
   }
 }
 

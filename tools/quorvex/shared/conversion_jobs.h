@@ -10,6 +10,7 @@ struct ConversionAsked {
   Placing placing;
   bool check = true;       // recordings are checked, and what is found is told
   bool checksum = false;   // of the documents, of those too that stay as they are
+  bool leave = false;      // that a document is there by now is no failure
   bool unchanged = false;  // a recording that changes meanwhile has no document
 };
 

@@ -56,9 +56,8 @@ struct Given {
       const size_t to = std::min(list->find(end, at), list->size());
       *path = list->substr(at, to - at);
       at = to + 1;
-#ifdef _WIN32
-      if (end == '\n' && !path->empty() && path->back() == '\r') path->pop_back();
-#endif
+      // Of a list that was made on Windows, unless there is such a name.
+      if (end == '\n' && !path->empty() && path->back() == '\r' && !Exists(*path)) path->pop_back();
       if (!path->empty()) return true;
     }
     return false;
@@ -87,7 +86,10 @@ struct Given {
     std::vector<size_t> which;
     std::vector<std::string> folders;
     for (size_t i = 0; i < paths.size(); ++i) {
-      if (paths[i] == "-" || !IsFolder(paths[i])) continue;
+      // What is not there may be a card that is not in its place, which leaves the others in
+      // theirs.
+      const bool missing = !Exists(paths[i]) && !IsRecordingName(paths[i]);
+      if (paths[i] == "-" || !(missing || IsFolder(paths[i]))) continue;
       const std::optional<Identity> identity = IdentityOf(paths[i]);
       if (identity && !known.insert(*identity).second) continue;
       which.push_back(i);
@@ -106,7 +108,7 @@ class Walk {
 
   bool Next(Found* found) {
     while (problems_.empty() && !TakeNext(found)) {
-      if (finished_) return false;
+      if (finished_ && problems_.empty() && !TakeLink()) return false;
     }
     if (problems_.empty()) return true;
     *found = problems_.front();
@@ -120,6 +122,10 @@ class Walk {
     std::string path, below, key;
     std::vector<Entry> entries;
     size_t at = 0;
+  };
+
+  struct Link {
+    std::string path, below, front;
   };
 
   void Fail(const std::string& path, const std::string& problem) {
@@ -139,7 +145,14 @@ class Walk {
     const Entry& entry = level.entries[level.at++];
     const std::string path = Inside(level.path, entry.name);
     const std::string below = level.below.empty() ? entry.name : level.below + "/" + entry.name;
-    if (entry.kind == Entry::kFolder || (entry.kind == Entry::kUnknown && IsFolder(path))) {
+    const bool folder =
+        entry.kind == Entry::kFolder || (entry.kind != Entry::kFile && IsFolder(path));
+    if (folder && entry.kind != Entry::kFolder && IsLink(path)) {
+      links_.push_back({path, below, front_});
+      explained_ = true;
+      return false;
+    }
+    if (folder) {
       Enter(path, below);
       return false;
     }
@@ -181,6 +194,19 @@ class Walk {
     return true;
   }
 
+  // Folders that a link leads to come last: by then those are known that have a place of their own,
+  // which is where their documents stay when the link goes elsewhere.
+  bool TakeLink() {
+    if (links_.empty()) return false;
+    const Link link = links_.front();
+    links_.pop_front();
+    front_ = link.front;
+    explained_ = true;
+    finished_ = false;
+    Enter(link.path, link.below);
+    return true;
+  }
+
   bool TakeInput(Found* found) {
     if (once_more_) return false;
     std::string problem;
@@ -203,7 +229,10 @@ class Walk {
     std::vector<std::string> unsayable;
     const bool read = EntriesIn(path, &level.entries, &unsayable);
     const std::string reason = LastError();
-    if (!read) Fail(path, "cannot be read: " + reason);
+    if (!read) {
+      Fail(path, "cannot be read: " + reason);
+      folders_.erase(level.key);  // what is given by name in it may be read all the same
+    }
     for (const std::string& name : unsayable) {
       Fail(Inside(path, name), "has characters outside the code page, and is not read");
     }
@@ -223,6 +252,7 @@ class Walk {
   bool any_ = false, explained_ = false;  // of the folder that was given
   bool finished_ = false;
   std::vector<Level> levels_;
+  std::deque<Link> links_;
   std::deque<Found> problems_;
   std::unordered_set<std::string> folders_, files_;  // walked; given by name
 };
@@ -235,9 +265,9 @@ bool ParseShare(const std::string& text, Share* share) {
   return of.ec == std::errc() && of.ptr == end && share->number >= 1 && share->number <= share->of;
 }
 
-bool IsIn(const Share& share, const std::string& below) {
+bool IsIn(const Share& share, const std::string& place) {
   if (share.of == 1) return true;
-  std::string key = Utf8(below);
+  std::string key = Utf8(place);
 #ifdef _WIN32
   std::replace(key.begin(), key.end(), '\\', '/');
 #endif
@@ -263,6 +293,9 @@ std::string Gathering::Prepare(const Sources& sources, std::unique_ptr<Gathering
     std::string text;
     const bool read = sources.list == "-" ? ReadInput(&text) : ReadText(sources.list, &text);
     if (!read) return "cannot be read: " + LastError();
+    if (!sources.nulls && text.find('\0') != std::string::npos) {
+      return "has NUL characters; --null takes paths that end in these";
+    }
     given.list = std::make_shared<const std::string>(std::move(text));
     given.end = sources.nulls ? '\0' : '\n';
     given.named_base = sources.base;
@@ -278,7 +311,9 @@ std::string Gathering::Prepare(const Sources& sources, std::unique_ptr<Gathering
 
 bool Gathering::Next(Found* found) {
   while (walk_->Next(found)) {
-    if (!found->problem.empty() || IsIn(share_, found->below)) return true;
+    const std::string& below = found->below;
+    const std::string place = found->front.empty() ? below : Inside(found->front, below);
+    if (!found->problem.empty() || IsIn(share_, place)) return true;
   }
   return false;
 }

@@ -17,10 +17,10 @@ struct Share {
 };
 // "3/16". False for what is none, "0/0" and "3/2" too.
 bool ParseShare(const std::string& text, Share* share);
-// Whether a recording is in a share. Its path below the folder given decides, but for its extension
-// and the case of its letters: so whichever recordings could have one document are in one share, on
-// every machine and in every version of this program.
-bool IsIn(const Share& share, const std::string& below);
+// Whether a recording is in a share. Its path below the folder given decides, with that one's name
+// where several are, but for its extension and the case of its letters: so whichever recordings
+// could have one document are in one share, on every machine and in every version of this program.
+bool IsIn(const Share& share, const std::string& place);
 
 // What to gather.
 struct Sources {
@@ -45,8 +45,8 @@ struct Found {
 
 class Walk;
 
-// No folder is walked twice and no file is there twice, whatever links lead to it. A copy begins
-// anew.
+// No folder is walked twice and no file is there twice, whatever links lead to it; links to folders
+// are followed last.
 class Gathering {
  public:
   // Reads the list, where there is one. Empty, or why that failed.

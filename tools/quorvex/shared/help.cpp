@@ -53,6 +53,8 @@ void TakePaths(CLI::App* command, std::vector<std::string>* paths) {
       ->required();
 }
 
+std::string NotEmpty(const std::string& value) { return value.empty() ? "has no value" : ""; }
+
 void TakeSources(CLI::App* command, SourcesAsked* asked) {
   Sources& sources = asked->sources;
   command->add_option("PATH", sources.paths,
@@ -60,17 +62,20 @@ void TakeSources(CLI::App* command, SourcesAsked* asked) {
   command
       ->add_option("--files-from", sources.list,
                    "Take the paths from this file, one a line; - is standard input")
+      ->check(NotEmpty)
       ->option_text("FILE");
   command->add_flag("-0,--null", sources.nulls, "NUL ends the paths of --files-from, no line");
   command
       ->add_option("--base", sources.base,
                    "Mirror what is below this folder, of paths from --files-from; by default the "
                    "longest folder that they share")
+      ->check(NotEmpty)
       ->option_text("DIR");
   command
       ->add_option("--shard", asked->share,
                    "Of the recordings below the folders given only part I of N, so that N machines "
                    "do each recording once: 3/16")
+      ->check(NotEmpty)
       ->option_text("I/N");
 }
 
@@ -82,6 +87,9 @@ std::string ProblemOf(SourcesAsked* asked) {
   }
   if (!has_list && (sources.nulls || !sources.base.empty())) {
     return "--null and --base go with --files-from";
+  }
+  if (!sources.base.empty() && !IsFolder(sources.base)) {
+    return "--base " + sources.base + ": is no folder";
   }
   if (asked->share.empty() || ParseShare(asked->share, &sources.share)) return "";
   return "--shard " + asked->share + ": is no part I of N such as 3/16";

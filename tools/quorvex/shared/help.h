@@ -18,6 +18,9 @@ class HelpFormatter : public CLI::Formatter {
 // Makes a command take recordings and folders of them.
 void TakePaths(CLI::App* command, std::vector<std::string>* paths);
 
+// What is wrong with an empty value: a variable of the shell that is not set would ask for nothing.
+std::string NotEmpty(const std::string& value);
+
 // The same for a command that takes archives: lists of recordings too, and shares of them.
 struct SourcesAsked {
   Sources sources;

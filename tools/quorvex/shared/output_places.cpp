@@ -35,25 +35,30 @@ std::shared_ptr<OutputFolder> OutputPlaces::NewFolder(const std::string& path) {
 }
 
 bool OutputPlaces::Enter(const std::string& folder, Job* job) {
-  const auto lies_in = [&](const OutputFolder& other) {
-    return folder.compare(0, other.path.size(), other.path) == 0;
-  };
   if (const auto kept = kept_.find(folder); kept != kept_.end()) {
     job->folder = kept->second;
     return true;
   }
-  while (!walked_.empty() && !lies_in(*walked_.back())) walked_.pop_back();
-  if (!walked_.empty() && walked_.back()->path == folder) {
+  // Nor where a link leads to do the recordings come one after the other.
+  const bool walked = job->walked && FolderOf(job->named) == folder;
+  const auto lies_in = [&](const OutputFolder& other) {
+    return folder.compare(0, other.path.size(), other.path) == 0;
+  };
+  while (walked && !walked_.empty() && !lies_in(*walked_.back())) walked_.pop_back();
+  if (walked && !walked_.empty() && walked_.back()->path == folder) {
     job->folder = walked_.back();
-  } else {
-    if (make_folders_ && !IsFolder(folder) && !CreateFolder(folder)) {
-      job->Fail(kNoOutput, folder, "cannot be created: " + SystemError());
-      return false;
-    }
-    job->folder = NewFolder(folder);
-    if (job->folder->path == folder) walked_.push_back(job->folder);
+    return true;
   }
-  if (!job->walked) kept_[folder] = job->folder;
+  if (make_folders_ && !IsFolder(folder) && !CreateFolder(folder)) {
+    job->Fail(kNoOutput, folder, "cannot be created: " + SystemError());
+    return false;
+  }
+  job->folder = NewFolder(folder);
+  if (!walked) {
+    kept_[folder] = job->folder;
+  } else if (job->folder->path == folder) {
+    walked_.push_back(job->folder);
+  }
   return true;
 }
 
@@ -91,16 +96,18 @@ void Put(Scratch* scratch, const Placing& placing, const char* what, Job* job) {
     return job->Fail(kNoOutput, job->named, "cannot be written: " + SystemError());
   }
   const std::lock_guard<std::mutex> lock(job->folder->mutex);
-  std::set<Identity>& placed = job->folder->placed;
+  std::map<Identity, std::string>& placed = job->folder->placed;
   const std::optional<Identity> there = IdentityOf(job->output);
-  if (there && placed.count(*there) != 0) {
+  const auto other = there ? placed.find(*there) : placed.end();
+  // Not where another run has replaced that, and its identity is given again.
+  if (other != placed.end() && IdentityOf(other->second) == there) {
     return job->Fail(
         kNoOutput, job->input,
         "its " + std::string(what) + " " + job->named + " is the one of another recording already");
   }
   const std::optional<Identity> fresh = IdentityOf(scratch->path());
   if (scratch->Become(job->output, placing.overwrite)) {
-    if (fresh) placed.insert(*fresh);
+    if (fresh) placed[*fresh] = job->output;
     return;
   }
   const std::string reason = SystemError();

@@ -5,7 +5,6 @@
 #include <map>
 #include <memory>
 #include <mutex>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -27,7 +26,7 @@ struct OutputFolder {
   bool seen_before = false;  // other outputs of this run may be there, which are forgotten
 
   std::mutex mutex;
-  std::set<Identity> placed;  // the files that have got their names
+  std::map<Identity, std::string> placed;  // the files that have got their names
 };
 
 // Takes places, in order. It has the names in mind of those folders that it may come back to: where

@@ -64,6 +64,11 @@ std::vector<std::string> DistinctEnds(const std::vector<std::string>& folders) {
     }
     return end;
   };
+  // Two that differ by case only are two.
+  std::set<std::string> fulls;
+  for (const std::string& folder : folders) fulls.insert(InSmallLetters(folder));
+  const bool alike = fulls.size() < folders.size();
+  const auto key_of = [&](const std::string& end) { return alike ? end : InSmallLetters(end); };
   size_t longest = 0;
   for (const std::string& folder : folders) longest = std::max(longest, PartsOf(folder).size());
   // Those that have the same end as another one take one part more.
@@ -71,10 +76,10 @@ std::vector<std::string> DistinctEnds(const std::vector<std::string>& folders) {
   for (size_t i = 0; i < folders.size(); ++i) open.insert(i);
   for (size_t count = 1; count <= longest && !open.empty(); ++count) {
     std::map<std::string, size_t> owners;
-    for (size_t i = 0; i < folders.size(); ++i) ++owners[InSmallLetters(end_of(i, count))];
+    for (size_t i = 0; i < folders.size(); ++i) ++owners[key_of(end_of(i, count))];
     for (auto i = open.begin(); i != open.end();) {
       ends[*i] = end_of(*i, count);
-      i = owners[InSmallLetters(ends[*i])] == 1 ? open.erase(i) : std::next(i);
+      i = owners[key_of(ends[*i])] == 1 ? open.erase(i) : std::next(i);
     }
   }
   // Where one would lie in another, all are as long as the longest.
@@ -85,9 +90,9 @@ std::vector<std::string> DistinctEnds(const std::vector<std::string>& folders) {
   bool nested = false;
   for (const std::string& end : ends) {
     most = std::max(most, parts_in(end));
-    const std::string front = InSmallLetters(end) + "/";
+    const std::string front = key_of(end) + "/";
     nested = nested || std::any_of(ends.begin(), ends.end(), [&](const std::string& other) {
-               return InSmallLetters(other).compare(0, front.size(), front) == 0;
+               return key_of(other).compare(0, front.size(), front) == 0;
              });
   }
   for (size_t i = 0; nested && i < folders.size(); ++i) ends[i] = end_of(i, most);

@@ -55,13 +55,11 @@ bool Scratch::Create(const std::string& folder, const char* extension) {
   constexpr unsigned kTries = 100;
   for (unsigned i = 0; i < kTries; ++i) {
     const std::string path = front + std::to_string(slot_ + i * kScratchSlots) + "~" + extension;
-    if (CreateNew(path, among_others)) {
+    if (CreateNew(path, among_others, &taken_)) {
       path_ = path;
-      // Another run may just have taken it for left over, and removes it.
-      if (TakeFile(path_, &taken_) || Exists(path_)) break;
-    } else if (errno != EEXIST) {
-      return false;
+      break;
     }
+    if (errno != EEXIST) return false;
   }
   if (path_.empty()) return false;
   std::snprintf(paths[slot_], sizeof paths[slot_], "%s", path_.c_str());

@@ -59,6 +59,7 @@ bool EntriesIn(const std::string& folder, std::vector<Entry>* entries,
 #else
     const Entry::Kind kind = entry->d_type == DT_REG   ? Entry::kFile
                              : entry->d_type == DT_DIR ? Entry::kFolder
+                             : entry->d_type == DT_LNK ? Entry::kLink
                                                        : Entry::kUnknown;
 #endif
     entries->push_back({name, kind});

@@ -48,10 +48,11 @@ std::string SystemError();
 std::string LastError();
 std::string TextOfError(int error);
 
-// Say what stands at `path`: anything, a folder, what is no regular file (a device, a pipe, a
-// folder too).
+// Say what stands at `path`: anything, a folder, a link to something, what is no regular file (a
+// device, a pipe, a folder too).
 bool Exists(const std::string& path);
 bool IsFolder(const std::string& path);
+bool IsLink(const std::string& path);
 bool IsSpecial(const std::string& path);
 bool SameRecording(const std::string& first, const std::string& second);
 
@@ -82,7 +83,7 @@ constexpr char kSeparators[] = "/";
 
 // What a folder holds, as far as its listing tells.
 struct Entry {
-  enum Kind : uint8_t { kUnknown, kFile, kFolder };
+  enum Kind : uint8_t { kUnknown, kFile, kFolder, kLink };
   std::string name;
   Kind kind;
 };
@@ -103,7 +104,7 @@ struct FileState {
 };
 std::optional<FileState> StateOf(const std::string& path);
 
-// Waits until what was written into a file would survive a power cut; `taken` is what TakeFile
+// Waits until what was written into a file would survive a power cut; `taken` is what CreateNew
 // gave. False: SystemError().
 bool SyncFile(const std::string& path, int taken);
 
@@ -111,13 +112,11 @@ std::string MachineName();
 uint32_t ProcessId();
 std::string TemporaryFolder();
 
-// Creates an empty file where nothing is, for its owner's eyes only where `only_ours`. False where
-// something is (errno EEXIST), or it cannot be: LastError().
-bool CreateNew(const std::string& path, bool only_ours);
-
-// Takes a file for this process, so that RemoveLeftover in another one leaves it alone. False where
-// it is taken or gone. `taken` is to be given back, which takes -1 too.
-bool TakeFile(const std::string& path, int* taken);
+// Creates an empty file where nothing is, for its owner's eyes only where `only_ours`, and takes it
+// for this process, so that RemoveLeftover in another one leaves it alone. `taken` is to be given
+// back, which takes -1 too. False where something is there, or another process removes it just now
+// (errno EEXIST), or it cannot be: LastError().
+bool CreateNew(const std::string& path, bool only_ours, int* taken);
 void GiveBack(int taken);
 // Removes a scratch file of process `owner` unless that still has it.
 void RemoveLeftover(const std::string& path, uint32_t owner);

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -67,7 +68,13 @@ bool PutInPlace(const std::string& from, const std::string& to, bool replace) {
 bool CreateFolder(const std::string& path) {
   for (size_t at = path.find('/', 1);; at = path.find('/', at + 1)) {
     const std::string front = path.substr(0, at);
-    if (mkdir(front.c_str(), 0777) != 0 && errno != EEXIST && !IsFolder(front)) return false;
+    if (mkdir(front.c_str(), 0777) != 0) {
+      const int error = errno;
+      if (!IsFolder(front)) {
+        errno = error;
+        return false;
+      }
+    }
     if (at == std::string::npos) return true;
   }
 }
@@ -75,9 +82,8 @@ bool CreateFolder(const std::string& path) {
 std::string FullPath(const std::string& path) {
   std::string from = path, full;
   if (path.empty() || path[0] != '/') {
-    char* here = getcwd(nullptr, 0);
-    from = (here != nullptr ? std::string(here) : "") + "/" + path;
-    std::free(here);
+    char here[PATH_MAX] = "";
+    from = (getcwd(here, sizeof here) != nullptr ? std::string(here) : "") + "/" + path;
   }
   for (size_t at = 0; at < from.size();) {
     const size_t end = std::min(from.find('/', at + 1), from.size());
@@ -104,11 +110,11 @@ bool SyncFile(const std::string& path, int taken) {
   const int file = taken >= 0 ? taken : open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (file < 0) return false;
   // Not every file system can; where it cannot there is nothing to wait for.
-  const bool synced = fdatasync(file) == 0 || errno == EINVAL || errno == ENOSYS;
-  const int error = errno;
+  int error = fdatasync(file) == 0 ? 0 : errno;
+  if (error == EINVAL || error == ENOSYS) error = 0;
   if (file != taken) close(file);
   errno = error;
-  return synced;
+  return error == 0;
 }
 
 std::string MachineName() {
@@ -124,23 +130,33 @@ std::string TemporaryFolder() {
   return named != nullptr && named[0] != '\0' ? named : "/tmp";
 }
 
-bool CreateNew(const std::string& path, bool only_ours) {
-  const int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
-  const int file = open(path.c_str(), flags, only_ours ? 0600 : 0666);
-  return file >= 0 && close(file) == 0;
-}
+namespace {
 
-bool TakeFile(const std::string& path, int* taken) {
-  *taken = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+// Takes an open file. False where another process has it, or has removed it.
+bool Take(int file, const std::string& path) {
   struct stat here {};
   struct stat named {};
-  // Whoever had it may have removed it since it was opened.
-  if (*taken >= 0 && flock(*taken, LOCK_EX | LOCK_NB) == 0 && fstat(*taken, &here) == 0 &&
-      lstat(path.c_str(), &named) == 0 && here.st_ino == named.st_ino) {
-    return true;
-  }
+  return flock(file, LOCK_EX | LOCK_NB) == 0 && fstat(file, &here) == 0 &&
+         lstat(path.c_str(), &named) == 0 && here.st_ino == named.st_ino;
+}
+
+}  // namespace
+
+bool IsLink(const std::string& path) {
+  struct stat status {};
+  return lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+}
+
+bool CreateNew(const std::string& path, bool only_ours, int* taken) {
+  *taken = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, only_ours ? 0600 : 0666);
+  if (*taken < 0) return false;
+  errno = 0;
+  // Whoever removes leftovers may have it in this moment. File systems without locks have nobody
+  // who does.
+  if (Take(*taken, path) || (errno != EWOULDBLOCK && errno != 0 && errno != ENOENT)) return true;
   GiveBack(*taken);
   *taken = -1;
+  errno = EEXIST;
   return false;
 }
 
@@ -149,9 +165,9 @@ void GiveBack(int taken) {
 }
 
 void RemoveLeftover(const std::string& path, uint32_t) {
-  int taken = -1;
-  if (TakeFile(path, &taken)) std::remove(path.c_str());
-  GiveBack(taken);
+  const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+  if (file >= 0 && Take(file, path)) std::remove(path.c_str());
+  GiveBack(file);
 }
 
 void CatchInterrupts() {

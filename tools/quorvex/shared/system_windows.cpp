@@ -232,14 +232,19 @@ std::string TemporaryFolder() {
   return GetTempPathA(sizeof folder, folder) != 0 ? folder : ".";
 }
 
-bool CreateNew(const std::string& path, bool) {
+bool IsLink(const std::string& path) {
+  const DWORD attributes = GetFileAttributesA(path.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+}
+
+// The system refuses to remove a file that is open; in between it is the owner's while that lives.
+bool CreateNew(const std::string& path, bool, int* taken) {
+  *taken = -1;
   const int file = _open(path.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT,
                          _S_IREAD | _S_IWRITE);
   return file >= 0 && _close(file) == 0;
 }
 
-// The system refuses to remove a file that is open; in between it is the owner's while that lives.
-bool TakeFile(const std::string&, int*) { return true; }
 void GiveBack(int) {}
 
 void RemoveLeftover(const std::string& path, uint32_t owner) {
