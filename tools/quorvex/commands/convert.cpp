@@ -130,7 +130,9 @@ bool PrepareOutput(const ConvertOptions& options, bool archive, const Ahead& ahe
   const bool mirrored = output != "-" && (archive || first.below.find('/') != std::string::npos ||
                                           (options.newer && first.walked));
   const bool wanted = ahead.Several() || mirrored;
-  if (wanted && (output == "-" || (Exists(output) && !IsFolder(output)))) {
+  const std::string bare = output.substr(0, output.find_last_not_of(kSeparators) + 1);
+  const bool other = output == "-" || (Exists(bare) && !IsFolder(bare));
+  if (wanted && other) {
     Complain(output, "is no folder; several documents need one");
     *code = kUsage;
     return false;

@@ -65,22 +65,23 @@ bool OutputPlaces::Enter(const std::string& folder, Job* job) {
 void OutputPlaces::Take(Job* job) {
   // What is current is a file, and not the recording, which would be as old.
   const bool there = !job->is_new && !job->current && Exists(job->output);
-  if (there && SameRecording(job->input, job->output)) {
-    return job->Fail(kNoOutput, job->named, "is the recording itself; it is not overwritten");
-  }
   if (there && IsSpecial(job->output)) return;
-  if (IsRecordingName(job->output) || (there && IsRecording(job->output))) {
-    return job->Fail(
-        kNoOutput, job->named,
-        there ? "is a recording; it is not overwritten" : "has the name of a recording");
-  }
   if (!Enter(FolderOf(job->output), job)) return;
+  // Before the output is opened: another job may be about to replace it.
   const auto [entry, is_new] =
       job->folder->taken.emplace(NameKey(NameOnly(job->output)), job->input);
   if (!is_new) {
     return job->Fail(
         kNoOutput, job->input,
         "its " + what_ + " " + job->named + " is the one of " + entry->second + " already");
+  }
+  if (there && SameRecording(job->input, job->output)) {
+    return job->Fail(kNoOutput, job->named, "is the recording itself; it is not overwritten");
+  }
+  if (IsRecordingName(job->output) || (there && IsRecording(job->output))) {
+    return job->Fail(
+        kNoOutput, job->named,
+        there ? "is a recording; it is not overwritten" : "has the name of a recording");
   }
   if (!there) return;
   if (!overwrite_) return job->FailExisting();
