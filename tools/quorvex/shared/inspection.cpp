@@ -18,8 +18,7 @@ std::string WhyNotOpen(const std::string& path) {
   if (IsSpecial(path)) return "is no regular file";
   // Not all that looked at it leave a reason.
   std::FILE* again = std::fopen(path.c_str(), "rb");
-  const std::string reason = LastError();
-  if (again == nullptr) return reason;
+  if (again == nullptr) return LastError();
   std::fclose(again);
   return "could not be opened a moment ago";
 }
