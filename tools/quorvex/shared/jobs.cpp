@@ -142,7 +142,9 @@ class JobRun {
     done_.files += job->of_folder ? 0 : 1;
     done_.bytes += static_cast<double>(job->bytes);
     job->finished = true;
-    changed_.notify_one();
+    // What has nothing to tell can wait for the next tick.
+    const bool tells = !job->problem.empty() || !job->findings.list.empty() || !job->notes.empty();
+    if (tells || begun_.size() > kMostBegun / 2) changed_.notify_one();
   }
 
   Done DoneSoFar() {
