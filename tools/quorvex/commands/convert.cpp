@@ -104,9 +104,7 @@ class Preparation {
 // Why options do not go together; null where they do.
 const char* Contradiction(const ConvertOptions& options) {
   if (options.newer && !options.records.empty()) {
-    return "--newer and --records exclude each other: whether a document has those records does "
-           "not "
-           "show in its time";
+    return "--newer and --records exclude each other: a document does not tell its records";
   }
   const std::string& list = options.inputs.sources.list;
   if (!list.empty() && list != "-" && SameRecording(list, options.manifest)) {

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cctype>
 #include <iterator>
-#include <optional>
+#include <map>
 #include <set>
 
 #include "shared/system.h"
@@ -97,17 +97,6 @@ std::vector<std::string> DistinctEnds(const std::vector<std::string>& folders) {
   }
   for (size_t i = 0; nested && i < folders.size(); ++i) ends[i] = end_of(i, most);
   return ends;
-}
-
-std::string PathKeys::Of(const std::string& path) {
-  const std::string folder = FolderOf(path);
-  std::string& key = folders_[folder];
-  if (key.empty()) {
-    const std::optional<Identity> identity = IdentityOf(folder);
-    key = identity ? std::to_string(identity->first) + ":" + std::to_string(identity->second)
-                   : folder;
-  }
-  return key + "/" + NameKey(NameOnly(path));
 }
 
 }  // namespace quorvex::tool

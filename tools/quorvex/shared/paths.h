@@ -1,7 +1,6 @@
 // Takes paths apart, and puts them together.
 #pragma once
 
-#include <map>
 #include <string>
 #include <vector>
 
@@ -29,15 +28,5 @@ std::vector<std::string> PartsOf(const std::string& full);
 // Says for each full path of a folder the least of its end that tells it from all others, by case
 // too: "card1", "card2"; or "north/card", "south/card". Where there is one, nothing does.
 std::vector<std::string> DistinctEnds(const std::vector<std::string>& folders);
-
-// Gives what is equal for two paths of the same file in the same folder, be there one or not. Of
-// many files of one folder only the first asks the system.
-class PathKeys {
- public:
-  std::string Of(const std::string& path);
-
- private:
-  std::map<std::string, std::string> folders_;
-};
 
 }  // namespace quorvex::tool
