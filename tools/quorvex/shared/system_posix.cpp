@@ -132,12 +132,18 @@ std::string TemporaryFolder() {
 
 namespace {
 
-// Takes an open file. False where another process has it, or has removed it.
-bool Take(int file, const std::string& path) {
+enum class Taken : uint8_t { kOurs, kNotOurs, kNoLocks };
+
+// Takes an open file. Not ours is what another process has, or has removed.
+Taken Take(int file, const std::string& path) {
+  if (flock(file, LOCK_EX | LOCK_NB) != 0) {
+    return errno == EWOULDBLOCK ? Taken::kNotOurs : Taken::kNoLocks;
+  }
   struct stat here {};
   struct stat named {};
-  return flock(file, LOCK_EX | LOCK_NB) == 0 && fstat(file, &here) == 0 &&
-         lstat(path.c_str(), &named) == 0 && here.st_ino == named.st_ino;
+  return fstat(file, &here) == 0 && lstat(path.c_str(), &named) == 0 && here.st_ino == named.st_ino
+             ? Taken::kOurs
+             : Taken::kNotOurs;
 }
 
 }  // namespace
@@ -150,10 +156,9 @@ bool IsLink(const std::string& path) {
 bool CreateNew(const std::string& path, bool only_ours, int* taken) {
   *taken = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, only_ours ? 0600 : 0666);
   if (*taken < 0) return false;
-  errno = 0;
   // Whoever removes leftovers may have it in this moment. File systems without locks have nobody
   // who does.
-  if (Take(*taken, path) || (errno != EWOULDBLOCK && errno != 0 && errno != ENOENT)) return true;
+  if (Take(*taken, path) != Taken::kNotOurs) return true;
   GiveBack(*taken);
   *taken = -1;
   errno = EEXIST;
@@ -166,7 +171,7 @@ void GiveBack(int taken) {
 
 void RemoveLeftover(const std::string& path, uint32_t) {
   const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
-  if (file >= 0 && Take(file, path)) std::remove(path.c_str());
+  if (file >= 0 && Take(file, path) == Taken::kOurs) std::remove(path.c_str());
   GiveBack(file);
 }
 
