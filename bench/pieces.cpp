@@ -64,7 +64,7 @@ constexpr Field kOneDateTime = Record("TIME", kDateTimeSize, kDateTimeRows);
 // Rendering into memory that is used again and again: no file, no system call.
 void Rendering(benchmark::State& state, const Field& table) {
   std::vector<uint8_t> record(table.size);
-  const Plan plan(table, CaseOf(3, false));
+  Plan plan(table, CaseOf(3, false));
   XmlWriter* writer = CreateWriter(nullptr);
   int64_t bytes = 0;
   for (auto _ : state) {

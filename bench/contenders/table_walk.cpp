@@ -181,7 +181,7 @@ Plan::Plan(const Field& table, Cases which) : which_(which), text_(nullptr) {
 
 Plan::~Plan() { Release(steps_); }
 
-void Plan::Render(XmlWriter* to, const void* record, const Inputs& inputs) const {
+void Plan::Render(XmlWriter* to, const void* record, const Inputs& inputs) {
   Walk(to, steps_->table, which_, static_cast<const uint8_t*>(record), 0, 0, inputs);
 }
 

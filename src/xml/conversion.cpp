@@ -33,7 +33,7 @@ class Document final : public Listener {
     const Field* layout = nullptr;
     std::optional<Plan> plan;
   };
-  const Plan& PlanOf(const Field& layout) {
+  Plan& PlanOf(const Field& layout) {
     Known* known = known_;
     if (known->layout == &layout) [[likely]]
       return *known->plan;

@@ -42,15 +42,13 @@ bool CloseWriter(XmlWriter* writer) {
   return arrived;
 }
 
-char* Reserve(XmlWriter* writer, uint32_t size) {
+char* MakeRoom(XmlWriter* writer, uint32_t size) {
   assert(size <= kWriterBuffer);
-  if (size > writer->capacity - writer->position) {
-    if (writer->mode == Output::kFile) {
-      WriteOut(writer);
-      writer->position = 0;
-    } else {
-      Grow(writer, writer->position + size);
-    }
+  if (writer->mode == Output::kFile) {
+    WriteOut(writer);
+    writer->position = 0;
+  } else {
+    Grow(writer, writer->position + size);
   }
   return writer->buffer + writer->position;
 }

@@ -39,7 +39,12 @@ XmlWriter* CreateWriter(FileHandle* file);
 bool CloseWriter(XmlWriter* writer);
 
 // Room for `size` more bytes in one piece, kWriterBuffer at the most. Write there, then Advance.
-char* Reserve(XmlWriter* writer, uint32_t size);
+char* MakeRoom(XmlWriter* writer, uint32_t size);
+inline char* Reserve(XmlWriter* writer, uint32_t size) {
+  if (size > writer->capacity - writer->position) [[unlikely]]
+    return MakeRoom(writer, size);
+  return writer->buffer + writer->position;
+}
 inline void Advance(XmlWriter* writer, const char* end) {
   writer->position = static_cast<uint32_t>(end - writer->buffer);
 }

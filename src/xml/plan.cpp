@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "layout/count_of.h"
+#include "layout/date_time.h"
 #include "support/loads.h"
 #include "support/memory.h"
 #include "texts/float_texts.h"
@@ -15,7 +16,8 @@
 namespace quorvex {
 
 // Text, then the value of `field`; only text where that is null; where `loop_end` is set, the steps
-// up to there once a repetition.
+// up to there once a repetition, or, of a date-time down to its minute, where they are not the last
+// ones again.
 struct PlanStep {
   const Field* field;
   uint32_t text_at;
@@ -25,6 +27,7 @@ struct PlanStep {
   uint32_t room;  // what this step and those behind it write at the most; 0: the room is there
   uint16_t text_size;
   Kind kind;  // of the field, kGap where that is null
+  bool is_minute = false;
 };
 
 namespace {
@@ -63,7 +66,7 @@ uint32_t LongestText(const Field& f) {
 }
 
 uint32_t MostSteps(const Field& f) {
-  uint32_t steps = 3;  // a loop, its body or value, its closing text
+  uint32_t steps = 4;  // a loop, its body or value, its closing text; a minute
   for (uint32_t r = 0; r < f.row_count; ++r) steps += MostSteps(f.rows[r]);
   return steps;
 }
@@ -183,7 +186,12 @@ void Plan::AddRows(const Field& f, uint32_t offset, uint32_t step) {
   if (f.phase != nullptr) PhaseAttribute(f.phase, attributes, sizeof attributes);
   if (f.kind == Kind::kGroup) {
     if (f.name[0] != '\0') OpenElement(tags_, f.name, attributes);
-    for (uint32_t r = 0; r < f.row_count; ++r) {
+    uint32_t r = 0;
+    if (IsDateTime(f)) {
+      r = f.row_count - 1;
+      AddMinute(f, r, offset, step);
+    }
+    for (; r < f.row_count; ++r) {
       Add(f.rows[r], offset, StepOf(f.rows[r], step));
     }
     if (f.name[0] != '\0') CloseElement(tags_);
@@ -202,12 +210,23 @@ void Plan::AddRows(const Field& f, uint32_t offset, uint32_t step) {
   }
 }
 
-void Plan::Render(XmlWriter* to, const void* record, const Inputs& inputs) const {
+// The first rows of a date-time, all but its seconds.
+void Plan::AddMinute(const Field& date_time, uint32_t rows, uint32_t offset, uint32_t step) {
+  AddStep(&date_time, offset, step);
+  PlanStep* minute = &steps_[step_count_ - 1];
+  gathering_ = nullptr;
+  for (uint32_t r = 0; r < rows; ++r) Add(date_time.rows[r], offset, step);
+  gathering_ = nullptr;
+  minute->is_minute = true;
+  minute->loop_end = step_count_;
+}
+
+void Plan::Render(XmlWriter* to, const void* record, const Inputs& inputs) {
   Run(to, 0, step_count_, static_cast<const uint8_t*>(record), 0, inputs);
 }
 
 void Plan::Run(XmlWriter* to, uint32_t from, uint32_t end, const uint8_t* base, uint32_t repetition,
-               const Inputs& inputs) const {
+               const Inputs& inputs) {
   const char* text = text_;
   char* out = to->buffer + to->position;
   for (uint32_t i = from; i < end; ++i) {
@@ -225,14 +244,34 @@ void Plan::Run(XmlWriter* to, uint32_t from, uint32_t end, const uint8_t* base, 
       continue;
     }
     Advance(to, out);
-    RunLoop(to, i, at, inputs);
+    if (s.is_minute) {
+      RunMinute(to, i, at, base, repetition);
+    } else {
+      RunLoop(to, i, at, inputs);
+    }
     out = to->buffer + to->position;
     i = s.loop_end - 1;
   }
   Advance(to, out);
 }
 
-void Plan::RunLoop(XmlWriter* to, uint32_t loop, const uint8_t* place, const Inputs& inputs) const {
+void Plan::RunMinute(XmlWriter* to, uint32_t minute, const uint8_t* at, const uint8_t* base,
+                     uint32_t repetition) {
+  const auto bytes = Load<uint64_t>(at);
+  char* out = Reserve(to, steps_[minute + 1].room);
+  if (minute_.size != 0 && minute_.bytes == bytes) {
+    std::memcpy(out, minute_.text, sizeof minute_.text);
+    return Advance(to, out + minute_.size);
+  }
+  const uint32_t start = to->position;
+  Run(to, minute + 1, steps_[minute].loop_end, base, repetition, {});
+  minute_.bytes = bytes;
+  minute_.size = to->position - start;
+  assert(minute_.size <= sizeof minute_.text);
+  std::memcpy(minute_.text, to->buffer + start, sizeof minute_.text);
+}
+
+void Plan::RunLoop(XmlWriter* to, uint32_t loop, const uint8_t* place, const Inputs& inputs) {
   const PlanStep& s = steps_[loop];
   const PlanStep& value = steps_[loop + 1];
   const PlanStep& close = steps_[loop + 2];

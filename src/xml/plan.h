@@ -4,11 +4,19 @@
 #pragma once
 
 #include "layout/field.h"
+#include "texts/float_texts.h"
 #include "xml/element_writer.h"
 
 namespace quorvex {
 
 struct PlanStep;
+
+// Date-times mostly follow each other within a minute: what stands above their seconds is kept.
+struct MinuteText {
+  uint64_t bytes;  // of the record
+  uint32_t size = 0;
+  char text[3 * kCopySize];
+};
 
 class Plan {
  public:
@@ -19,15 +27,18 @@ class Plan {
   Plan& operator=(const Plan&) = delete;
 
   // Writes one record, which holds at least the table's bytes.
-  void Render(XmlWriter* to, const void* record, const Inputs& inputs = {}) const;
+  void Render(XmlWriter* to, const void* record, const Inputs& inputs = {});
 
  private:
   void Add(const Field& f, uint32_t offset, uint32_t step);
   void AddRows(const Field& group, uint32_t offset, uint32_t step);
+  void AddMinute(const Field& date_time, uint32_t rows, uint32_t offset, uint32_t step);
   void AddStep(const Field* f, uint32_t offset, uint32_t step);
   void Run(XmlWriter* to, uint32_t from, uint32_t end, const uint8_t* base, uint32_t repetition,
-           const Inputs& inputs) const;
-  void RunLoop(XmlWriter* to, uint32_t loop, const uint8_t* place, const Inputs& inputs) const;
+           const Inputs& inputs);
+  void RunMinute(XmlWriter* to, uint32_t minute, const uint8_t* at, const uint8_t* base,
+                 uint32_t repetition);
+  void RunLoop(XmlWriter* to, uint32_t loop, const uint8_t* place, const Inputs& inputs);
 
   Cases which_;
   XmlWriter* tags_;  // while the plan is made: the tags, written into memory
@@ -36,6 +47,7 @@ class Plan {
   PlanStep* steps_;
   uint32_t step_count_ = 0;
   PlanStep* gathering_ = nullptr;  // the step that asks for the room of those behind it
+  MinuteText minute_;
 };
 
 // For what is rendered once.
