@@ -5,6 +5,7 @@
 #include <cstring>
 #include <sstream>
 
+#include "layout/date_time.h"
 #include "layout/tiles.h"
 #include "support.h"
 #include "support/escape_text.h"
@@ -187,6 +188,29 @@ TEST(LayoutTables, CasesRepetitionsAndCounts) {
     for (std::string x, y; values >> x >> y;) sides += Line("x", x) + Line("y", y);
     EXPECT_EQ(sides, TextOf(writer));
   }
+}
+
+// Each differs from the one before it in one unit.
+TEST(LayoutTables, DateTimesInARow) {
+  static constexpr Field kTimeRows[] = {DateTime("", 0)};
+  static constexpr Field kRows[] = {Each("", 0, 7, kDateTimeSize, kTimeRows)};
+  constexpr int kUnits = 6;
+  const char* const names[kUnits] = {"year", "month", "day", "hour", "min", "sec"};
+  int units[kUnits] = {65535, 100, 31, 23, 59, 12};
+  Bytes record;
+  std::string expected;
+  for (int t = 0; t <= kUnits; ++t) {
+    if (t > 0) --units[kUnits - t];
+    size_t at = static_cast<size_t>(t) * kDateTimeSize;
+    record.Put<double>(at + 8, units[5]).Put(at, static_cast<uint16_t>(units[0]));
+    for (int u = 0; u < kUnits; ++u) {
+      if (u > 0 && u < 5) record.Put(at + 1 + u, static_cast<uint8_t>(units[u]));
+      expected += Line(names[u], std::to_string(units[u]) + (u == 5 ? ".0" : ""));
+    }
+  }
+  XmlWriter* writer = CreateWriter(nullptr);
+  RenderOnce(writer, Record("", 7 * kDateTimeSize, kRows), kAllCases, record.data());
+  EXPECT_EQ(expected, TextOf(writer));
 }
 
 }  // namespace
