@@ -43,7 +43,8 @@ target_link_libraries(quorvex_objects PRIVATE quorvex_flags quorvex_hardening)
 
 if(WIN32)
   # GCC keeps wide registers on stacks that Windows aligns to 16 bytes only, as if it were 32.
-  set_source_files_properties(${CMAKE_SOURCE_DIR}/src/texts/float_texts.cpp PROPERTIES
+  set_source_files_properties(${CMAKE_SOURCE_DIR}/src/texts/float_texts.cpp
+                              ${CMAKE_SOURCE_DIR}/src/xml/spectrum_text.cpp PROPERTIES
                               COMPILE_OPTIONS -Wa,-muse-unaligned-vector-move)
 endif()
 

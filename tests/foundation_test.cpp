@@ -1,6 +1,8 @@
 // What everything stands on: tracked memory, files, the element writer and the layout tables.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <bit>
 #include <chrono>
 #include <cstring>
 #include <sstream>
@@ -11,9 +13,11 @@
 #include "support/escape_text.h"
 #include "support/file.h"
 #include "support/memory.h"
+#include "texts/float_texts.h"
 #include "xml/base64.h"
 #include "xml/document.h"
 #include "xml/plan.h"
+#include "xml/spectrum_text.h"
 
 namespace quorvex::test {
 namespace {
@@ -147,6 +151,34 @@ TEST(ElementWriter, Base64) {
     char to[64];
     const auto* from = reinterpret_cast<const uint8_t*>(bytes.data());
     EXPECT_EQ(text, std::string(to, Base64Encode(from, 48, to)));
+  }
+}
+
+// Of every size and with a marker in every place as twelve bytes after the other have it.
+TEST(ElementWriter, Spectra) {
+  const std::pair<uint16_t, uint16_t> shapes[] = {{1, 1}, {2, 1}, {2, 2}, {4, 3}, {3, 2}};
+  for (const auto& [entry, written] : shapes) {
+    for (uint32_t entries = 1; entries <= 41; ++entries) {
+      for (uint32_t marked = 0; marked <= entries * entry; ++marked) {
+        std::vector<uint32_t> floats, kept;
+        for (uint32_t i = 0; i < entries * entry; ++i) {
+          const auto marker = std::bit_cast<uint32_t>(kNoValue);
+          floats.push_back(i == marked ? marker : 0x9E3779B9 * (marked + i));
+          if (i % entry < written) kept.push_back(i == marked ? 0x7F800000 : floats[i]);
+        }
+        std::string expected;
+        std::vector<char> to((kept.size() * 4 + 2) / 3 * 4 + kCopySize);
+        for (size_t i = 0; i < kept.size(); i += 3) {
+          const auto bytes = static_cast<uint32_t>(std::min<size_t>(kept.size() - i, 3) * 4);
+          const auto* from = reinterpret_cast<const uint8_t*>(&kept[i]);
+          expected.append(to.data(), Base64Encode(from, bytes, to.data()));
+        }
+        const Field field = Spectrum("", "", 0, entries, entry, written, "");
+        const auto* from = reinterpret_cast<const uint8_t*>(floats.data());
+        ASSERT_EQ(expected, std::string(to.data(), SpectrumText(field, from, to.data())))
+            << entries << " of " << entry << ", marker " << marked;
+      }
+    }
   }
 }
 

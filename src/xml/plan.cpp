@@ -1,7 +1,6 @@
 #include "xml/plan.h"
 
 #include <algorithm>
-#include <bit>
 #include <cassert>
 #include <cstring>
 
@@ -11,7 +10,7 @@
 #include "support/memory.h"
 #include "texts/float_texts.h"
 #include "texts/value_text.h"
-#include "xml/base64.h"
+#include "xml/spectrum_text.h"
 
 namespace quorvex {
 
@@ -69,34 +68,6 @@ uint32_t MostSteps(const Field& f) {
   uint32_t steps = 4;  // a loop, its body or value, its closing text; a minute
   for (uint32_t r = 0; r < f.row_count; ++r) steps += MostSteps(f.rows[r]);
   return steps;
-}
-
-// The first floats of every entry, side by side, the no-value marker as infinity.
-template <uint32_t kFloats>
-uint32_t Gather(const Field& f, const uint8_t* at, uint32_t* to) {
-  constexpr auto kMarker = std::bit_cast<uint32_t>(kNoValue);
-  constexpr uint32_t kInfinity = 0x7F800000;
-  uint32_t* const start = to;
-  const uint32_t step = f.entry_floats * 4u;
-  for (const uint8_t* const end = at + f.size; at < end; at += step, to += kFloats) {
-    for (uint32_t i = 0; i < kFloats; ++i) {
-      const auto bits = Load<uint32_t>(at + i * 4);
-      to[i] = bits == kMarker ? kInfinity : bits;
-    }
-  }
-  return static_cast<uint32_t>(to - start);
-}
-
-// The written floats of every entry in base64.
-char* SpectrumText(const Field& f, const uint8_t* at, char* to) {
-  constexpr uint32_t kMostFloats = 256;
-  assert(f.size <= kMostFloats * 4 && f.written_floats <= 3);
-  uint32_t floats[kMostFloats];
-  const auto gather = f.written_floats == 1   ? Gather<1>
-                      : f.written_floats == 2 ? Gather<2>
-                                              : Gather<3>;
-  const uint32_t count = gather(f, at, floats);
-  return Base64Encode(reinterpret_cast<const uint8_t*>(floats), count * 4, to);
 }
 
 // One value element after the other, for the samples and spectra that most of a large document is.
