@@ -76,7 +76,9 @@ char* DoubleText(double value, char* to) {
   }
   const double magnitude = std::abs(value);
   const bool common = magnitude >= 1e-12 && magnitude < 9e15;
-  auto [digits, exponent] = common ? DigitsOfCommon(magnitude) : DigitsOf(value);
+  auto [digits, exponent] = common           ? DigitsOfCommon(magnitude)
+                            : magnitude == 0 ? SevenDigits{0, 0}
+                                             : DigitsOf(value);
   if (digits == 10000000) {
     digits = 1000000;
     ++exponent;
