@@ -1,8 +1,11 @@
-// bench_files [FOLDER [MEGABYTES [ROUNDS]]]: converts large recordings with the library, with the
-// same converters on printf and on libxml2's text writer, and writes the finished document's bytes
-// raw, in turn, and prints medians. "Floor" is reading the recording and writing the document with
-// nothing in between: no converter can be faster. Then two conversions side by side against one
-// after the other. FOLDER is where the files go; what a memory file system gives is the steadiest.
+// bench_files [FOLDER [MEGABYTES [ROUNDS [BEFORE]]]]: converts large recordings with the library,
+// with the same converters on printf and on libxml2's text writer, and writes the finished
+// document's bytes raw, in turn, and prints medians. "Floor" is reading the recording and writing
+// the document with nothing in between: no converter can be faster. "Own" is a conversion into
+// nothing. BEFORE is another build of the library, whose times stand beside. All that is time of
+// the processor, which other programs disturb least. Then two conversions side by side against one
+// after the other, by the clock. FOLDER is where the files go; what a memory file system gives is
+// the steadiest.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <unistd.h>
@@ -11,6 +14,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -66,6 +70,7 @@ void ReadThrough(const fs::path& path) {
 }
 
 // A recording with `copies` times its records; a waveform capture with waveforms that much longer.
+// Not for live results, of which a recording has one.
 Bytes Multiplied(const Bytes& recording, size_t copies) {
   constexpr size_t kCaptureLengthAt = 8 + 1440;
   constexpr size_t kCaptureSlots = 8;
@@ -91,6 +96,13 @@ double Seconds(const std::function<void()>& work) {
   const auto start = std::chrono::steady_clock::now();
   work();
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+// Of the processor, in milliseconds, for doing it `times` times.
+double Milliseconds(size_t times, const std::function<void()>& work) {
+  const std::clock_t start = std::clock();
+  for (size_t i = 0; i < times; ++i) work();
+  return static_cast<double>(std::clock() - start) * 1000 / CLOCKS_PER_SEC;
 }
 
 double Median(std::vector<double> values) {
@@ -131,22 +143,27 @@ int main(int argc, char** argv) {
   const fs::path folder = fs::path(argc > 1 ? argv[1] : "/dev/shm") / "quorvex-bench";
   const size_t megabytes = argc > 2 ? std::strtoul(argv[2], nullptr, 10) : 100;
   const size_t rounds = argc > 3 ? std::strtoul(argv[3], nullptr, 10) : 5;
-  struct {
-    const char* name;
+  const char* before = argc > 4 ? argv[4] : nullptr;
+  struct Contender {
+    std::string name;
     Convert convert;
-    std::vector<double> seconds;
-  } contenders[] = {{"library", LoadConvert(QUORVEX_LIBRARY), {}},
-                    {"printf", LoadConvert(PRINTF_LIBRARY), {}},
-                    {"libxml2", LoadConvert(LIBXML2_LIBRARY), {}}};
+    bool own_too;
+    std::vector<double> times{}, own{};
+  };
+  std::vector<Contender> contenders = {{"library", LoadConvert(QUORVEX_LIBRARY), true},
+                                       {"printf", LoadConvert(PRINTF_LIBRARY), false},
+                                       {"libxml2", LoadConvert(LIBXML2_LIBRARY), false}};
+  if (before != nullptr) contenders.push_back({"before", LoadConvert(before), true});
 
   fs::remove_all(folder);
   fs::create_directories(folder);
   quorvex::samples::MakeAll(folder.string());
   std::printf(
-      "| recording | document MB | library MB/s | printf MB/s | libxml2 MB/s | raw write MB/s "
-      "| library : printf | library : libxml2 | library's time : raw write's "
-      "| floor : printf | library's time : floor's |\n"
-      "|---|---|---|---|---|---|---|---|---|---|---|\n");
+      "| recording | document MB | raw write ms | floor ms | library ms | library's own ms "
+      "| printf ms | libxml2 ms | library : raw write | library : floor | printf : library "
+      "| libxml2 : library |%s\n|---|---|---|---|---|---|---|---|---|---|---|---|%s\n",
+      before != nullptr ? " before ms | before's own ms | before : library |" : "",
+      before != nullptr ? "---|---|---|" : "");
   std::vector<std::string> seen;
   std::vector<fs::path> samples;
   for (const auto& entry : fs::directory_iterator(folder)) samples.push_back(entry.path());
@@ -156,7 +173,8 @@ int main(int argc, char** argv) {
   for (const fs::path& sample : samples) {
     const Bytes recording = ReadFile(sample);
     const auto type = quorvex::Load<int32_t>(recording.data() + 4);
-    if (type != 1 && type != 2 && type != 5 && type != 10 && type != 16 && type != 17) continue;
+    constexpr int32_t kTypes[] = {1, 2, 5, 6, 9, 10, 16, 17};
+    if (std::find(std::begin(kTypes), std::end(kTypes), type) == std::end(kTypes)) continue;
     std::string label = "type " + std::to_string(type);
     if (type == 1) {
       label += ", profile " + std::to_string(quorvex::Load<int32_t>(recording.data() + 8 + 976));
@@ -166,11 +184,15 @@ int main(int argc, char** argv) {
 
     contenders[0].convert(sample.c_str(), output.c_str(), nullptr);
     const size_t copies = megabytes * 1000000 / fs::file_size(output) + 1;
-    WriteFile(input, Multiplied(recording, copies));
+    const bool one_record = type == 6;
+    const size_t times = one_record ? copies : 1;
+    if (one_record) label += ", " + std::to_string(times) + " times";
+    WriteFile(input, Multiplied(recording, one_record ? 1 : copies));
     contenders[0].convert(input.c_str(), output.c_str(), nullptr);
     const Bytes document = ReadFile(output);
-    for (auto& contender : contenders) {
-      contender.seconds.clear();
+    for (Contender& contender : contenders) {
+      contender.times.clear();
+      contender.own.clear();
       contender.convert(input.c_str(), output.c_str(), nullptr);
       if (ReadFile(output) != document) {
         Fail(label + ": " + contender.name + " gives another document");
@@ -178,23 +200,30 @@ int main(int argc, char** argv) {
     }
     std::vector<double> raw, floor;
     for (size_t round = 0; round < rounds; ++round) {
-      for (auto& contender : contenders) {
+      for (Contender& contender : contenders) {
+        const auto to = [&](const char* path) { contender.convert(input.c_str(), path, nullptr); };
         fs::remove(output);
-        contender.seconds.push_back(
-            Seconds([&] { contender.convert(input.c_str(), output.c_str(), nullptr); }));
+        contender.times.push_back(Milliseconds(times, [&] { to(output.c_str()); }));
+        if (!contender.own_too) continue;
+        contender.own.push_back(Milliseconds(times, [&] { to("/dev/null"); }));
       }
       fs::remove(output);
-      raw.push_back(Seconds([&] { WriteFile(output, document); }));
-      floor.push_back(raw.back() + Seconds([&] { ReadThrough(input); }));
+      raw.push_back(Milliseconds(times, [&] { WriteFile(output, document); }));
+      floor.push_back(raw.back() + Milliseconds(times, [&] { ReadThrough(input); }));
     }
-    const double mb = static_cast<double>(document.size()) / 1e6;
-    const double own = Median(contenders[0].seconds);
-    const double printf_time = Median(contenders[1].seconds);
-    const double libxml2_time = Median(contenders[2].seconds);
-    std::printf("| %s | %.0f | %.0f | %.0f | %.0f | %.0f | %.1f | %.1f | %.2f | %.1f | %.2f |\n",
-                label.c_str(), mb, mb / own, mb / printf_time, mb / libxml2_time, mb / Median(raw),
-                printf_time / own, libxml2_time / own, own / Median(raw),
-                printf_time / Median(floor), own / Median(floor));
+    const double own = Median(contenders[0].times);
+    const double printf_time = Median(contenders[1].times);
+    const double libxml2_time = Median(contenders[2].times);
+    std::printf(
+        "| %s | %.0f | %.0f | %.0f | %.0f | %.0f | %.0f | %.0f | %.2f | %.2f | %.1f | %.1f |",
+        label.c_str(), static_cast<double>(document.size() * times) / 1e6, Median(raw),
+        Median(floor), own, Median(contenders[0].own), printf_time, libxml2_time, own / Median(raw),
+        own / Median(floor), printf_time / own, libxml2_time / own);
+    if (before != nullptr) {
+      const double was = Median(contenders[3].times);
+      std::printf(" %.0f | %.0f | %.2f |", was, Median(contenders[3].own), was / own);
+    }
+    std::printf("\n");
     std::fflush(stdout);
   }
   SideBySide(contenders[0].convert, input, folder, rounds);

@@ -1,5 +1,6 @@
 #include "xml/element_writer.h"
 
+#include <algorithm>
 #include <cassert>
 #include <cstring>
 
@@ -8,8 +9,11 @@
 namespace quorvex {
 namespace {
 
+// In memory mode, at first: most of what is rendered there are the tags of a small table.
+constexpr uint32_t kSmallBuffer = 4096;
+
 void Grow(XmlWriter* writer, uint32_t needed) {
-  while (writer->capacity < needed) writer->capacity += kWriterBuffer;
+  while (writer->capacity < needed) writer->capacity += std::min(writer->capacity, kWriterBuffer);
   auto* larger = static_cast<char*>(Allocate(writer->capacity));
   std::memcpy(larger, writer->buffer, writer->position);
   Release(writer->buffer);
@@ -28,7 +32,7 @@ XmlWriter* CreateWriter(FileHandle* file) {
   auto* writer = static_cast<XmlWriter*>(Allocate(sizeof(XmlWriter)));
   writer->file = file;
   writer->mode = file != nullptr ? Output::kFile : Output::kMemory;
-  writer->capacity = file != nullptr ? kFileBuffer : kWriterBuffer;
+  writer->capacity = file != nullptr ? kWriterBuffer : kSmallBuffer;
   writer->buffer = static_cast<char*>(Allocate(writer->capacity));
   return writer;
 }
@@ -47,6 +51,11 @@ char* MakeRoom(XmlWriter* writer, uint32_t size) {
   if (writer->mode == Output::kFile) {
     WriteOut(writer);
     writer->position = 0;
+    if (++writer->pieces == kPiecesBeforeLarge) {
+      Release(writer->buffer);
+      writer->capacity = kLargeBuffer;
+      writer->buffer = static_cast<char*>(Allocate(kLargeBuffer));
+    }
   } else {
     Grow(writer, writer->position + size);
   }

@@ -9,8 +9,10 @@
 namespace quorvex {
 
 constexpr uint32_t kWriterBuffer = 65536;
-// Of a file: page caches take larger pieces into larger pages, in a sixth less time.
-constexpr uint32_t kFileBuffer = 4 * kWriterBuffer;
+// Page caches take larger pieces into larger pages, in a sixth less time. To get and clear such a
+// buffer takes more than that of a small document, so it comes after so many pieces.
+constexpr uint32_t kLargeBuffer = 4 * kWriterBuffer;
+constexpr uint32_t kPiecesBeforeLarge = 32;
 constexpr int32_t kMaxOpenElements = 20;
 
 enum class Output : int32_t {
@@ -26,12 +28,12 @@ struct XmlWriter {
   char* buffer;
   uint32_t capacity;
   uint32_t position;  // bytes in the buffer
+  uint32_t pieces;    // written
   GoOn go_on;         // see WriteAll; null for none
   bool abandoned;     // it said no: nothing more is written
 };
 
-// A writer with an empty buffer, of kFileBuffer bytes or, in memory mode, of kWriterBuffer. It owns
-// `file`, null in memory mode.
+// A writer with an empty buffer. It owns `file`, null in memory mode.
 XmlWriter* CreateWriter(FileHandle* file);
 
 // Writes what the buffer holds, closes the file, releases everything. Null is left alone. Open

@@ -64,9 +64,12 @@ uint32_t LongestText(const Field& f) {
   return 0;
 }
 
-uint32_t MostSteps(const Field& f) {
-  uint32_t steps = 4;  // a loop, its body or value, its closing text; a minute
-  for (uint32_t r = 0; r < f.row_count; ++r) steps += MostSteps(f.rows[r]);
+// Those that the row makes in a plan.
+uint32_t StepsOf(const Field& f, Cases which) {
+  if ((f.cases & which) == 0 || f.kind == Kind::kGap) return 0;
+  uint32_t steps = f.repeated ? 2 : 0;  // its loop and its closing text
+  if (f.kind != Kind::kGroup || IsDateTime(f)) ++steps;
+  for (uint32_t r = 0; r < f.row_count; ++r) steps += StepsOf(f.rows[r], which);
   return steps;
 }
 
@@ -103,10 +106,11 @@ char* TextOf(const Field& f, const uint8_t* at, const Inputs& inputs, char* to) 
 }  // namespace
 
 Plan::Plan(const Field& table, Cases which) : which_(which), tags_(CreateWriter(nullptr)) {
-  steps_ = static_cast<PlanStep*>(
-      Allocate((MostSteps(table) + 1) * static_cast<uint32_t>(sizeof(PlanStep))));
+  const uint32_t steps = StepsOf(table, which) + 1;
+  steps_ = static_cast<PlanStep*>(Allocate(steps * static_cast<uint32_t>(sizeof(PlanStep))));
   Add(table, 0, 0);
   AddStep(nullptr, 0, 0);
+  assert(step_count_ == steps);
   assert(tags_->depth == 0);
   // What is kept is as large as it must be: a recording may need several plans.
   text_ = static_cast<char*>(Allocate(tags_->position + kCopySize));
