@@ -85,10 +85,7 @@ class Preparation {
     }
     job->named = options_.output;
     if (options_.output.empty()) job->named = WithoutExtension(job->input) + ".xml";
-    if (into_folder_) {
-      const std::string below = WithoutExtension(job->below) + ".xml";
-      job->named = Inside(options_.output, job->front.empty() ? below : Inside(job->front, below));
-    }
+    if (into_folder_) job->named = Inside(options_.output, WithoutExtension(job->place) + ".xml");
     bool there = false;
     job->output = Resolved(job->named, &there);
     job->is_new = !there;
@@ -178,12 +175,7 @@ ExitCode Convert(ConvertOptions options) {
   std::atomic<size_t> failures{0};
   Counting counting(*gathering);
   Steps steps;
-  steps.next = [&](Job* job) {
-    Found found;
-    if (!ahead.Next(&found)) return false;
-    job->Take(found);
-    return true;
-  };
+  steps.next = NextOf(&ahead);
   steps.look = [&](Job* job) { preparation.Look(job); };
   steps.place = [&](Job* job) { preparation.Place(job); };
   steps.work = Converting({{options.overwrite || options.newer, !options.no_sync},

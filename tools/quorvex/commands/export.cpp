@@ -82,12 +82,7 @@ struct Exporting {
 ExitCode Run(const Exporting& run, const char* what, Steps steps, bool side_by_side) {
   Outcome outcome;
   Counting counting(*run.gathering);
-  steps.next = [&](Job* job) {
-    Found found;
-    if (!run.ahead->Next(&found)) return false;
-    job->Take(found);
-    return true;
-  };
+  steps.next = NextOf(run.ahead);
   steps.told = [&](const Job& job) { outcome.Take(job); };
   steps.totals = [&] { return counting.Get(); };
   const bool several = run.ahead->Several() && side_by_side;

@@ -341,8 +341,7 @@ void RunJob(Database* database, const ExportRequest& request,
   if (opened.code != kDone) return job->Fail(opened.code, job->input, opened.problem);
   if (!wanted) return job->Fail(kNoInput, job->input, "has changed meanwhile");
   // On the same card it stays the same.
-  const std::string below = job->front.empty() ? job->below : Inside(job->front, job->below);
-  const std::string path = IsSpooled(job->input) ? "-" : Utf8(below);
+  const std::string path = IsSpooled(job->input) ? "-" : Utf8(job->place);
   const auto& serial = opened.head.settings.ee_serial_number;
   const auto [entry, is_new] =
       taken->emplace(path + "\n" + std::string(serial, sizeof serial), job->input);

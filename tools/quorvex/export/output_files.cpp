@@ -17,9 +17,7 @@ bool MakeFolder(const std::string& folder) {
 }
 
 void FilePlaces::Take(Job* job) {
-  std::string stem = WithoutExtension(job->below);
-  if (!job->front.empty()) stem = Inside(job->front, stem);
-  stem = Inside(folder_, stem);
+  const std::string stem = Inside(folder_, WithoutExtension(job->place));
   job->named = stem;
   if (!places_.Enter(FolderOf(stem), job)) return;
   // Folders travel: names that differ by case only would be one elsewhere.

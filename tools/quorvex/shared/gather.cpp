@@ -309,11 +309,11 @@ std::string Gathering::Prepare(const Sources& sources, std::unique_ptr<Gathering
   return "";
 }
 
+std::string Found::Place() const { return front.empty() ? below : Inside(front, below); }
+
 bool Gathering::Next(Found* found) {
   while (walk_->Next(found)) {
-    const std::string& below = found->below;
-    const std::string place = found->front.empty() ? below : Inside(found->front, below);
-    if (!found->problem.empty() || IsIn(share_, place)) return true;
+    if (!found->problem.empty() || IsIn(share_, found->Place())) return true;
   }
   return false;
 }

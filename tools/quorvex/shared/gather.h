@@ -34,13 +34,15 @@ struct Sources {
 };
 
 struct Found {
-  std::string path;   // as given, or found in a folder that was
-  std::string below;  // the path below that folder, or below the base of a list
-  std::string
-      front;  // what stands in front of that where folders are mirrored: the given one's name
+  std::string path;     // as given, or found in a folder that was
+  std::string below;    // the path below that folder, or below the base of a list
+  std::string front;    // the name of that folder, where several are given
   std::string problem;  // why it cannot be used; empty where it can
   bool folder = false;  // it is a folder that has a problem, or something in one
   bool walked = false;  // it was found in a folder, whose recordings come one after the other
+
+  // Where it stands among all that is gathered, and its outputs where folders are mirrored.
+  std::string Place() const;
 };
 
 class Walk;

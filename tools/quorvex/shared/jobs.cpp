@@ -189,11 +189,19 @@ thread_local Job* current_job = nullptr;
 
 void Job::Take(const Found& found) {
   input = found.path;
-  below = found.below;
-  front = found.front;
+  place = found.Place();
   walked = found.walked;
   of_folder = found.folder;
   if (!found.problem.empty()) Fail(kNoInput, input, found.problem);
+}
+
+std::function<bool(Job*)> NextOf(Ahead* ahead) {
+  return [ahead](Job* job) {
+    Found found;
+    if (!ahead->Next(&found)) return false;
+    job->Take(found);
+    return true;
+  };
 }
 
 int32_t OnProgress(float fraction) {

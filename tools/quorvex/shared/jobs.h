@@ -25,7 +25,7 @@ struct OutputFolder;
 struct Job {
   size_t number = 0;  // from 0 on, in order
   std::string input;
-  std::string below, front;  // where outputs mirror folders, as Found has them
+  std::string place;  // where outputs mirror folders, with the recording's name
   bool walked = false;
   bool of_folder = false;                // there is no recording, but a folder with a problem
   std::string output;                    // resolved; empty for standard output
@@ -98,6 +98,9 @@ struct Steps {
 // was interrupted. Memory holds no more jobs than `kMostBegun`, however many there are.
 constexpr size_t kMostBegun = 4096;
 bool RunJobs(const Steps& steps, unsigned workers, Progress* progress);
+
+// The `next` that takes what is gathered.
+std::function<bool(Job*)> NextOf(Ahead* ahead);
 
 // As many threads as are asked for; 0 asks for as many as there are cores.
 unsigned WorkersFor(unsigned asked);
