@@ -70,7 +70,6 @@ void ReadThrough(const fs::path& path) {
 }
 
 // A recording with `copies` times its records; a waveform capture with waveforms that much longer.
-// Not for live results, of which a recording has one.
 Bytes Multiplied(const Bytes& recording, size_t copies) {
   constexpr size_t kCaptureLengthAt = 8 + 1440;
   constexpr size_t kCaptureSlots = 8;
@@ -137,6 +136,65 @@ void SideBySide(Convert convert, const std::string& input, const fs::path& folde
       Median(seconds[0]), Median(seconds[1]), Median(seconds[0]) / Median(seconds[1]));
 }
 
+struct Contender {
+  const char* name;
+  Convert convert;
+  bool own_too;
+  std::vector<double> times{}, own{};
+};
+
+// Converts each of the inputs so many times, and prints a row of the table.
+void Measure(const std::string& label, const std::vector<fs::path>& inputs, size_t times,
+             size_t rounds, std::vector<Contender>* contenders) {
+  const std::string output = (inputs[0].parent_path() / "output.xml").string();
+  std::vector<Bytes> documents;
+  double mb = 0;
+  for (const fs::path& input : inputs) {
+    (*contenders)[0].convert(input.c_str(), output.c_str(), nullptr);
+    documents.push_back(ReadFile(output));
+    mb += static_cast<double>(documents.back().size() * times) / 1e6;
+    for (const Contender& contender : *contenders) {
+      contender.convert(input.c_str(), output.c_str(), nullptr);
+      if (ReadFile(output) != documents.back()) {
+        Fail(label + ": " + contender.name + " gives another document");
+      }
+    }
+  }
+  std::vector<double> raw, floor;
+  for (Contender& contender : *contenders) {
+    contender.times.clear();
+    contender.own.clear();
+  }
+  for (size_t round = 0; round < rounds; ++round) {
+    for (Contender& contender : *contenders) {
+      const auto convert_to = [&](const char* path) {
+        for (const fs::path& input : inputs) contender.convert(input.c_str(), path, nullptr);
+      };
+      fs::remove(output);
+      contender.times.push_back(Milliseconds(times, [&] { convert_to(output.c_str()); }));
+      if (!contender.own_too) continue;
+      contender.own.push_back(Milliseconds(times, [&] { convert_to("/dev/null"); }));
+    }
+    fs::remove(output);
+    raw.push_back(Milliseconds(times, [&] {
+      for (const Bytes& document : documents) WriteFile(output, document);
+    }));
+    floor.push_back(raw.back() + Milliseconds(times, [&] {
+                      for (const fs::path& input : inputs) ReadThrough(input);
+                    }));
+  }
+  const auto time = [&](size_t of) { return Median((*contenders)[of].times); };
+  const auto own = [&](size_t of) { return Median((*contenders)[of].own); };
+  std::printf("| %s | %.0f | %.0f | %.0f | %.0f | %.0f | %.0f | %.0f | %.2f | %.2f | %.1f | %.1f |",
+              label.c_str(), mb, Median(raw), Median(floor), time(0), own(0), time(1), time(2),
+              time(0) / Median(raw), time(0) / Median(floor), time(1) / time(0), time(2) / time(0));
+  if (contenders->size() > 3) {
+    std::printf(" %.0f | %.0f | %.2f |", time(3), own(3), time(3) / time(0));
+  }
+  std::printf("\n");
+  std::fflush(stdout);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -144,12 +202,6 @@ int main(int argc, char** argv) {
   const size_t megabytes = argc > 2 ? std::strtoul(argv[2], nullptr, 10) : 100;
   const size_t rounds = argc > 3 ? std::strtoul(argv[3], nullptr, 10) : 5;
   const char* before = argc > 4 ? argv[4] : nullptr;
-  struct Contender {
-    std::string name;
-    Convert convert;
-    bool own_too;
-    std::vector<double> times{}, own{};
-  };
   std::vector<Contender> contenders = {{"library", LoadConvert(QUORVEX_LIBRARY), true},
                                        {"printf", LoadConvert(PRINTF_LIBRARY), false},
                                        {"libxml2", LoadConvert(LIBXML2_LIBRARY), false}};
@@ -165,13 +217,20 @@ int main(int argc, char** argv) {
       before != nullptr ? " before ms | before's own ms | before : library |" : "",
       before != nullptr ? "---|---|---|" : "");
   std::vector<std::string> seen;
-  std::vector<fs::path> samples;
+  std::vector<fs::path> samples, small;
   for (const auto& entry : fs::directory_iterator(folder)) samples.push_back(entry.path());
   std::sort(samples.begin(), samples.end());
-  const std::string input = folder / "large.REC";
-  const std::string output = folder / "large.xml";
+  const fs::path large = folder / "large.REC";
+  const fs::path output = folder / "output.xml";
+  size_t small_documents = 0;
   for (const fs::path& sample : samples) {
     const Bytes recording = ReadFile(sample);
+    contenders[0].convert(sample.c_str(), output.c_str(), nullptr);
+    const size_t copies = megabytes * 1000000 / fs::file_size(output) + 1;
+    if (recording.size() < 100000) {
+      small.push_back(sample);
+      small_documents += fs::file_size(output);
+    }
     const auto type = quorvex::Load<int32_t>(recording.data() + 4);
     constexpr int32_t kTypes[] = {1, 2, 5, 6, 9, 10, 16, 17};
     if (std::find(std::begin(kTypes), std::end(kTypes), type) == std::end(kTypes)) continue;
@@ -181,52 +240,19 @@ int main(int argc, char** argv) {
     }
     if (std::find(seen.begin(), seen.end(), label) != seen.end()) continue;
     seen.push_back(label);
-
-    contenders[0].convert(sample.c_str(), output.c_str(), nullptr);
-    const size_t copies = megabytes * 1000000 / fs::file_size(output) + 1;
-    const bool one_record = type == 6;
-    const size_t times = one_record ? copies : 1;
-    if (one_record) label += ", " + std::to_string(times) + " times";
-    WriteFile(input, Multiplied(recording, one_record ? 1 : copies));
-    contenders[0].convert(input.c_str(), output.c_str(), nullptr);
-    const Bytes document = ReadFile(output);
-    for (Contender& contender : contenders) {
-      contender.times.clear();
-      contender.own.clear();
-      contender.convert(input.c_str(), output.c_str(), nullptr);
-      if (ReadFile(output) != document) {
-        Fail(label + ": " + contender.name + " gives another document");
-      }
+    if (type == 6) {  // one record, which cannot be made longer
+      Measure(label + ", " + std::to_string(copies) + " times", {sample}, copies, rounds,
+              &contenders);
+      continue;
     }
-    std::vector<double> raw, floor;
-    for (size_t round = 0; round < rounds; ++round) {
-      for (Contender& contender : contenders) {
-        const auto to = [&](const char* path) { contender.convert(input.c_str(), path, nullptr); };
-        fs::remove(output);
-        contender.times.push_back(Milliseconds(times, [&] { to(output.c_str()); }));
-        if (!contender.own_too) continue;
-        contender.own.push_back(Milliseconds(times, [&] { to("/dev/null"); }));
-      }
-      fs::remove(output);
-      raw.push_back(Milliseconds(times, [&] { WriteFile(output, document); }));
-      floor.push_back(raw.back() + Milliseconds(times, [&] { ReadThrough(input); }));
-    }
-    const double own = Median(contenders[0].times);
-    const double printf_time = Median(contenders[1].times);
-    const double libxml2_time = Median(contenders[2].times);
-    std::printf(
-        "| %s | %.0f | %.0f | %.0f | %.0f | %.0f | %.0f | %.0f | %.2f | %.2f | %.1f | %.1f |",
-        label.c_str(), static_cast<double>(document.size() * times) / 1e6, Median(raw),
-        Median(floor), own, Median(contenders[0].own), printf_time, libxml2_time, own / Median(raw),
-        own / Median(floor), printf_time / own, libxml2_time / own);
-    if (before != nullptr) {
-      const double was = Median(contenders[3].times);
-      std::printf(" %.0f | %.0f | %.2f |", was, Median(contenders[3].own), was / own);
-    }
-    std::printf("\n");
-    std::fflush(stdout);
+    WriteFile(large, Multiplied(recording, copies));
+    Measure(label, {large}, 1, rounds, &contenders);
   }
-  SideBySide(contenders[0].convert, input, folder, rounds);
+  const size_t times = megabytes * 1000000 / small_documents + 1;
+  Measure(
+      std::to_string(small.size()) + " samples below 100 kB, " + std::to_string(times) + " times",
+      small, times, rounds, &contenders);
+  SideBySide(contenders[0].convert, large.string(), folder, rounds);
   fs::remove_all(folder);
   return 0;
 }
