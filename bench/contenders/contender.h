@@ -10,4 +10,7 @@ namespace quorvex {
 // An element whose text stands on a line of its own.
 void TextElement(XmlWriter* writer, const char* name, const char* attributes, const char* text);
 
+// <name>value</name> on one line.
+void ValueElement(XmlWriter* writer, const char* name, const char* value);
+
 }  // namespace quorvex

@@ -98,14 +98,4 @@ void CloseElement(XmlWriter* writer) {
   PutText(writer, ">\r\n");
 }
 
-void ValueElement(XmlWriter* writer, const char* name, const char* value) {
-  PutText(writer, "<");
-  PutText(writer, name);
-  PutText(writer, ">");
-  PutText(writer, value);
-  PutText(writer, "</");
-  PutText(writer, name);
-  PutText(writer, ">\r\n");
-}
-
 }  // namespace quorvex

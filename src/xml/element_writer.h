@@ -66,7 +66,4 @@ inline void PhaseAttribute(const char* label, char* to, uint32_t room) {
   text.Put('"');
 }
 
-// <name>value</name> on one line. The value stands as given: free text goes through EscapeText.
-void ValueElement(XmlWriter* writer, const char* name, const char* value);
-
 }  // namespace quorvex
