@@ -40,8 +40,10 @@ XmlWriter* CreateWriter(FileHandle* file);
 // elements stay open: whoever opened them closes them first. Whether all text has arrived.
 bool CloseWriter(XmlWriter* writer);
 
-// Room for `size` more bytes in one piece, kWriterBuffer at the most. Write there, then Advance.
+// What Reserve does where the buffer is full.
 char* MakeRoom(XmlWriter* writer, uint32_t size);
+
+// Room for `size` more bytes in one piece, kWriterBuffer at the most. Write there, then Advance.
 inline char* Reserve(XmlWriter* writer, uint32_t size) {
   if (size > writer->capacity - writer->position) [[unlikely]]
     return MakeRoom(writer, size);

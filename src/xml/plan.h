@@ -14,7 +14,7 @@ struct PlanStep;
 // Date-times mostly follow each other within a minute: what stands above their seconds is kept.
 struct MinuteText {
   uint64_t bytes;  // of the record
-  uint32_t size = 0;
+  uint32_t size;   // 0: there is none yet
   char text[3 * kCopySize];
 };
 
@@ -47,7 +47,7 @@ class Plan {
   PlanStep* steps_;
   uint32_t step_count_ = 0;
   PlanStep* gathering_ = nullptr;  // the step that asks for the room of those behind it
-  MinuteText minute_;
+  MinuteText minute_ = {};
 };
 
 // For what is rendered once.

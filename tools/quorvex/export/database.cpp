@@ -13,7 +13,6 @@
 
 #include "inspection/facts.h"
 #include "shared/output_places.h"
-#include "shared/paths.h"
 
 namespace quorvex::tool {
 namespace {
