@@ -162,11 +162,12 @@ void Cursor::CountList(const Repeat& list, Binding* binding) const {
     return l.row == nullptr || l.row->kind == Kind::kSpectrum ||
            l.row->count_from == CountFrom::kTable;
   };
+  const auto fixed_count = [](const Repeat& l) -> uint32_t {
+    if (l.row == nullptr) return 1;
+    return l.row->kind == Kind::kSpectrum ? OrdersOf(*l.row) : l.row->count;
+  };
   const auto same = [&](const Repeat& known) {
-    if (is_fixed(list)) {
-      return is_fixed(known) &&
-             quorvex::CountOf(known, nullptr, {}) >= quorvex::CountOf(list, nullptr, {});
-    }
+    if (is_fixed(list)) return is_fixed(known) && fixed_count(known) >= fixed_count(list);
     return !is_fixed(known) && known.at == list.at && known.row->count == list.row->count &&
            known.row->count_from == list.row->count_from &&
            known.row->count_ref == list.row->count_ref;
