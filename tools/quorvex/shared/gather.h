@@ -36,7 +36,7 @@ struct Sources {
 struct Found {
   std::string path;     // as given, or found in a folder that was
   std::string below;    // the path below that folder, or below the base of a list
-  std::string front;    // the name of that folder, where several are given
+  std::string front;    // as much of its path as tells it from the others, where several are given
   std::string problem;  // why it cannot be used; empty where it can
   bool folder = false;  // it is a folder that has a problem, or something in one
   bool walked = false;  // it was found in a folder, whose recordings come one after the other
